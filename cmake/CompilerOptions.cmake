@@ -1,0 +1,26 @@
+# One dialect and one set of warnings for everything that is ours. Third-party code that is built
+# along (GoogleTest) keeps its own.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_library(qvx_options INTERFACE)
+target_compile_options(
+  qvx_options
+  INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror
+            # The cameras' formulas are given operation by operation: none may be fused.
+            -ffp-contract=off)
+
+if(QVX_SANITIZE)
+  add_compile_options(-fsanitize=${QVX_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${QVX_SANITIZE})
+endif()
+
+if(MINGW)
+  # Everything of the compiler's runtime goes inside: what we build imports system DLLs only.
+  add_link_options(-static)
+  add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
+endif()

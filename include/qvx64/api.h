@@ -1,0 +1,102 @@
+/* QVX64: control of USB and Wi-Fi digital-microscope cameras.
+ *
+ * Choose a device with SetVideoDeviceIndex, call Init, then call the other functions. All state
+ * belongs to the process: there is one current camera and nothing to close.
+ *
+ * Device indexes: 0 to 7 are the cameras among the system's video inputs, in the order of
+ * GetDeviceId; 90 is the Wi-Fi camera; -1 lets Init choose. Any other value is accepted
+ * everywhere and means a camera that does not exist.
+ *
+ * Threads: call every function from one thread, and let that thread dispatch messages: the
+ * library's timers run from its message loop. Calls from several threads at once are not supported.
+ *
+ * Failures: functions do not report them; each says what it returns instead. No function throws.
+ *
+ * Times: "worst case" is what a call can take when the camera does not answer, beyond the time that
+ * the system's own enumeration of devices needs. A camera access is one register read or write: at
+ * most 2 s on a bridge camera. On USB 3 and Wi-Fi the system's own limits apply.
+ */
+#ifndef QVX64_API_H
+#define QVX64_API_H
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+/* 32 bits wide on every platform, as `long` is on Windows. */
+#if defined(_WIN32)
+typedef long qvx_long;
+#else
+typedef int32_t qvx_long;
+#endif
+
+#if defined(_WIN32) && !defined(QVX64_BUILDING)
+#define QVX64_API __declspec(dllimport)
+#else
+#define QVX64_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Finds the current device (see SetVideoDeviceIndex), settles its product id and, for cameras that
+ * read their magnification, loads the calibration and starts measuring every 250 ms on the calling
+ * thread. May be called again at any time; each call starts afresh and, where it measures, adds
+ * another timer.
+ * Returns 1 when the library is usable, 0 when no camera was found. With index -1, sets the index
+ * to the device it chose.
+ * Prints what it learns of USB 3 cameras to standard output. Initialises COM on the calling thread.
+ * Blocks for 0.2 to 2 s with a healthy camera; with index 90 and no Wi-Fi camera 2 s more. Worst
+ * case: about 40 camera accesses. */
+QVX64_API int Init(void);
+
+/* Returns the number of USB 3 cameras that the last Init found through libusbK, 0 without one or
+ * without libusbK. Does not block. */
+QVX64_API int GetVideoDeviceCount(void);
+
+/* Returns the current device index: as last set, or as chosen by Init. 0 at start. Does not
+ * block. */
+QVX64_API int GetVideoDeviceIndex(void);
+
+/* Makes `idx` the current device: 0 to 7, 90 or -1. Call it before Init. Nothing is checked or sent
+ * to a camera. Does not block. */
+QVX64_API void SetVideoDeviceIndex(int idx);
+
+/* Lists the cameras and returns the name of one, as a person knows it.
+ * deviceIndex: 0 to 7. 90 gives an empty string without listing; so does, after listing, any index
+ * without a camera.
+ * Returns a new terminated string at every call. The library never frees it. Null only when memory
+ * is exhausted.
+ * Names follow the system's order with USB 3 cameras (product ids 0x9B0 to 0x9BF) last. The paths
+ * stay in the system's order until the next GetDeviceId. Initialises COM on the calling thread. */
+QVX64_API wchar_t* GetVideoDeviceName(int deviceIndex);
+
+/* Lists the cameras and returns the device path of one, in lower case; the four hexadecimal digits
+ * after "pid_" are its product id.
+ * deviceIndex: 0 to 7. 90 and -1 give an empty string without listing; so does, after listing, any
+ * index without a camera. When there is no camera at all, earlier paths stay.
+ * Returns a new terminated string at every call. The library never frees it. Null only when memory
+ * is exhausted. Initialises COM on the calling thread. */
+QVX64_API wchar_t* GetDeviceId(int deviceIndex);
+
+/* The same as narrow text in the OEM code page, pointing into the library: valid until the cameras
+ * are listed again. Never null. */
+QVX64_API char* GetDeviceIDA(int deviceIndex);
+
+/* Returns the magnification at the last measurement (at least 1.0), 0 before the first one. Two
+ * ticks in ten give the mean of ten samples instead of the sample itself. Reads nothing from the
+ * camera and does not block.
+ * deviceIndex: the device that the next measurements read; -1 means 90. */
+QVX64_API double GetMAG(int deviceIndex);
+
+/* Returns the width of the field of view in micrometres at magnification fMag (any number but 0)
+ * for the camera at deviceIndex (0 to 7; 90 and -1 for the Wi-Fi camera). For a camera of no known
+ * family, 352000 / fMag. Reads nothing from the camera and does not block. */
+QVX64_API double FOVx(int deviceIndex, double fMag);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,226 @@
+#include "etlib2/etLib2.h"
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "etlib2/access.h"
+#include "platform/com.h"
+
+namespace qvx {
+
+namespace {
+
+constexpr std::uint32_t workerLimit_ms = 500;
+constexpr std::uint32_t workerLimitForCommands_ms = 1000;
+
+std::mutex openTransportGuard;
+std::shared_ptr<Transport> openTransport;  // null = closed
+
+std::atomic<std::uint8_t> i2cSpeed{standardSpeed};
+
+std::shared_ptr<Transport> currentTransport() {
+  const std::lock_guard<std::mutex> lock(openTransportGuard);
+  return openTransport;
+}
+
+void replaceTransport(std::shared_ptr<Transport> transport) {
+  {
+    const std::lock_guard<std::mutex> lock(openTransportGuard);
+    openTransport.swap(transport);
+  }
+  if (transport == nullptr) return;
+  // A late worker may still be using the camera's COM objects: their libraries must stay.
+  const bool inUse = transport.use_count() > 1;
+  transport.reset();
+  if (!inUse) platform::uninitializeCom();
+}
+
+std::shared_ptr<Transport> openCameras(TransportKind kind) {
+  platform::initializeCom();
+  std::shared_ptr<Transport> transport = Transport::open(kind);
+  if (transport == nullptr) platform::uninitializeCom();
+  return transport;
+}
+
+// Runs an access on a worker; nothing when the worker did not start or was late. The access must
+// own everything it touches.
+template <class Access>
+std::optional<std::uint32_t> onWorker(std::uint32_t limit_ms, Access access) {
+  return platform::runOnWorker(
+      [access]() -> std::uint32_t {
+        try {
+          return access();
+        } catch (...) {
+          return statusFailed;
+        }
+      },
+      limit_ms);
+}
+
+bool validRegister(std::uint8_t length) {
+  return length <= sizeof(std::uint32_t);
+}
+
+bool validField(std::uint32_t length, const std::uint8_t* bytes) {
+  return length <= i2cFieldSize && (length == 0 || bytes != nullptr);
+}
+
+std::shared_ptr<I2cBlock> makeI2cBlock(std::uint32_t slave, std::uint32_t subAddressLength,
+                                       const std::uint8_t* subAddress, std::uint32_t dataLength) {
+  auto block = std::make_shared<I2cBlock>();
+  block->slave = static_cast<std::uint8_t>(slave);
+  block->subAddressLength = static_cast<std::uint8_t>(subAddressLength);
+  block->dataLength = static_cast<std::uint8_t>(dataLength);
+  std::copy_n(subAddress, subAddressLength, block->subAddress.begin());
+  speedTable.entries[0].slave.store(block->slave, std::memory_order_relaxed);
+  speedTable.entries[0].speed.store(i2cSpeed.load(std::memory_order_relaxed),
+                                    std::memory_order_relaxed);
+  return block;
+}
+
+std::shared_ptr<CommandBlock> makeCommand(std::uint8_t code, std::uint8_t length,
+                                          const std::uint8_t* buffer) {
+  auto command = std::make_shared<CommandBlock>();
+  command->code = code;
+  std::copy_n(buffer, std::min<std::size_t>(length, commandDataSize), command->data.begin());
+  return command;
+}
+
+// 0 when the chip does not answer in time.
+std::uint8_t askChipGeneration(const std::shared_ptr<Transport>& transport, std::uint32_t DevNum) {
+  auto generation = std::make_shared<std::uint8_t>();
+  const auto status = onWorker(workerLimit_ms, [transport, DevNum, generation] {
+    return transport->readChipGeneration(DevNum, *generation);
+  });
+  return status == statusOk ? *generation : std::uint8_t{0};
+}
+
+}  // namespace
+
+int etLib2_Init() {
+  replaceTransport(nullptr);
+  std::shared_ptr<Transport> transport = openCameras(TransportKind::extensionUnit);
+  if (transport == nullptr) transport = openCameras(TransportKind::hid);
+  const bool found = transport != nullptr;
+  replaceTransport(std::move(transport));
+  return found ? 1 : 0;
+}
+
+void etLib2_Release() {
+  replaceTransport(nullptr);
+}
+
+int etLib2_GetDevTotalNum() {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  return transport == nullptr ? 0 : transport->deviceCount();
+}
+
+void etLib2_SelectI2cBus_DevNum(std::uint32_t DevNum, std::uint8_t bus, std::uint32_t fast) {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  if (transport == nullptr || askChipGeneration(transport, DevNum) != 0) return;
+  std::uint32_t select = 0;
+  if (etLib2_RegRead_DevNum(DevNum, bridge_register::busSelect, 1, &select) != statusOk) return;
+  select = bus == 1 ? select & ~busSelectBit : select | busSelectBit;
+  if (etLib2_RegWrite_DevNum(DevNum, bridge_register::busSelect, 1, &select) != statusOk) return;
+  i2cSpeed.store(fast != 0 ? fastSpeed : standardSpeed, std::memory_order_relaxed);
+}
+
+std::uint32_t etLib2_RegRead_DevNum(std::uint32_t DevNum, std::uint32_t address,
+                                    std::uint32_t length, std::uint32_t* value) {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  const auto bytes = static_cast<std::uint8_t>(length);
+  if (transport == nullptr || value == nullptr || !validRegister(bytes)) return statusFailed;
+  auto transfer = std::make_shared<RegisterTransfer>();
+  *transfer = {static_cast<std::uint16_t>(address), bytes, 0};
+  const auto status = onWorker(workerLimit_ms, [transport, DevNum, transfer] {
+    return transport->readRegister(DevNum, *transfer);
+  });
+  if (status == statusOk) *value = transfer->value;
+  return status.value_or(statusFailed);
+}
+
+std::uint32_t etLib2_RegWrite_DevNum(std::uint32_t DevNum, std::uint32_t address,
+                                     std::uint32_t length, const std::uint32_t* value) {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  const auto bytes = static_cast<std::uint8_t>(length);
+  if (transport == nullptr || value == nullptr || !validRegister(bytes)) return statusFailed;
+  const RegisterTransfer transfer{static_cast<std::uint16_t>(address), bytes, *value};
+  return onWorker(workerLimit_ms, [transport, DevNum,
+                                   transfer] { return transport->writeRegister(DevNum, transfer); })
+      .value_or(statusFailed);
+}
+
+namespace {
+
+// The block of a finished I2C access; a null block means that the worker was late or never ran.
+struct I2cResult {
+  std::uint32_t status = statusFailed;
+  std::shared_ptr<I2cBlock> block;
+};
+
+enum class Direction { read, write };
+
+I2cResult transferI2c(Direction direction, std::uint32_t DevNum, std::uint32_t slave,
+                      std::uint32_t subAddressLength, std::uint8_t* subAddress,
+                      std::uint32_t dataLength, const std::uint8_t* written) {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  if (transport == nullptr || !validField(subAddressLength, subAddress)) return {};
+  const auto block = makeI2cBlock(slave, subAddressLength, subAddress, dataLength);
+  if (written != nullptr) std::copy_n(written, dataLength, block->data.begin());
+  const auto status = onWorker(workerLimit_ms, [transport, DevNum, block, direction] {
+    return direction == Direction::read ? transport->readI2c(DevNum, *block)
+                                        : transport->writeI2c(DevNum, *block);
+  });
+  if (!status) return {};
+  // The caller sees the sub-address as it went out.
+  std::copy_n(block->subAddress.begin(), subAddressLength, subAddress);
+  return {*status, block};
+}
+
+}  // namespace
+
+std::uint32_t etLib2_I2cRead_DevNum(std::uint32_t DevNum, std::uint32_t slave,
+                                    std::uint32_t subAddressLength, std::uint8_t* subAddress,
+                                    std::uint32_t dataLength, std::uint8_t* data) {
+  if (!validField(dataLength, data)) return statusFailed;
+  const I2cResult result = transferI2c(Direction::read, DevNum, slave, subAddressLength, subAddress,
+                                       dataLength, nullptr);
+  if (result.status == statusOk) std::copy_n(result.block->data.begin(), dataLength, data);
+  return result.status;
+}
+
+std::uint32_t etLib2_I2cWrite_DevNum(std::uint32_t DevNum, std::uint32_t slave,
+                                     std::uint32_t subAddressLength, std::uint8_t* subAddress,
+                                     std::uint32_t dataLength, const std::uint8_t* data) {
+  if (!validField(dataLength, data)) return statusFailed;
+  return transferI2c(Direction::write, DevNum, slave, subAddressLength, subAddress, dataLength,
+                     data)
+      .status;
+}
+
+std::uint32_t etLib2_Custom_CMD_Read(std::uint32_t DevNum, std::uint8_t command,
+                                     std::uint8_t length, std::uint8_t* buffer) {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  if (transport == nullptr || buffer == nullptr) return statusFailed;
+  const auto block = makeCommand(command, length, buffer);
+  const auto status = onWorker(workerLimitForCommands_ms, [transport, DevNum, block] {
+    return transport->readCommand(DevNum, *block);
+  });
+  if (status) std::copy(block->data.begin(), block->data.end(), buffer);
+  return status.value_or(statusFailed);
+}
+
+std::uint32_t etLib2_Custom_CMD_Write(std::uint32_t DevNum, std::uint8_t command,
+                                      std::uint8_t length, const std::uint8_t* buffer) {
+  const std::shared_ptr<Transport> transport = currentTransport();
+  if (transport == nullptr || buffer == nullptr) return statusFailed;
+  const auto block = makeCommand(command, length, buffer);
+  return onWorker(workerLimitForCommands_ms,
+                  [transport, DevNum, block] { return transport->writeCommand(DevNum, *block); })
+      .value_or(statusFailed);
+}
+
+}  // namespace qvx

@@ -1,0 +1,17 @@
+// Pauses and the thread timers that run from the application's message loop.
+#pragma once
+
+#include <cstdint>
+
+namespace qvx::platform {
+
+// The system's timer-callback signature: window, message, timer identifier, tick time.
+using TimerProcedure = void (*)(void*, unsigned, std::uintptr_t, std::uint32_t);
+
+void pause(std::uint32_t milliseconds);
+
+// Starts a timer with no window. The procedure runs on the calling thread, whenever that thread
+// dispatches messages and the period has passed, until the library is unloaded.
+void startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms, TimerProcedure procedure);
+
+}  // namespace qvx::platform

@@ -1,0 +1,19 @@
+// The system's list of video-capture devices.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace qvx::platform {
+
+struct VideoInput {
+  std::wstring displayName;   // the device path, as the system writes it
+  std::wstring friendlyName;  // what a person sees
+};
+
+// The video inputs in the system's order, leaving out those that do not tell both names.
+// Empty when there are none or the system's list cannot be had. Needs initializeCom on the
+// calling thread.
+std::vector<VideoInput> listVideoInputs();
+
+}  // namespace qvx::platform

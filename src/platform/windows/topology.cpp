@@ -1,0 +1,97 @@
+#include "platform/topology.h"
+
+#include <windows.h>
+// The kernel-streaming headers in the order they need.
+#include <dshow.h>
+#include <ks.h>
+#include <ksmedia.h>
+#include <ksproxy.h>
+
+#include "platform/windows/com_pointer.h"
+#include "platform/windows/topology_info.h"
+#include "platform/windows/video_monikers.h"
+
+namespace qvx::platform {
+
+namespace {
+
+GUID guidOf(const PropertySet& set) {
+  GUID guid{set.data1, set.data2, set.data3, {}};
+  for (std::size_t i = 0; i < set.data4.size(); ++i) guid.Data4[i] = set.data4[i];
+  return guid;
+}
+
+class KsFilter final : public TopologyFilter {
+ public:
+  KsFilter(ComPointer<IKsTopologyInfo> topology, ComPointer<IKsControl> control)
+      : topology_(std::move(topology)), control_(std::move(control)) {}
+
+  std::vector<std::uint32_t> vendorNodes() override {
+    std::vector<std::uint32_t> nodes;
+    DWORD count = 0;
+    if (FAILED(topology_->get_NumNodes(&count))) return nodes;
+    for (DWORD node = 0; node < count; ++node) {
+      GUID type{};
+      if (SUCCEEDED(topology_->get_NodeType(node, &type)) &&
+          IsEqualGUID(type, KSNODETYPE_DEV_SPECIFIC)) {
+        nodes.push_back(node);
+      }
+    }
+    return nodes;
+  }
+
+  bool supports(std::uint32_t node, const PropertySet& set) override {
+    return request(node, set, 0, KSPROPERTY_TYPE_SETSUPPORT, nullptr, 0);
+  }
+
+  bool getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, void* data,
+                   std::uint32_t size) override {
+    return request(node, set, id, KSPROPERTY_TYPE_GET, data, size);
+  }
+
+  bool setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, const void* data,
+                   std::uint32_t size) override {
+    return request(node, set, id, KSPROPERTY_TYPE_SET, const_cast<void*>(data), size);
+  }
+
+ private:
+  bool request(std::uint32_t node, const PropertySet& set, std::uint32_t id, ULONG type, void* data,
+               std::uint32_t size) {
+    KSP_NODE property{};
+    property.Property.Set = guidOf(set);
+    property.Property.Id = id;
+    property.Property.Flags = type | KSPROPERTY_TYPE_TOPOLOGY;
+    property.NodeId = node;
+    ULONG returned = 0;
+    return SUCCEEDED(
+        control_->KsProperty(&property.Property, sizeof property, data, size, &returned));
+  }
+
+  ComPointer<IKsTopologyInfo> topology_;
+  ComPointer<IKsControl> control_;
+};
+
+std::shared_ptr<TopologyFilter> openFilter(IMoniker& moniker) {
+  ComPointer<IBaseFilter> filter;
+  ComPointer<IKsTopologyInfo> topology;
+  ComPointer<IKsControl> control;
+  if (FAILED(moniker.BindToObject(nullptr, nullptr, IID_IBaseFilter, filter.outVoid())) ||
+      FAILED(filter->QueryInterface(IID_IKsTopologyInfo, topology.outVoid())) ||
+      FAILED(filter->QueryInterface(IID_IKsControl, control.outVoid()))) {
+    return nullptr;
+  }
+  return std::make_shared<KsFilter>(std::move(topology), std::move(control));
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters() {
+  std::vector<std::shared_ptr<TopologyFilter>> filters;
+  forEachVideoMoniker([&filters](IMoniker& moniker) {
+    if (auto filter = openFilter(moniker)) filters.push_back(std::move(filter));
+    return true;
+  });
+  return filters;
+}
+
+}  // namespace qvx::platform

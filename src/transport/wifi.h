@@ -1,0 +1,65 @@
+// The Wi-Fi command channel: every register and pin of the Wi-Fi camera is reached by an HTTP GET
+// to a small server on the camera, which answers "res:" and a decimal integer.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "platform/internet.h"
+
+namespace qvx {
+
+// Agent name of every request.
+inline constexpr wchar_t downloadAgent[] = L"HTTP Downloader";
+
+// The most that one read of an answer takes.
+constexpr std::uint32_t answerCapacity = 8192;
+
+// "http://", the camera's address, ":8080/".
+std::string wifiBaseUrl();
+
+// The two numbers of a command. Device addresses are in their 8-bit write form.
+int CTRL_ID_I2C_R(int device, int regBytes, int dataBytes);
+int CTRL_ID_I2C_W(int device, int regBytes, int dataBytes);
+int CTRL_VAL_I2C(int reg, int data);
+int CTRL_ID_GPIO_R(int port);
+int CTRL_ID_GPIO_W(int port, int mask);
+
+// Complete command URLs on a base URL. Note that a write takes its data before the data's width.
+std::string CMD_I2C_R(std::string base, int device, int reg, int regBytes, int dataBytes);
+std::string CMD_I2C_W(std::string base, int device, int reg, int regBytes, int data, int dataBytes);
+std::string CMD_GPIO_R(std::string base, int port);
+std::string CMD_GPIO_W(std::string base, int port, int mask, int levels);
+
+// printf-style text, cut to 511 characters.
+#if defined(__GNUC__)
+__attribute__((format(printf, 1, 2)))
+#endif
+std::string
+format(const char* pattern, ...);
+
+// Sends a command after a pause of 10 ms and returns the integer of its answer, 0 on any failure.
+int loadUrlwWininet(std::string url);
+
+// Each byte becomes one wide character.
+std::wstring widen(const std::string& text);
+
+// One GET and one read. Returns what the read gave, nothing when no byte came. After a success the
+// request and its session stay open: the channel leaves both to the process.
+std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms);
+
+// The integer after "res:" in an answer.
+int resultIn(const std::string& answer);
+
+// A growing receive buffer on the C heap, and the callback that appends to it in the form HTTP
+// client libraries call. Part of the channel's toolkit; no operation installs it.
+struct MemoryStruct {
+  char* memory;
+  std::uint64_t size;
+};
+std::uint64_t WriteMemoryCallback(void* contents, std::uint64_t size, std::uint64_t count,
+                                  void* userData);
+
+}  // namespace qvx
