@@ -1,0 +1,51 @@
+// One simulated camera. The fronts (Wi-Fi, USB 3, extension unit, HID) reach it through this and
+// move its time; it reads no clock.
+#pragma once
+
+#include <cstdint>
+
+#include "simulator/model/controller.h"
+#include "simulator/model/gpio.h"
+#include "simulator/model/violations.h"
+#include "simulator/model/zoom_ring.h"
+
+namespace qvx::simulator {
+
+class Camera {
+ public:
+  explicit Camera(std::uint16_t productId);
+  Camera(const Camera&) = delete;
+  Camera& operator=(const Camera&) = delete;
+
+  std::uint16_t productId() const { return productId_; }
+
+  // What answers at an address of the I2C bus (8-bit write form), null for nothing.
+  I2cDevice* deviceAt(std::uint8_t address);
+
+  // Moves the camera's clock. Times count from power-up and never go back.
+  void advanceTo(std::uint64_t now_ms);
+
+  // Takes effect at once. A camera without a zoom encoder stays as it is.
+  void setZoom(const ZoomMotion& motion);
+  bool hasZoomRing() const;
+
+  // What the zoom ring shows now: what an ideal client reads from the encoder.
+  double magnification() const;
+
+  Controller& controller() { return controller_; }
+  Gpio& gpio() { return gpio_; }
+  Violations& violations() { return violations_; }
+
+ private:
+  void turnRing();
+
+  std::uint16_t productId_;
+  std::uint64_t now_ms_ = 0;
+  ZoomMotion motion_{50, 50, 0};
+  int quarters_ = 0;
+  Violations violations_;
+  Controller controller_;
+  Gpio gpio_;
+};
+
+}  // namespace qvx::simulator

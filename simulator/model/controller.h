@@ -1,0 +1,87 @@
+// The camera's microcontroller: one-byte registers with one-byte addresses.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "simulator/model/calibration.h"
+#include "simulator/model/i2c_device.h"
+#include "simulator/model/violations.h"
+
+namespace qvx::simulator {
+
+enum : std::uint8_t {
+  controllerAddress = 0x62,  // in its 8-bit write form
+};
+
+namespace controller_register {
+enum : std::uint8_t {
+  modelByte = 0x00,
+  encoderPosition = 0x01,  // whole units
+  encoderFraction = 0x02,  // 0x00, 0x40, 0x80 or 0xC0: quarters of a unit
+  lightLevel = 0x03,
+  lightSwitch = 0x04,
+  lensDirection = 0x08,  // 1 = forward, 2 = backward
+  quadrant1Level = 0x12,
+  quadrant4Level = 0x15,
+  threePoints = 0x40,   // calibration, 12 registers; the layout depends on the kind
+  lensZeroAt40 = 0x40,  // on cameras whose lens came before their encoder
+  threePointsEnd = 0x4B,
+  lensZeroAt50 = 0x50,
+  fineOffsetBackward = 0x5E,
+  fineOffsetForward = 0x5F,
+  fourPointsY = 0x60,  // calibration, magnifications: two bytes each, low byte first
+  fourPointsX = 0x68,  // calibration, positions
+  fourPointsEnd = 0x6F,
+  features = 0x80,
+  reserved81 = 0x81,
+  lightingKind = 0x83,
+  lightingBoard = 0x84,
+  opticsKind = 0xC0,
+  reservedC1 = 0xC1,
+  wideLensRange = 0xC2,
+  calibrationKind = 0xC3,
+  reservedC4 = 0xC4,
+  calibrationDegree = 0xC5,
+  lensDriverKind = 0xCA,
+};
+}  // namespace controller_register
+
+// The value of a register that was never programmed.
+constexpr std::uint8_t erased = 0xFF;
+
+enum class RegisterAccess : std::uint8_t { none, read, readWrite };
+
+// What a controller is at power-up.
+struct ControllerContents {
+  Registers values;
+  std::array<RegisterAccess, 256> access;
+};
+
+// The contents for a camera's product id. An unknown product id gets a controller of the oldest
+// kind, with nothing programmed.
+ControllerContents controllerFor(std::uint16_t productId);
+
+class Controller final : public I2cDevice {
+ public:
+  Controller(std::uint16_t productId, Violations& violations);
+
+  // One register address and one byte.
+  bool write(std::span<const std::uint8_t> subAddress, std::span<const std::uint8_t> data) override;
+
+  // One register address; several bytes come from registers in a row.
+  bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) override;
+
+  // The registers as the camera itself and its tests see them, without the bus's rules.
+  std::uint8_t at(std::uint8_t reg) const { return contents_.values[reg]; }
+  void set(std::uint8_t reg, std::uint8_t value) { contents_.values[reg] = value; }
+
+ private:
+  bool hasOneByteAddress(std::span<const std::uint8_t> subAddress) const;
+
+  ControllerContents contents_;
+  Violations& violations_;
+};
+
+}  // namespace qvx::simulator

@@ -1,0 +1,32 @@
+// What a client did that a real camera's maker would call a mistake: registers that do not exist,
+// wrong lengths, pins that are inputs. The camera goes on; a test fails at its end.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <initializer_list>
+#include <string_view>
+
+#include "simulator/model/text.h"
+
+namespace qvx::simulator {
+
+class Violations {
+ public:
+  static constexpr std::size_t capacity = 32;
+
+  // The parts become one line: "controller: read of unknown register 0x37".
+  void add(std::initializer_list<std::string_view> parts);
+
+  // All of them, those beyond the capacity included; only the first `capacity` keep their text.
+  std::size_t count() const { return count_; }
+  std::string_view operator[](std::size_t index) const;
+
+  void clear() { count_ = 0; }
+
+ private:
+  std::array<FixedText<96>, capacity> lines_{};
+  std::size_t count_ = 0;
+};
+
+}  // namespace qvx::simulator
