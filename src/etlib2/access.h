@@ -29,7 +29,8 @@ struct SpeedTable {
   std::uint8_t speedOf(std::uint8_t slave) const;
 };
 inline SpeedTable speedTable;
-inline std::atomic<std::uint32_t> currentDevice{0};  // the device an access last served
+inline std::atomic<std::uint8_t> i2cSpeed{standardSpeed};  // of the transfers to come
+inline std::atomic<std::uint32_t> currentDevice{0};        // the device an access last served
 
 enum class TransportKind : std::uint8_t { none = 0, extensionUnit = 1, hid = 2 };
 

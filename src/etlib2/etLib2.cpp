@@ -19,8 +19,6 @@ constexpr std::uint32_t workerLimitForCommands_ms = 1000;
 std::mutex openTransportGuard;
 std::shared_ptr<Transport> openTransport;  // null = closed
 
-std::atomic<std::uint8_t> i2cSpeed{standardSpeed};
-
 std::shared_ptr<Transport> currentTransport() {
   const std::lock_guard<std::mutex> lock(openTransportGuard);
   return openTransport;

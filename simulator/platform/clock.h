@@ -1,0 +1,56 @@
+// A clock that moves only when every thread that takes part is waiting: a pause of seconds costs
+// nothing, and what happens in which order does not depend on the machine.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <list>
+#include <mutex>
+
+namespace qvx::simulator {
+
+class Clock {
+ public:
+  static constexpr std::uint64_t forever = std::numeric_limits<std::uint64_t>::max();
+
+  std::uint64_t now_ms() const;
+
+  // Waits until the time has passed.
+  void sleep(std::uint64_t milliseconds);
+
+  // Waits until `ready` holds, at most so long; returns whether it does. `ready` is evaluated under
+  // the clock's lock, by whichever thread changes something, and must be quick.
+  bool waitFor(std::uint64_t limit_ms, const std::function<bool()>& ready);
+
+  // Changes what others wait for.
+  void change(const std::function<void()>& change);
+
+  // Runs the body on a new thread that takes part.
+  void startThread(std::function<void()> body);
+
+  // Waits until the calling thread is the only one left.
+  void waitForOthers();
+
+ private:
+  struct Waiter {
+    std::uint64_t deadline;
+    const std::function<bool()>* ready;
+    bool woken = false;
+    std::condition_variable wake;
+  };
+
+  void block(std::unique_lock<std::mutex>& lock, Waiter& waiter);
+  void wake(Waiter& waiter);
+  void wakeReady();
+  void moveOnIfAllWait();
+
+  mutable std::mutex mutex_;
+  std::list<Waiter*> waiters_;
+  std::uint64_t now_ms_ = 0;
+  int threads_ = 1;  // the one that made the clock takes part
+  int running_ = 1;
+};
+
+}  // namespace qvx::simulator

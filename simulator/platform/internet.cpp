@@ -1,0 +1,86 @@
+// The platform's internet functions over the simulated machine.
+#include "platform/internet.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "simulator/platform/world.h"
+
+namespace qvx::platform {
+
+struct InternetObject {
+  bool isRequest;
+  simulator::HttpAnswer answer{};
+  std::size_t nextChunk = 0;
+};
+
+namespace {
+
+using simulator::world;
+
+std::string narrow(const std::wstring& text) {
+  std::string result;
+  for (const wchar_t character : text) result += static_cast<char>(character);
+  return result;
+}
+
+int& openCountOf(const InternetObject& object) {
+  return object.isRequest ? world().open.internetRequests : world().open.internetSessions;
+}
+
+InternetHandle opened(InternetObject object) {
+  auto* const handle = new InternetObject(std::move(object));
+  ++openCountOf(*handle);
+  return handle;
+}
+
+// Handles that the library leaves open are kept reachable here, as the system keeps them.
+std::vector<std::unique_ptr<InternetObject>>& leftOpen() {
+  static std::vector<std::unique_ptr<InternetObject>> objects;
+  return objects;
+}
+
+}  // namespace
+
+InternetHandle openInternetSession(const wchar_t* agent) {
+  if (std::wstring(agent) != L"HTTP Downloader") world().note("session as " + narrow(agent));
+  const InternetHandle session = opened({false});
+  leftOpen().emplace_back(session);
+  return session;
+}
+
+void setInternetTimeouts(InternetHandle /*session*/, std::uint32_t connect_ms,
+                         std::uint32_t receive_ms) {
+  world().note("time-outs " + std::to_string(connect_ms) + " " + std::to_string(receive_ms));
+}
+
+InternetHandle openUrl(InternetHandle session, const std::wstring& url) {
+  if (session == nullptr) return nullptr;
+  const std::string text = narrow(url);
+  if (!world().operate("GET " + text) || !world().wifi) return nullptr;
+  simulator::HttpAnswer answer = world().wifi(text);
+  if (!answer.reachable) return nullptr;
+  const InternetHandle request = opened({true, std::move(answer), 0});
+  leftOpen().emplace_back(request);
+  return request;
+}
+
+bool readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
+             std::uint32_t& received) {
+  received = 0;
+  if (request->nextChunk == request->answer.chunks.size()) return !request->answer.breaksOff;
+  std::string& chunk = request->answer.chunks[request->nextChunk];
+  received = static_cast<std::uint32_t>(std::min<std::size_t>(chunk.size(), capacity));
+  std::memcpy(buffer, chunk.data(), received);
+  chunk.erase(0, received);
+  if (chunk.empty()) ++request->nextChunk;
+  return true;
+}
+
+void closeInternetHandle(InternetHandle handle) {
+  if (handle == nullptr) return;
+  --openCountOf(*handle);
+  std::erase_if(leftOpen(), [handle](const auto& object) { return object.get() == handle; });
+}
+
+}  // namespace qvx::platform

@@ -1,0 +1,83 @@
+// The smaller facilities of the platform over the simulated machine: COM, timers, process, text.
+#include "platform/com.h"
+#include "platform/process.h"
+#include "platform/text.h"
+#include "platform/timers.h"
+#include "simulator/platform/world.h"
+
+namespace qvx::platform {
+
+namespace {
+
+using simulator::world;
+
+thread_local std::uint32_t threadError = 0;
+
+// One byte a character, in the style of an 8-bit code page.
+std::string toNarrow(std::wstring_view text) {
+  std::string narrow;
+  for (const wchar_t character : text) {
+    narrow += character > 0 && character < 0x100 ? static_cast<char>(character) : '?';
+  }
+  return narrow;
+}
+
+}  // namespace
+
+void initializeCom() {
+  ++world().open.comInitializations;
+}
+
+void uninitializeCom() {
+  --world().open.comInitializations;
+}
+
+void pause(std::uint32_t milliseconds) {
+  world().note("pause " + std::to_string(milliseconds));
+  world().clock.sleep(milliseconds);
+}
+
+void startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms,
+                      TimerProcedure procedure) {
+  world().note("timer " + std::to_string(identifier) + " every " + std::to_string(period_ms));
+  world().timers.push_back({period_ms, world().clock.now_ms() + period_ms,
+                            [procedure, identifier] { procedure(nullptr, 0x113, identifier, 0); }});
+}
+
+std::uint32_t floatingPointControl(std::uint32_t value, std::uint32_t mask) {
+  constexpr std::uint32_t usual = 0x9001F;
+  char line[64];
+  std::snprintf(line, sizeof line, "floating point %X mask %X", value, mask);
+  world().note(line);
+  return usual;
+}
+
+std::string modulePath() {
+  return "C:\\Program Files\\Microscope\\QVX64.dll";
+}
+
+std::uint32_t lastError() {
+  return threadError;
+}
+
+void setLastError(std::uint32_t code) {
+  threadError = code;
+}
+
+std::wstring ansiToWide(std::string_view text) {
+  std::wstring wide;
+  for (const char character : text) {
+    wide += static_cast<wchar_t>(static_cast<unsigned char>(character));
+  }
+  return wide;
+}
+
+std::string wideToAnsi(std::wstring_view text) {
+  return toNarrow(text);
+}
+
+std::string wideToOem(std::wstring_view text) {
+  return toNarrow(text);
+}
+
+}  // namespace qvx::platform

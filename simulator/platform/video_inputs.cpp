@@ -1,0 +1,142 @@
+// Video inputs, their topologies and HID devices of the simulated machine.
+#include "platform/video_inputs.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "platform/hid.h"
+#include "platform/topology.h"
+#include "simulator/platform/world.h"
+
+namespace qvx::platform {
+
+namespace {
+
+using simulator::FeatureDevice;
+using simulator::hex;
+using simulator::PropertyNode;
+using simulator::world;
+
+simulator::PropertySetId idOf(const PropertySet& set) {
+  return {set.data1, set.data2, set.data3, set.data4};
+}
+
+// "set 5A215226/26": a request's set, by its first field, and its selector.
+std::string lineOf(const char* verb, const PropertySet& set, std::uint32_t id) {
+  char line[64];
+  std::snprintf(line, sizeof line, "%s %08X/%u", verb, set.data1, id);
+  return line;
+}
+
+class SimulatedFilter final : public TopologyFilter {
+ public:
+  explicit SimulatedFilter(std::vector<std::shared_ptr<PropertyNode>> nodes)
+      : nodes_(std::move(nodes)) {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    ++world().open.filters;
+  }
+  ~SimulatedFilter() override {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    --world().open.filters;
+  }
+
+  std::vector<std::uint32_t> vendorNodes() override {
+    std::vector<std::uint32_t> ids;
+    for (std::uint32_t id = 0; id < nodes_.size(); ++id) {
+      if (nodes_[id] != nullptr) ids.push_back(id);
+    }
+    return ids;
+  }
+
+  bool supports(std::uint32_t node, const PropertySet& set) override {
+    return nodes_.at(node)->supports(idOf(set));
+  }
+
+  bool getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, void* data,
+                   std::uint32_t size) override {
+    const std::string line = lineOf("get", set, id) + " " + std::to_string(size);
+    return world().operate(line) &&
+           nodes_.at(node)->get(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
+  }
+
+  bool setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, const void* data,
+                   std::uint32_t size) override {
+    const std::span bytes(static_cast<const std::uint8_t*>(data), size);
+    return world().operate(lineOf("set", set, id) + ": " + hex(bytes)) &&
+           nodes_.at(node)->set(idOf(set), id, bytes);
+  }
+
+ private:
+  std::vector<std::shared_ptr<PropertyNode>> nodes_;
+};
+
+class SimulatedHidDevice final : public HidDevice {
+ public:
+  explicit SimulatedHidDevice(std::shared_ptr<FeatureDevice> device) : device_(std::move(device)) {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    ++world().open.hidDevices;
+  }
+  ~SimulatedHidDevice() override {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    --world().open.hidDevices;
+  }
+
+  bool setFeature(const std::uint8_t* report, std::uint32_t size) override {
+    const std::span bytes(report, size);
+    return world().operate("set feature " + hex(bytes)) && device_ != nullptr &&
+           device_->set(bytes);
+  }
+  bool getFeature(std::uint8_t* report, std::uint32_t size) override {
+    const std::span bytes(report, size);
+    return world().operate("get feature " + hex(bytes.first(1)) + " " + std::to_string(size)) &&
+           device_ != nullptr && device_->get(bytes);
+  }
+
+ private:
+  std::shared_ptr<FeatureDevice> device_;
+};
+
+const simulator::HidInterface* hidInterfaceAt(const std::string& path) {
+  for (const auto& interface : *world().hidInterfaces) {
+    if (interface.path == path) return &interface;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::vector<VideoInput> listVideoInputs() {
+  std::vector<VideoInput> list;
+  for (const auto& input : world().videoInputs) {
+    if (input.name) list.push_back({input.path, *input.name});
+  }
+  return list;
+}
+
+std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters() {
+  std::vector<std::shared_ptr<TopologyFilter>> filters;
+  for (const auto& input : world().videoInputs) {
+    if (!input.nodes.empty()) filters.push_back(std::make_shared<SimulatedFilter>(input.nodes));
+  }
+  return filters;
+}
+
+std::optional<std::vector<std::string>> listHidInterfaces() {
+  if (!world().hidInterfaces) return std::nullopt;
+  std::vector<std::string> paths;
+  for (const auto& interface : *world().hidInterfaces) paths.push_back(interface.path);
+  return paths;
+}
+
+std::optional<HidFeatures> describeHidFeatures(const std::string& path) {
+  const auto* const interface = hidInterfaceAt(path);
+  if (interface == nullptr || !interface->featureItems) return std::nullopt;
+  return HidFeatures{*interface->featureItems, interface->featureReportIds};
+}
+
+std::unique_ptr<HidDevice> openHid(const std::string& path) {
+  const auto* const interface = hidInterfaceAt(path);
+  return std::make_unique<SimulatedHidDevice>(interface == nullptr ? nullptr : interface->device);
+}
+
+}  // namespace qvx::platform

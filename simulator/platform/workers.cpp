@@ -1,0 +1,86 @@
+// Workers and named mutexes on the simulated clock.
+#include "platform/workers.h"
+
+#include <map>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "simulator/platform/world.h"
+
+namespace qvx::platform {
+
+namespace {
+
+using simulator::world;
+
+struct MutexState {
+  std::thread::id owner;
+  int depth = 0;
+};
+
+class SimulatedMutex final : public NamedMutex {
+ public:
+  explicit SimulatedMutex(std::shared_ptr<MutexState> state) : state_(std::move(state)) {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    ++world().open.mutexHandles;
+  }
+  ~SimulatedMutex() override {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    --world().open.mutexHandles;
+  }
+
+  bool acquire(std::uint32_t limit_ms) override {
+    const auto self = std::this_thread::get_id();
+    return world().clock.waitFor(limit_ms, [this, self] {
+      if (state_->owner == std::thread::id()) state_->owner = self;
+      if (state_->owner != self) return false;
+      return true;
+    }) && ++state_->depth > 0;
+  }
+
+  void release() override {
+    world().clock.change([this] {
+      if (--state_->depth == 0) state_->owner = std::thread::id();
+    });
+  }
+
+ private:
+  std::shared_ptr<MutexState> state_;
+};
+
+}  // namespace
+
+std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
+                                         std::uint32_t limit_ms) {
+  simulator::World& machine = world();
+  {
+    const std::lock_guard<std::mutex> lock(machine.guard);
+    if (!machine.threadsStart) return std::nullopt;
+    ++machine.threadsStarted;
+  }
+  auto result = std::make_shared<std::optional<std::uint32_t>>();
+  machine.clock.startThread([&machine, result, task = std::move(task)]() mutable {
+    const std::uint32_t value = task();
+    task = nullptr;  // what the task owns goes before anyone learns that it has finished
+    machine.clock.change([&] { *result = value; });
+  });
+  machine.clock.waitFor(limit_ms, [result] { return result->has_value(); });
+  std::optional<std::uint32_t> finished;
+  machine.clock.change([&] { finished = *result; });
+  return finished;
+}
+
+std::shared_ptr<NamedMutex> openNamedMutex(const char* name) {
+  static std::mutex guard;
+  static std::map<std::string, std::weak_ptr<MutexState>> states;
+  const std::lock_guard<std::mutex> lock(guard);
+  std::shared_ptr<MutexState> state = states[name].lock();
+  if (state == nullptr) {
+    state = std::make_shared<MutexState>();
+    states[name] = state;
+  }
+  return std::make_shared<SimulatedMutex>(state);
+}
+
+}  // namespace qvx::platform

@@ -1,0 +1,161 @@
+// The simulated machine: what src/platform finds when the library runs natively. Tests and tools
+// furnish it with cameras, let the library run, and read in the journal what a camera would have
+// seen.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "simulator/model/bridge_chip_extension_unit.h"
+#include "simulator/platform/clock.h"
+
+namespace qvx::simulator {
+
+// What answers at an address, and how.
+struct HttpAnswer {
+  bool reachable = true;
+  std::vector<std::string> chunks;  // what successive reads give; after the last, the end
+  bool breaksOff = false;           // a read after the last chunk fails instead
+};
+using HttpServer = std::function<HttpAnswer(const std::string& url)>;
+
+// A node of a capture filter's topology, or a device with feature reports: what carries the bytes
+// to a simulated bridge.
+class PropertyNode {
+ public:
+  virtual ~PropertyNode() = default;
+  virtual bool supports(const PropertySetId& set) = 0;
+  virtual bool set(const PropertySetId& set, std::uint32_t selector,
+                   std::span<const std::uint8_t> bytes) = 0;
+  virtual bool get(const PropertySetId& set, std::uint32_t selector,
+                   std::span<std::uint8_t> bytes) = 0;
+};
+
+class FeatureDevice {
+ public:
+  virtual ~FeatureDevice() = default;
+  virtual bool set(std::span<const std::uint8_t> report) = 0;
+  virtual bool get(std::span<std::uint8_t> report) = 0;  // byte 0 is the report id asked for
+};
+
+struct VideoInput {
+  std::wstring path;
+  std::optional<std::wstring> name;
+  // Vendor-specific nodes by their place in the topology; a place without one is another kind of
+  // node. Empty: the filter has no topology.
+  std::vector<std::shared_ptr<PropertyNode>> nodes;
+};
+
+struct HidInterface {
+  std::string path;
+  std::optional<std::size_t> featureItems;  // nothing: does not let itself be described
+  std::vector<std::uint8_t> featureReportIds;
+  std::shared_ptr<FeatureDevice> device;  // null: cannot be opened
+};
+
+struct UsbPipe {
+  std::uint8_t id;
+  int type;
+  unsigned interval, maximumPacketSize;
+};
+
+struct UsbSetup {
+  std::uint8_t requestType, request;
+  std::uint16_t value, index, length;
+};
+
+// What carries control transfers to a simulated USB 3 camera. Returns the bytes moved, or nothing
+// when the camera stalled the request.
+class ControlEndpoint {
+ public:
+  virtual ~ControlEndpoint() = default;
+  virtual std::optional<std::size_t> transfer(const UsbSetup& setup,
+                                              std::span<std::uint8_t> buffer) = 0;
+};
+
+struct UsbDevice {
+  int vendorId = 0, productId = 0;
+  std::string instance, description, maker;
+  std::vector<UsbPipe> pipes;
+  bool opens = true;
+  std::shared_ptr<ControlEndpoint> endpoint;
+};
+
+// What goes wrong, counted in device operations from the moment it is set: number 1 is the next.
+struct Fault {
+  enum Kind { none, fails, stalls } kind = none;
+  std::uint64_t first = 1;
+  std::uint64_t count = Clock::forever;
+  std::uint64_t stall_ms = 0;
+};
+
+// Objects that are open at the moment.
+struct OpenCounts {
+  int internetSessions = 0, internetRequests = 0;
+  int deviceLists = 0, usbHandles = 0;
+  int hidDevices = 0, filters = 0;
+  int mutexHandles = 0;
+  int comInitializations = 0;
+
+  bool operator==(const OpenCounts&) const = default;
+};
+
+class World {
+ public:
+  Clock clock;
+
+  // Furniture.
+  HttpServer wifi;  // none: nothing answers
+  bool libusbkInstalled = true;
+  std::vector<UsbDevice> usbDevices;
+  std::vector<VideoInput> videoInputs;
+  std::optional<std::vector<HidInterface>> hidInterfaces{std::in_place};
+  bool threadsStart = true;
+
+  // What happened.
+  OpenCounts open;
+  int threadsStarted = 0;
+  std::vector<std::string> takeJournal();
+  std::uint64_t operations() const;
+
+  // From the next device operation on.
+  void set(Fault fault);
+
+  // Lets the message loop run: dispatches the timers that fall due.
+  void pumpMessages(std::uint64_t milliseconds);
+
+  // For the platform's functions: notes what is done, and says whether it may succeed.
+  void note(std::string line);
+  bool operate(std::string line);
+
+  struct Timer {
+    std::uint64_t period_ms, due_ms;
+    std::function<void()> run;
+  };
+  std::vector<Timer> timers;
+
+  // Guards everything but the clock; never held across a wait.
+  mutable std::mutex guard;
+
+ private:
+  std::vector<std::string> journal_;
+  Fault fault_;
+  std::uint64_t operations_ = 0, faultCounted_ = 0;
+};
+
+// The one machine of this process.
+World& world();
+
+// Lets late workers finish and makes a new, empty machine.
+void resetWorld();
+
+// Bytes as a person writes them: "62 80".
+std::string hex(std::span<const std::uint8_t> bytes);
+
+}  // namespace qvx::simulator

@@ -1,0 +1,63 @@
+#include "tests/support/library.h"
+
+#include "controls/magnification.h"
+#include "etlib2/access.h"
+#include "etlib2/etLib2.h"
+#include "state/device_state.h"
+#include "transport/usb3.h"
+
+namespace qvx::tests {
+
+namespace {
+
+void resetDeviceState() {
+  VideoDeviceIndex = nPid = nCurrPid = nTmpIdx = m_EnableMT = 0;
+  bWait = 0;
+  bMAGSeries = -1;
+  s_mainhttp.clear();
+  for (DeviceTable* table : {&strOrvaDevice, &strOrvaDeviceName, &strOrvaDeviceFx,
+                             &strOrvaDeviceNameFx, &strOrvaDeviceWF, &strOrvaDeviceWFName}) {
+    table->fill({});
+  }
+  n80 = n83 = n84 = nC0 = nC1 = nC2 = nC3 = nC4 = nC5 = 0;
+  ul80 = ul84 = ulC3 = ulC5 = 0;
+}
+
+void resetUsb3() {
+  deviceList = nullptr;
+  deviceInfo = nullptr;
+  Usb = {};
+  handle = nullptr;
+  pipeInfo = {};
+  pipeIndex = 0;
+  ec = 0;
+  nUSBVer = 0;
+}
+
+void resetMagnification() {
+  f890Rate = f890a = f890b = f890c = f890d = 0;
+  fabc.fill(0);
+  fRate5s = fRate5s1 = f890PreMag = 0;
+  count_890_rate::k = 0;
+  count_890_rate::fRatePre = 0;
+}
+
+void resetCallLayer() {
+  etLib2_Release();
+  for (SpeedTable::Entry& entry : speedTable.entries) {
+    entry.slave = 0;
+    entry.speed = standardSpeed;
+  }
+  i2cSpeed = standardSpeed;
+}
+
+}  // namespace
+
+void resetLibrary() {
+  resetCallLayer();
+  resetDeviceState();
+  resetUsb3();
+  resetMagnification();
+}
+
+}  // namespace qvx::tests

@@ -1,0 +1,30 @@
+// The library as it is just after loading, on a new simulated machine: the start of every test.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "simulator/platform/world.h"
+
+namespace qvx::tests {
+
+// Puts every global back to its initial value.
+void resetLibrary();
+
+class LibraryTest : public testing::Test {
+ protected:
+  LibraryTest() {
+    resetLibrary();
+    simulator::resetWorld();
+  }
+  ~LibraryTest() override { resetLibrary(); }
+
+  simulator::World& machine() { return simulator::world(); }
+
+  using Journal = std::vector<std::string>;
+  Journal journal() { return machine().takeJournal(); }
+};
+
+}  // namespace qvx::tests
