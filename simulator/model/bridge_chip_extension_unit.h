@@ -1,0 +1,93 @@
+// The bridge's extension unit: its properties (selectors) and how the firmware takes them.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "simulator/model/bridge_chip.h"
+
+namespace qvx::simulator {
+
+// A property set's GUID, in the usual four fields.
+struct PropertySetId {
+  std::uint32_t data1;
+  std::uint16_t data2, data3;
+  std::array<std::uint8_t, 8> data4;
+
+  bool operator==(const PropertySetId&) const = default;
+};
+
+// The sets of the bridges. A bridge of variant 1 knows only its own.
+inline constexpr PropertySetId bridgeRegisterSet = {
+    0x5A215226, 0x3289, 0x4156, {0x89, 0x4A, 0x5C, 0x55, 0x7C, 0xDF, 0x96, 0x64}};
+inline constexpr PropertySetId bridgeCommandSet = {
+    0xC66D125B, 0x0480, 0x0844, {0x8C, 0x26, 0xB8, 0x36, 0x3A, 0x84, 0xDE, 0x63}};
+inline constexpr PropertySetId bridgeVariant1Set = {
+    0xAAB8F252, 0x8ED1, 0x4972, {0x8C, 0xED, 0x96, 0xB1, 0x7F, 0x04, 0x40, 0x8B}};
+
+class ExtensionUnit {
+ public:
+  enum class Variant : std::uint8_t { usual = 0, variant1 = 1 };
+
+  explicit ExtensionUnit(BridgeChip& chip, Variant variant = Variant::usual)
+      : chip_(chip), variant_(variant) {}
+
+  bool supports(const PropertySetId& set) const;
+
+  // One property request of exactly that many bytes; false when the camera refuses it.
+  bool set(const PropertySetId& set, std::uint32_t selector, std::span<const std::uint8_t> data);
+  bool get(const PropertySetId& set, std::uint32_t selector, std::span<std::uint8_t> data);
+
+  // Whether the last legacy transfer was followed by going back to the normal access mode.
+  bool atRest() const { return accessMode_ == normalAccessMode; }
+
+ private:
+  using Bytes = std::span<const std::uint8_t>;
+  struct Selector;
+  static const std::array<Selector, 11> selectors;
+
+  static constexpr std::uint8_t normalAccessMode = 1;
+  static constexpr std::size_t commandSize = 256;
+
+  bool violate(std::string_view what);
+  bool inItsAccessMode(const Selector& selector, std::size_t length);
+  std::span<std::uint8_t> prepareReply(std::size_t size);
+  bool readRegister(std::uint16_t address, std::uint8_t length, std::size_t replySize);
+  bool writeRegister(std::uint16_t address, std::uint8_t length, Bytes valueAndPadding);
+
+  bool setAccessMode(Bytes data);
+  bool readRegister8(Bytes data);
+  bool writeRegister8(Bytes data);
+  bool readI2c(Bytes data);
+  bool writeI2c(Bytes data);
+  bool readRegister16(Bytes data);
+  bool writeRegister16(Bytes data);
+  bool readI2cOneShot(Bytes data);
+  bool writeI2cOneShot(Bytes data);
+  bool readRegisterOneShot(Bytes data);
+  bool writeRegisterOneShot(Bytes data);
+  bool runCommand(Bytes data);
+
+  // A property request as it came.
+  struct Request {
+    bool command;  // of the command set
+    std::uint32_t selector;
+
+    bool operator==(const Request&) const = default;
+  };
+
+  BridgeChip& chip_;
+  Variant variant_;
+  std::uint8_t accessMode_ = normalAccessMode;
+  Request request_{};  // the one at work
+
+  // The answer that waits to be fetched, and what it answers.
+  std::array<std::uint8_t, commandSize> reply_{};
+  std::size_t replySize_ = 0;
+  Request replyTo_{};
+};
+
+}  // namespace qvx::simulator
