@@ -22,14 +22,15 @@ class Camera {
   // What answers at an address of the I2C bus (8-bit write form), null for nothing.
   I2cDevice* deviceAt(std::uint8_t address);
 
-  // Moves the camera's clock. Times count from power-up and never go back.
+  // Moves the camera's clock, and the zoom ring with it. Times count from power-up and never go
+  // back.
   void advanceTo(std::uint64_t now_ms);
 
   // Takes effect at once. A camera without a zoom encoder stays as it is.
   void setZoom(const ZoomMotion& motion);
   bool hasZoomRing() const;
 
-  // What the zoom ring shows now: what an ideal client reads from the encoder.
+  // What the zoom ring shows: what an ideal client reads from the encoder. 0 without a ring.
   double magnification() const;
 
   Controller& controller() { return controller_; }
@@ -40,7 +41,8 @@ class Camera {
   void turnRing();
 
   std::uint16_t productId_;
-  std::uint64_t now_ms_ = 0;
+  const Calibration& calibration_;
+  std::uint64_t now_ms_ = 0, motionStart_ms_ = 0;
   ZoomMotion motion_{50, 50, 0};
   int quarters_ = 0;
   Violations violations_;

@@ -2,8 +2,11 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string_view>
 
 #include "simulator/model/calibration.h"
 #include "simulator/model/i2c_device.h"
@@ -78,10 +81,14 @@ class Controller final : public I2cDevice {
   void set(std::uint8_t reg, std::uint8_t value) { contents_.values[reg] = value; }
 
  private:
-  bool hasOneByteAddress(std::span<const std::uint8_t> subAddress) const;
+  bool isWellFormed(std::span<const std::uint8_t> subAddress, std::size_t dataBytes);
+  std::uint8_t take(std::uint8_t source);
+  bool refuse(std::string_view what, std::uint8_t number);
 
   ControllerContents contents_;
   Violations& violations_;
+  // The fraction that belongs to the position read last: the ring may move between the two reads.
+  std::optional<std::uint8_t> heldFraction_;
 };
 
 }  // namespace qvx::simulator

@@ -1,7 +1,6 @@
 // The camera's pins: the lights on port 0, the touch button on port 1.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -26,7 +25,7 @@ class Gpio {
   Gpio(std::uint16_t productId, Violations& violations);
 
   // Nothing for a port that does not exist.
-  std::optional<std::uint8_t> read(std::uint8_t port) const;
+  std::optional<std::uint8_t> read(std::uint8_t port);
 
   // Sets the pins in the mask; false when a pin is no output or a level lies outside the mask.
   bool write(std::uint8_t port, std::uint8_t mask, std::uint8_t levels);

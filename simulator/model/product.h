@@ -7,39 +7,45 @@
 
 namespace qvx::simulator {
 
-// The feature register. Together the variant bits say which lights a camera has.
+// The feature register.
 namespace feature {
 enum : std::uint8_t {
   lens = 0x80,
   magnification = 0x40,
   aimingLight = 0x10,
   secondRing = 0x08,
-  variant2 = 0x06,  // both variant bits
-  variant3 = 0x02,
+  variant2 = 0x06,  // which lights: both variant bits, or
+  variant3 = 0x02,  // the lower one alone
   lightingController = 0x01,
 };
 }  // namespace feature
 
 enum class Lens : std::uint8_t {
   none,
-  zeroAt40,   // position register, zero position in controller register 0x40
-  zeroAt50,   // position register, zero position in controller register 0x50
-  voiceCoil,  // direction switch and 10-bit value, zero position in controller register 0x50
+  zeroAt40,      // position register; zero position in controller register 0x40
+  zeroAt40Wide,  // the same with a wider range
+  zeroAt50,      // position register; zero position in controller register 0x50
+  voiceCoil,     // direction switch and 10-bit value; zero position in controller register 0x50
+};
+
+// How the lights hang on the controller; 0xFF = a register that was never programmed.
+struct Lights {
+  std::uint8_t kind;   // 4 = ring with dimmable quadrants
+  std::uint8_t board;  // 5 = segments that a command switches on
 };
 
 struct Product {
-  std::uint16_t first, last;      // product ids
-  std::uint8_t features;          // 0xFF = a controller without the register
-  CalibrationForm magnification;  // how the zoom encoder's calibration is stored
+  std::uint16_t first, last;  // product ids
+  std::uint8_t features;      // 0xFF = a controller from before there were features
+  CalibrationForm magnification;
   Lens lens;
-  std::uint8_t lightingKind;   // 4 = ring with dimmable quadrants
-  std::uint8_t lightingBoard;  // 0xFF = none
-  std::uint8_t opticsKind;
+  Lights lights;
+  std::uint8_t opticsKind = 0xFF;  // 0, 5, 6 or 8
 };
 
 const Product& productFor(std::uint16_t productId);
 
-// The calibration that the cameras with this form are given at the factory.
+// The calibration that cameras with this form are given at the factory.
 const Calibration& calibrationFor(CalibrationForm form);
 
 }  // namespace qvx::simulator

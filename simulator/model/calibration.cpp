@@ -1,0 +1,138 @@
+#include "simulator/model/calibration.h"
+
+#include <bit>
+#include <cstddef>
+
+#include "simulator/model/controller.h"
+
+namespace qvx::simulator {
+
+namespace {
+
+namespace reg = controller_register;
+
+int quarters(double position) {
+  return static_cast<int>(position * quartersPerUnit + 0.5);
+}
+
+std::uint32_t nearest(double value) {
+  return static_cast<std::uint32_t>(value + 0.5);
+}
+
+double pointAt(const Calibration& calibration, std::size_t point) {
+  return magnificationAt(calibration, quarters(calibration.positions[point]));
+}
+
+void storeLowByteFirst(Registers& registers, std::size_t first, std::uint32_t value, int bytes) {
+  for (int i = 0; i < bytes; ++i) {
+    registers[first + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> (8 * i));
+  }
+}
+
+// 14 bits, and above them the power of ten by which they are divided: the highest that fits.
+std::uint32_t decimalFloat(double value) {
+  constexpr std::uint32_t most = 0x3FFF, highestExponent = 3;
+  std::uint32_t exponent = 0;
+  while (exponent < highestExponent && nearest(value * 10) <= most) {
+    value *= 10;
+    ++exponent;
+  }
+  return exponent << 14 | nearest(value);
+}
+
+void storeNothing(const Calibration& /*calibration*/, Registers& /*registers*/) {}
+
+void storeFourPoints(const Calibration& calibration, Registers& registers) {
+  for (std::size_t point = 0; point < 4; ++point) {
+    storeLowByteFirst(registers, reg::fourPointsY + 2 * point,
+                      decimalFloat(pointAt(calibration, point)), 2);
+    storeLowByteFirst(registers, reg::fourPointsX + 2 * point,
+                      static_cast<std::uint32_t>(quarters(calibration.positions[point])), 2);
+  }
+}
+
+void storeBytes(const Calibration& calibration, Registers& registers) {
+  for (std::size_t point = 0; point < 3; ++point) {
+    std::uint8_t* const stored = &registers[reg::threePoints + 2 * point];
+    stored[0] = static_cast<std::uint8_t>(nearest(pointAt(calibration, point)));
+    stored[1] = static_cast<std::uint8_t>(nearest(calibration.positions[point]));
+  }
+}
+
+// The high byte weighs 255: both bytes stay below the value of an erased register.
+void storeHundredths(const Calibration& calibration, Registers& registers) {
+  constexpr std::uint32_t highWeight = 255;
+  for (std::size_t point = 0; point < 3; ++point) {
+    const std::uint32_t hundredths = nearest(pointAt(calibration, point) * 100);
+    const std::uint32_t whole = hundredths / 100;
+    std::uint8_t* const stored = &registers[reg::threePoints + 4 * point];
+    stored[0] = static_cast<std::uint8_t>(whole / highWeight);
+    stored[1] = static_cast<std::uint8_t>(whole % highWeight);
+    stored[2] = static_cast<std::uint8_t>(hundredths % 100);
+    stored[3] = static_cast<std::uint8_t>(nearest(calibration.positions[point]));
+  }
+}
+
+// The highest power comes first.
+void storeFloats(const Calibration& calibration, Registers& registers) {
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto coefficient = static_cast<float>(calibration.coefficients[2 - i]);
+    storeLowByteFirst(registers, reg::threePoints + 4 * i,
+                      std::bit_cast<std::uint32_t>(coefficient), 4);
+  }
+}
+
+// A client looks at the degree first, and at the kind when there is none.
+struct FormRow {
+  CalibrationForm form;
+  std::uint8_t degree, kind;
+  void (*storePoints)(const Calibration&, Registers&);
+};
+
+constexpr FormRow forms[] = {
+    {CalibrationForm::none, erased, erased, storeNothing},
+    {CalibrationForm::line, 1, erased, storeFourPoints},
+    {CalibrationForm::parabola, 2, erased, storeFourPoints},
+    {CalibrationForm::cubic, 3, erased, storeFourPoints},
+    {CalibrationForm::bytes, erased, erased, storeBytes},
+    {CalibrationForm::hundredths, erased, 1, storeHundredths},
+    {CalibrationForm::floats2, erased, 2, storeFloats},
+    {CalibrationForm::floats3, erased, 3, storeFloats},
+    {CalibrationForm::floats4, erased, 4, storeFloats},
+};
+
+const FormRow& rowOf(CalibrationForm form) {
+  for (const FormRow& row : forms) {
+    if (row.form == form) return row;
+  }
+  return forms[0];
+}
+
+}  // namespace
+
+double magnificationAt(const Calibration& calibration, int position_quarters) {
+  const double x = static_cast<double>(position_quarters) / quartersPerUnit;
+  const auto& c = calibration.coefficients;
+  return c[0] + x * (c[1] + x * (c[2] + x * c[3]));
+}
+
+int quartersFor(const Calibration& calibration, double magnification) {
+  int low = quarters(calibration.positions.front());
+  int high = quarters(calibration.positions.back());
+  while (high - low > 1) {
+    const int middle = (low + high) / 2;
+    (magnificationAt(calibration, middle) <= magnification ? low : high) = middle;
+  }
+  const double below = magnification - magnificationAt(calibration, low);
+  const double above = magnificationAt(calibration, high) - magnification;
+  return below <= above ? low : high;
+}
+
+void store(const Calibration& calibration, Registers& registers) {
+  const FormRow& row = rowOf(calibration.form);
+  registers[reg::calibrationDegree] = row.degree;
+  registers[reg::calibrationKind] = row.kind;
+  row.storePoints(calibration, registers);
+}
+
+}  // namespace qvx::simulator
