@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Builds presets: build.sh [preset...]
+# By default the DLL and its tools for Windows, and the simulated Wi-Fi camera for this machine.
+source "$(dirname "$0")/common.sh"
+
+scripts/setup.sh build || exit 1
+if [ $# -eq 0 ]; then
+  build_preset windows && build_preset simulator qvx-wifi-camera
+  exit
+fi
+for preset in "$@"; do
+  build_preset "$preset" || exit 1
+done
