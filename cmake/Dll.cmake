@@ -27,7 +27,7 @@ target_include_directories(
   QVX64 INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
 
 # Microsoft's linker takes a library in its own short form.
-find_program(llvm_dlltool NAMES llvm-dlltool llvm-dlltool-14 REQUIRED)
+find_program(llvm_dlltool NAMES llvm-dlltool-14 llvm-dlltool REQUIRED)
 add_custom_command(
   OUTPUT ${PROJECT_BINARY_DIR}/QVX64.lib
   COMMAND ${llvm_dlltool} -m i386:x86-64 -d ${CMAKE_CURRENT_SOURCE_DIR}/api/QVX64.def -l
