@@ -1,0 +1,42 @@
+# GoogleTest from Debian's sources, built like everything else here, and one way to add a suite.
+set(INSTALL_GTEST OFF)
+add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+include(GoogleTest)
+
+# Builds every suite and nothing that no suite needs.
+add_custom_target(test_suites)
+
+# qvx_add_test_suite(<name> SOURCES <file>... [LIBS <target>...] [LABELS <label>]
+#                    [RESOURCE_LOCK <name>])
+#
+# Each test runs in a process of its own, in Windows builds under Wine with QVX64.dll beside it.
+# A suite that listens on port 8080 or changes the registry says so: RESOURCE_LOCK port8080 or
+# RESOURCE_LOCK registry. ThreadSanitizer builds have only the suites with LABELS threads.
+function(qvx_add_test_suite name)
+  cmake_parse_arguments(PARSE_ARGV 1 suite "" "LABELS;RESOURCE_LOCK" "SOURCES;LIBS")
+  if(suite_UNPARSED_ARGUMENTS OR NOT suite_SOURCES)
+    message(FATAL_ERROR "qvx_add_test_suite(${name}): wrong arguments ${suite_UNPARSED_ARGUMENTS}")
+  endif()
+  if(QVX_SANITIZE STREQUAL "thread" AND NOT suite_LABELS STREQUAL "threads")
+    return()
+  endif()
+
+  add_executable(${name} ${suite_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${suite_LIBS} qvx_options gtest_main)
+  add_dependencies(test_suites ${name})
+
+  if(WIN32)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  endif()
+
+  set(properties TIMEOUT 60)
+  foreach(property LABELS RESOURCE_LOCK)
+    if(suite_${property})
+      list(APPEND properties ${property} ${suite_${property}})
+    endif()
+  endforeach()
+  # Listed when they are run, not when they are built: the first listing under Wine makes a prefix.
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES
+                       ${properties})
+endfunction()

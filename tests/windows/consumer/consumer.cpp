@@ -1,0 +1,2 @@
+// The same application in C++.
+#include "consumer.c"
