@@ -25,6 +25,13 @@ class FixedText {
   std::size_t length_ = 0;
 };
 
+// Takes the expected start off a text; false, and nothing taken, when it starts otherwise.
+inline bool take(std::string_view& text, std::string_view expected) {
+  if (!text.starts_with(expected)) return false;
+  text.remove_prefix(expected.size());
+  return true;
+}
+
 // "0x" and at least so many upper-case digits.
 inline FixedText<10> hex(std::uint32_t value, int digits) {
   FixedText<10> text;

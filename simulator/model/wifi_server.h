@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "simulator/model/camera.h"
+#include "simulator/model/wifi_command.h"
 
 namespace qvx::simulator {
 
@@ -25,7 +26,10 @@ class WifiServer {
  private:
   WifiAnswer homePage() const;
   WifiAnswer deviceList() const;
-  WifiAnswer command(std::string_view query);
+  WifiAnswer notFound(std::string_view target);
+  WifiAnswer command(const WifiCommand& command);
+  WifiAnswer i2c(const I2cAccess& access);
+  WifiAnswer gpio(const GpioAccess& access);
 
   Camera& camera_;
 };

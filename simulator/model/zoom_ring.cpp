@@ -1,5 +1,7 @@
 #include "simulator/model/zoom_ring.h"
 
+#include "simulator/model/text.h"
+
 namespace qvx::simulator {
 
 namespace {
@@ -24,12 +26,6 @@ std::optional<double> takeNumber(std::string_view& text) {
   }
   if (digits == 0 || digits > mostDigits) return std::nullopt;
   return number;
-}
-
-bool take(std::string_view& text, std::string_view expected) {
-  if (!text.starts_with(expected)) return false;
-  text.remove_prefix(expected.size());
-  return true;
 }
 
 std::optional<double> takeMagnification(std::string_view& text) {

@@ -1,0 +1,135 @@
+#include "simulator/model/wifi_server.h"
+
+#include "simulator/model/register_names.h"
+
+namespace qvx::simulator {
+
+namespace {
+
+constexpr int ok = 200, missing = 404;
+
+std::string text(std::initializer_list<std::string_view> parts) {
+  std::string whole;
+  for (const std::string_view part : parts) whole += part;
+  return whole;
+}
+
+WifiAnswer result(int value, std::string description) {
+  return {ok, "text/plain", "res:" + std::to_string(value), std::move(description)};
+}
+
+// What the firmware says when the bus or it itself refuses.
+WifiAnswer refused(std::string description) {
+  return result(-1, std::move(description));
+}
+
+std::string describe(const I2cAccess& access) {
+  const std::string_view verb = access.isWrite ? "write " : "read  ";
+  std::string line = text({verb, "I2C ", hex(access.address, 2)});
+  if (access.address == controllerAddress) line = text({verb, "controller"});
+  std::uint32_t reg = 0;
+  for (const std::uint8_t byte : access.subAddress()) reg = reg << 8 | byte;
+  if (access.length != 0) line += text({" ", hex(reg, 2 * access.length)});
+  return line;
+}
+
+std::string describeValue(const I2cAccess& access, std::uint8_t value) {
+  const std::string_view arrow = access.isWrite ? " <- " : " -> ";
+  const bool isRegister = access.address == controllerAddress && access.length == 1;
+  return text({describe(access), arrow, hex(value, 2), isRegister ? "  " : "",
+               isRegister ? meaningOf(access.bytes[0], value) : ""});
+}
+
+std::string describe(const GpioAccess& access) {
+  const FixedText<10> port = hex(access.port, 1);
+  const std::string_view number = port.view().substr(2);
+  if (!access.isWrite) return text({"read  GPIO port ", number});
+  return text({"write GPIO port ", number, " mask ", hex(access.mask, 2), " levels ",
+               hex(access.levels, 2)});
+}
+
+}  // namespace
+
+WifiAnswer WifiServer::get(std::string_view target) {
+  if (target == "/") return homePage();
+  if (target == "/usbdevlist.json") return deviceList();
+  if (target.starts_with("/")) {
+    const auto parsed = wifiCommandFrom(target.substr(1));
+    if (parsed) return command(*parsed);
+  }
+  return notFound(target);
+}
+
+WifiAnswer WifiServer::homePage() const {
+  const std::string id = text({hex(camera_.productId(), 4)});
+  return {ok, "text/html",
+          "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
+          "<title>Simulated camera " +
+              id +
+              "</title></head>\n<body><h1>Simulated Wi-Fi microscope camera</h1>\n<p>Product id " +
+              id +
+              ". It answers register and pin commands as the camera would; "
+              "<a href=\"usbdevlist.json\">usbdevlist.json</a> says what is inside.</p>"
+              "</body></html>\n",
+          "home page"};
+}
+
+// Clients do not parse this: they take the four digits that begin 25 characters after the start of
+// the vendor id's "0x3c7e". Nothing between the two may change its length.
+WifiAnswer WifiServer::deviceList() const {
+  const std::string id = text({hex(camera_.productId(), 4)});
+  return {ok, "application/json",
+          R"([{"idVendor": "0x3c7e", "idProduct": ")" + id +
+              R"(", "name": "Simulated camera"}])"
+              "\n",
+          "product id -> " + id};
+}
+
+WifiAnswer WifiServer::notFound(std::string_view target) {
+  camera_.violations().add({"wifi: unknown request ", target});
+  return {missing, "text/plain", "404: not found\n", text({"unknown request ", target})};
+}
+
+WifiAnswer WifiServer::command(const WifiCommand& command) {
+  Violations& violations = camera_.violations();
+  if (command.group == static_cast<std::int32_t>(WifiGroup::i2c)) {
+    const auto access = i2cAccessFrom(command, violations);
+    return access ? i2c(*access) : refused("I2C command that cannot be");
+  }
+  if (command.group == static_cast<std::int32_t>(WifiGroup::gpio)) {
+    const auto access = gpioAccessFrom(command, violations);
+    return access ? gpio(*access) : refused("GPIO command that cannot be");
+  }
+  violations.add({"wifi: unknown group ", hex(static_cast<std::uint32_t>(command.group), 2)});
+  return refused("command of an unknown group");
+}
+
+WifiAnswer WifiServer::i2c(const I2cAccess& access) {
+  I2cDevice* const device = camera_.deviceAt(access.address);
+  if (device == nullptr) {
+    camera_.violations().add({"wifi: nothing on the I2C bus at ", hex(access.address, 2)});
+    return refused(describe(access) + ": no answer");
+  }
+  std::uint8_t data = access.data;
+  const bool acknowledged = access.isWrite ? device->write(access.subAddress(), {&data, 1})
+                                           : device->read(access.subAddress(), {&data, 1});
+  if (!acknowledged) return refused(describe(access) + ": no answer");
+  return result(access.isWrite ? 0 : data, describeValue(access, data));
+}
+
+// Levels travel as a signed byte: a port whose highest pin is set reads as a negative number.
+WifiAnswer WifiServer::gpio(const GpioAccess& access) {
+  if (access.isWrite) {
+    if (!camera_.gpio().write(access.port, access.mask, access.levels)) {
+      return refused(describe(access) + ": refused");
+    }
+    return result(0, describe(access));
+  }
+  const auto levels = camera_.gpio().read(access.port);
+  if (!levels) return refused(describe(access) + ": no such port");
+  return result(static_cast<std::int8_t>(*levels),
+                text({describe(access), " -> ", hex(*levels, 2),
+                      access.port == buttonPort ? "  touch button" : "  lights"}));
+}
+
+}  // namespace qvx::simulator
