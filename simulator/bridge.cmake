@@ -2,10 +2,11 @@
 add_library(
   qvx_simulator_bridge STATIC
   ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_camera.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_device.cpp
   ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_commands.cpp
   ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_extension_unit.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_hid.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_hid.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/model/bridge_chip_spec.cpp)
 target_compile_options(qvx_simulator_bridge PRIVATE -fno-exceptions)
 target_link_libraries(
   qvx_simulator_bridge

@@ -1,0 +1,48 @@
+// A whole camera behind a bridge chip: what every front of such a camera drives.
+#pragma once
+
+#include <cstdint>
+
+#include "simulator/model/bridge_chip.h"
+#include "simulator/model/camera.h"
+#include "simulator/model/eeprom.h"
+
+namespace qvx::simulator {
+
+// What goes wrong with the transfers to a camera, counted from the moment it is set.
+struct BridgeFault {
+  enum Kind : std::uint8_t { none, refuse, stall };
+
+  Kind kind = none;
+  std::uint32_t first = 1;     // the first transfer that suffers; all later ones do, too
+  std::uint32_t stall_ms = 0;  // how late a stalled transfer is done
+};
+
+class BridgeDevice {
+ public:
+  BridgeDevice(std::uint16_t productId, const BridgeSetup& setup);
+
+  // Presses the button by itself, once per period; 0 for never.
+  void setButtonPeriod(std::uint32_t period_ms);
+  void setFault(const BridgeFault& fault);
+
+  // Moves the clock of camera and button. Times count from power-up and never go back.
+  void advanceTo(std::uint64_t now_ms);
+
+  // To be asked before each transfer: what the front has to do to it.
+  BridgeFault::Kind nextTransfer();
+  std::uint32_t stall_ms() const { return fault_.stall_ms; }
+
+  Camera camera;
+  Eeprom eeprom;
+  BridgeChip chip;
+
+ private:
+  BridgeFault fault_;
+  std::uint32_t transfers_ = 0;  // since the fault was set
+  std::uint32_t buttonPeriod_ms_ = 0;
+  std::uint64_t presses_ = 0;
+  std::uint64_t now_ms_ = 0;
+};
+
+}  // namespace qvx::simulator
