@@ -1,0 +1,29 @@
+// The commands. Each prints its results and fails with a Failure.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "options.h"
+
+namespace qvxctl {
+
+struct Command {
+  std::string_view name;
+  std::string_view arguments;  // as help shows them; empty for none
+  std::string_view summary;
+  void (*run)(const Options& options);
+};
+
+std::span<const Command> commandTable();
+
+void listCameras(const Options& options);
+void showInfo(const Options& options);
+void watchCamera(const Options& options);
+void callExport(const Options& options);
+
+std::string helpText();        // the whole client
+std::string exportHelpText();  // the exports that `call` knows
+
+}  // namespace qvxctl

@@ -1,0 +1,40 @@
+#include "exports.h"
+
+#include "qvx64/api.h"
+
+namespace qvxctl {
+
+namespace {
+
+template <class Function, class... Names>
+Export describe(const char* name, Names... names) {
+  static_assert(sizeof...(Names) == Signature<Function>::arity, "one name per parameter");
+  const std::vector<Parameter> parameters = {Parameter(names)...};
+  return {name, name + Signature<Function>::usage(parameters), parameters,
+          Signature<Function>::bind};
+}
+
+// The types come from the declaration; only the names of the parameters are said again.
+#define EXPORTED(function, ...) describe<decltype(::function)>(#function __VA_OPT__(, ) __VA_ARGS__)
+
+const Export exports[] = {
+    EXPORTED(Init),
+    EXPORTED(GetVideoDeviceCount),
+    EXPORTED(GetVideoDeviceIndex),
+    EXPORTED(SetVideoDeviceIndex, "idx"),
+    EXPORTED(GetVideoDeviceName, "deviceIndex"),
+    EXPORTED(GetDeviceId, "deviceIndex"),
+    EXPORTED(GetDeviceIDA, "deviceIndex"),
+    EXPORTED(GetMAG, "deviceIndex"),
+    EXPORTED(FOVx, "deviceIndex", "fMag"),
+};
+
+#undef EXPORTED
+
+}  // namespace
+
+std::span<const Export> exportTable() {
+  return exports;
+}
+
+}  // namespace qvxctl

@@ -1,0 +1,18 @@
+// How a run of the client can end.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace qvxctl {
+
+enum class ExitCode { ok = 0, noCamera = 1, badUsage = 2, libraryMismatch = 3, outputLost = 4 };
+
+// Ends the run: main prints the message in one line and exits with the code.
+struct Failure : std::runtime_error {
+  Failure(ExitCode exitCode, const std::string& message)
+      : std::runtime_error(message), code(exitCode) {}
+  ExitCode code;
+};
+
+}  // namespace qvxctl

@@ -1,0 +1,80 @@
+// qvxctl: the cameras of QVX64.dll from the command line, through its exports alone.
+#include <algorithm>
+#include <exception>
+
+#include "commands.h"
+#include "failure.h"
+#include "json.h"
+#include "output.h"
+#include "text.h"
+
+namespace qvxctl {
+
+namespace {
+
+constexpr Command commands[] = {
+    {"list", "", "list the cameras", listCameras},
+    {"info", "", "choose a camera and tell what is known of it", showInfo},
+    {"watch", "", "print the magnification whenever the zoom ring changes it", watchCamera},
+    {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
+};
+
+const Command& commandNamed(const std::string& name) {
+  const auto* const found = std::ranges::find_if(
+      commands, [&name](const Command& command) { return command.name == name; });
+  if (found == std::end(commands)) {
+    throw Failure(ExitCode::badUsage, "unknown command " + quoted(name) + "; see qvxctl --help");
+  }
+  return *found;
+}
+
+void printVersion(bool asJson) {
+  printLine(asJson ? json::object({{"version", json::text(QVXCTL_VERSION)}})
+                   : "qvxctl " QVXCTL_VERSION);
+}
+
+void runCommand(const Options& options) {
+  const Command& command = commandNamed(options.command);
+  if (command.arguments.empty() && !options.arguments.empty()) {
+    throw Failure(ExitCode::badUsage,
+                  options.command + ": unexpected argument " + quoted(options.arguments.front()));
+  }
+  command.run(options);
+}
+
+void run(const Options& options) {
+  if (options.version) return printVersion(options.json);
+  if (options.help) return printLine(options.command == "call" ? exportHelpText() : helpText());
+  if (options.command.empty()) {
+    throw Failure(ExitCode::badUsage, "a command is missing; see qvxctl --help");
+  }
+  runCommand(options);
+}
+
+ExitCode guardedRun(const std::vector<std::string>& words) {
+  try {
+    run(parseOptions(words));
+    return ExitCode::ok;
+  } catch (const Failure& failure) {
+    note(failure.what());
+    return failure.code;
+  }
+}
+
+}  // namespace
+
+std::span<const Command> commandTable() {
+  return commands;
+}
+
+}  // namespace qvxctl
+
+// Declared nowhere: the C runtime calls it by name.
+extern "C" int wmain(int argc, wchar_t** argv);
+
+extern "C" int wmain(int argc, wchar_t** argv) {
+  const qvxctl::Utf8Console console;
+  std::vector<std::string> words;
+  for (int i = 1; i < argc; ++i) words.push_back(qvxctl::utf8(argv[i]));
+  return static_cast<int>(qvxctl::guardedRun(words));
+}

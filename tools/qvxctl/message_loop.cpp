@@ -1,0 +1,64 @@
+#include "message_loop.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+
+namespace qvxctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+// The console calls the handler on a thread of its own, with nothing but the kind of event.
+HANDLE stopRequested = nullptr;
+std::atomic<bool> stopping = false;
+
+BOOL WINAPI onConsoleEvent(DWORD kind) {
+  if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) return FALSE;
+  if (stopping.exchange(true)) return FALSE;
+  return SetEvent(stopRequested);
+}
+
+void dispatchMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+}
+
+// In steps, because the system's longest finite wait is shorter than the longest limit.
+DWORD waitUntil(std::optional<Clock::time_point> deadline) {
+  constexpr double longestStep_ms = 60'000;
+  if (!deadline) return INFINITE;
+  const Milliseconds left = *deadline - Clock::now();
+  return static_cast<DWORD>(std::clamp(left.count(), 0.0, longestStep_ms));
+}
+
+}  // namespace
+
+MessageLoop::MessageLoop() {
+  stopRequested = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  SetConsoleCtrlHandler(onConsoleEvent, TRUE);
+}
+
+// The event stays: the handler may be running.
+MessageLoop::~MessageLoop() {
+  SetConsoleCtrlHandler(onConsoleEvent, FALSE);
+}
+
+void MessageLoop::run(std::optional<std::chrono::duration<double>> limit,
+                      const std::function<void()>& afterMessages) {
+  std::optional<Clock::time_point> deadline;
+  if (limit) deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(*limit);
+  afterMessages();
+  while (!deadline || Clock::now() < *deadline) {
+    const DWORD woken =
+        MsgWaitForMultipleObjects(1, &stopRequested, FALSE, waitUntil(deadline), QS_ALLINPUT);
+    if (woken == WAIT_OBJECT_0 || woken == WAIT_FAILED) return;
+    dispatchMessages();
+    afterMessages();
+  }
+}
+
+}  // namespace qvxctl

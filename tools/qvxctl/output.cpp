@@ -1,0 +1,55 @@
+#include "output.h"
+
+#include <io.h>
+#include <windows.h>
+
+#include <cstdio>
+
+#include "failure.h"
+
+namespace qvxctl {
+
+namespace {
+
+constexpr int outputDescriptor = 1, errorDescriptor = 2;
+
+bool writeLine(std::FILE* stream, const std::string& line) {
+  return std::fputs((line + '\n').c_str(), stream) >= 0 && std::fflush(stream) == 0;
+}
+
+}  // namespace
+
+void printLine(const std::string& line) {
+  if (!writeLine(stdout, line)) {
+    throw Failure(ExitCode::outputLost, "standard output cannot be written");
+  }
+}
+
+void note(const std::string& message) {
+  writeLine(stderr, "qvxctl: " + message);
+}
+
+Utf8Console::Utf8Console() : earlierCodePage_(GetConsoleOutputCP()) {
+  SetConsoleOutputCP(CP_UTF8);
+  // The runtime would hand an unbuffered console single bytes, and it shows them as such.
+  std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
+}
+
+// The code page belongs to the console and would outlive us.
+Utf8Console::~Utf8Console() {
+  if (earlierCodePage_ != 0) SetConsoleOutputCP(earlierCodePage_);
+}
+
+LibraryOutputAside::LibraryOutputAside() : standardOutput_(_dup(outputDescriptor)) {
+  std::fflush(stdout);
+  _dup2(errorDescriptor, outputDescriptor);
+}
+
+LibraryOutputAside::~LibraryOutputAside() {
+  std::fflush(stdout);
+  if (standardOutput_ < 0) return;
+  _dup2(standardOutput_, outputDescriptor);
+  _close(standardOutput_);
+}
+
+}  // namespace qvxctl

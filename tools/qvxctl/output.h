@@ -1,0 +1,41 @@
+// Standard output carries what the user asked for and nothing else; everything else goes to
+// standard error.
+#pragma once
+
+#include <string>
+
+namespace qvxctl {
+
+// Prints a line and flushes it, so that a reader at the other end of a pipe has it at once.
+// Fails when nobody takes the output any more.
+void printLine(const std::string& line);
+
+// A remark to the user, in one line.
+void note(const std::string& message);
+
+// While it lives, a console shows UTF-8.
+class Utf8Console {
+ public:
+  Utf8Console();
+  ~Utf8Console();
+  Utf8Console(const Utf8Console&) = delete;
+  Utf8Console& operator=(const Utf8Console&) = delete;
+
+ private:
+  unsigned earlierCodePage_;
+};
+
+// While it lives, what the library prints goes to standard error: both modules print through the
+// system's C runtime, so they share its descriptors.
+class LibraryOutputAside {
+ public:
+  LibraryOutputAside();
+  ~LibraryOutputAside();
+  LibraryOutputAside(const LibraryOutputAside&) = delete;
+  LibraryOutputAside& operator=(const LibraryOutputAside&) = delete;
+
+ private:
+  int standardOutput_;
+};
+
+}  // namespace qvxctl

@@ -1,0 +1,21 @@
+// Cameras and measurements in the two forms that the client prints.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cameras.h"
+#include "json.h"
+
+namespace qvxctl {
+
+// What is not known is null.
+std::vector<json::Member> membersOf(const Camera& camera);
+std::vector<json::Member> membersOf(const Measurement& measurement);
+
+std::string nameText(const Camera& camera);
+std::string productIdText(const Camera& camera);                // "0x970"
+std::string magnificationText(const Measurement& measurement);  // "x 63.40"
+std::string fieldOfViewText(const Measurement& measurement);    // "5.55 mm" or "842 µm"
+
+}  // namespace qvxctl
