@@ -7,6 +7,7 @@ import struct
 import subprocess
 import sys
 
+SOURCE = pathlib.Path(__file__).parents[2]
 # Parts of every Windows. A compiler's runtime or a driver's library here would stop the DLL from
 # loading on a machine without it.
 SYSTEM_DLLS = {
@@ -65,13 +66,12 @@ def differences(what, found, expected):
 
 
 def check_exports(dll, options):
-    source = options.source_dir
-    header = declared_in_header((source / "include/qvx64/api.h").read_text())
+    header = declared_in_header((SOURCE / "include/qvx64/api.h").read_text())
     if not header:
         yield "the header declares no function"
     yield from differences("the header", header, set(header))
     yield from differences(
-        "the .def file", listed_in_def((source / "src/api/QVX64.def").read_text()), header)
+        "the .def file", listed_in_def((SOURCE / "src/api/QVX64.def").read_text()), header)
     yield from differences("the DLL", dll.exports(), header)
 
 
@@ -110,10 +110,9 @@ def parse_options():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("check", choices=CHECKS)
     parser.add_argument("--dll", type=pathlib.Path, required=True)
-    parser.add_argument("--source-dir", type=pathlib.Path, required=True)
-    parser.add_argument("--objdump", required=True)
-    parser.add_argument("--version", required=True)
-    parser.add_argument("--camera-address", required=True)
+    parser.add_argument("--objdump", default="x86_64-w64-mingw32-objdump")
+    parser.add_argument("--version", help="for version")
+    parser.add_argument("--camera-address", help="for address")
     return parser.parse_args()
 
 
