@@ -1,4 +1,4 @@
-/* An application as the package's users write it: the installed header, the DLL and nothing else. */
+/* An application as users of the package write it: the installed header and the DLL, no more. */
 #include <stdio.h>
 
 #include <qvx64/api.h>
