@@ -4,7 +4,8 @@
 set -uo pipefail
 
 # GoogleTest is source that the Windows preset configures; llvm-14 brings llvm-dlltool.
-build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-dev googletest)
+build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-dev pkgconf
+  googletest)
 demo=(wine64)
 test=(clang-format-14 clang-tidy-14 git python3 shellcheck)
 

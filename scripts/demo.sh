@@ -1,0 +1,98 @@
+#!/usr/bin/env bash
+# Drives a simulated Wi-Fi camera through QVX64.dll: builds both, runs the camera on port 8080 and
+# the command-line client under Wine, and shows what the one asks of the other. Ends by itself.
+source "$(dirname "$0")/common.sh"
+
+product_id=0x970
+zoom=1:200/10s
+watch_s=6
+build_log=$logs/demo-build.log
+camera_log=$logs/demo-camera.log # every request, in words
+camera_errors=$logs/demo-camera-errors.log
+client_errors=$logs/demo-client-errors.log
+watch_log=$logs/demo-watch.log
+
+title() {
+  printf '\n%s\n' "$1"
+}
+
+last_line() {
+  tail -n 1 "$1"
+}
+
+build() {
+  title "Building QVX64.dll, its client and the camera"
+  { build_preset windows qvxctl && build_preset simulator qvx-wifi-camera; } >"$build_log" 2>&1 ||
+    fail "the build failed: $(grep -m 1 -E 'error: |CMake Error' "$build_log") (all of it: $build_log)"
+  echo "  build/windows/QVX64.dll  build/windows/qvxctl.exe  build/simulator/qvx-wifi-camera"
+}
+
+# A first time takes about 10 s; the camera's log would begin with a silence.
+prepare_wine() {
+  title "Starting Wine"
+  scripts/run-wine.sh cmd.exe /c exit >/dev/null 2>"$client_errors" ||
+    fail "$(last_line "$client_errors")"
+  echo "  ${WINEPREFIX:-build/wine}"
+}
+
+start_camera() {
+  title "Switching on a Wi-Fi camera $product_id; its zoom ring turns from x1 to x200 and back"
+  : >"$camera_log"
+  build/simulator/qvx-wifi-camera --pid $product_id --zoom $zoom --port 8080 --log \
+    </dev/null >"$camera_log" 2>"$camera_errors" &
+  camera=$!
+  trap 'kill $camera 2>/dev/null' EXIT
+  until grep -q '^ready on' "$camera_log"; do
+    kill -0 $camera 2>/dev/null || fail "the camera does not start: $(last_line "$camera_errors")"
+    sleep 0.1
+  done
+  echo "  $(grep '^ready on' "$camera_log")"
+}
+
+client() {
+  scripts/run-wine.sh build/windows/qvxctl.exe --device 90 "$@" </dev/null 2>"$client_errors" |
+    sed -u 's/\r$//; s/^/  /'
+}
+
+open_camera() {
+  title "Opening it (qvxctl --device 90 info, under Wine)"
+  client info || fail "qvxctl info failed: $(last_line "$client_errors")"
+}
+
+# One finding of the camera's log, which must be in it: a label and the pattern that captures it.
+asked() {
+  local found
+  found=$(sed -nE "s/.*$2.*/\1/p" "$camera_log" | head -n 1)
+  [ -n "$found" ] || fail "Init did not ask for the $1 ($camera_log)"
+  printf '  %-17s %s\n' "$1" "$found"
+}
+
+show_what_init_asked() {
+  title "What Init asked the camera ($(grep -vc '^ready' "$camera_log") requests, in $camera_log)"
+  asked "product id" 'product id -> (0x[0-9A-Fa-f]+)'
+  asked "feature register" 'controller 0x80 -> (0x[0-9A-Fa-f]+)'
+  asked "calibration" 'controller 0xC5 -> 0x[0-9A-Fa-f]+ +calibration: (.*)'
+}
+
+watch_zoom() {
+  title "Watching the zoom ring for $watch_s s (qvxctl --device 90 watch --seconds $watch_s)"
+  client watch --seconds $watch_s | tee "$watch_log" ||
+    fail "qvxctl watch failed: $(last_line "$client_errors")"
+  [ "$(grep -c ' x ' "$watch_log")" -ge 2 ] || fail "the magnification did not change"
+}
+
+check_camera() {
+  kill -0 $camera 2>/dev/null || fail "the camera ended by itself"
+  [ ! -s "$camera_errors" ] ||
+    fail "the camera was asked what a real one does not understand: $(last_line "$camera_errors")"
+}
+
+scripts/setup.sh demo || exit 1
+build
+prepare_wine
+start_camera
+open_camera
+show_what_init_asked
+watch_zoom
+check_camera
+title "All of it worked."
