@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "simulator/model/bridge_chip_extension_unit.h"
+#include "simulator/model/usb3_function.h"
 #include "simulator/platform/clock.h"
 
 namespace qvx::simulator {
@@ -63,11 +64,6 @@ struct UsbPipe {
   std::uint8_t id;
   int type;
   unsigned interval, maximumPacketSize;
-};
-
-struct UsbSetup {
-  std::uint8_t requestType, request;
-  std::uint16_t value, index, length;
 };
 
 // What carries control transfers to a simulated USB 3 camera. Returns the bytes moved, or nothing

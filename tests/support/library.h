@@ -13,6 +13,13 @@ namespace qvx::tests {
 // Puts every global back to its initial value.
 void resetLibrary();
 
+using Journal = std::vector<std::string>;
+
+inline Journal operator+(Journal first, const Journal& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
 class LibraryTest : public testing::Test {
  protected:
   LibraryTest() {
@@ -23,7 +30,6 @@ class LibraryTest : public testing::Test {
 
   simulator::World& machine() { return simulator::world(); }
 
-  using Journal = std::vector<std::string>;
   Journal journal() { return machine().takeJournal(); }
 };
 

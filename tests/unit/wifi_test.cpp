@@ -71,7 +71,7 @@ TEST_F(WifiFetch, TakesTheIntegerAfterTheMarker) {
       {"res:x", 0},
       {"ok", 0},
       {"abc123", 123},  // without the marker the text is read from its fourth character
-      {"re:45", 5},     // likewise
+      {"re:45", 45},    // likewise
       {"\0res:9"s, 0},  // the text ends at its first NUL
       {"res:7\0008"s, 7},
       {"res:99999999999", 2147483647},

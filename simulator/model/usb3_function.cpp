@@ -1,0 +1,89 @@
+#include "simulator/model/usb3_function.h"
+
+#include <algorithm>
+
+namespace qvx::simulator {
+
+namespace {
+
+enum RequestType : std::uint8_t { toInterface = 0x21, fromDevice = 0x80, fromInterface = 0xA1 };
+enum Request : std::uint8_t { setCurrent = 0x01, getDescriptor = 0x06, getCurrent = 0x81 };
+enum Selector : std::uint16_t { writeOnBusControl = 0x0300, controllerReadControl = 0x0303 };
+
+constexpr std::uint16_t vendorEntity = 0x0300;
+constexpr std::uint16_t deviceDescriptor = 0x0100;
+
+}  // namespace
+
+std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup,
+                                                  std::span<std::uint8_t> buffer) {
+  const std::size_t length = std::min<std::size_t>(setup.length, buffer.size());
+  const auto data = buffer.first(length);
+  bool done = false;
+  if (setup.requestType == fromDevice && setup.request == getDescriptor &&
+      setup.value == deviceDescriptor) {
+    return describe(data);
+  }
+  if (setup.index == vendorEntity && setup.requestType == toInterface &&
+      setup.request == setCurrent) {
+    done = set(setup.value, data);
+  } else if (setup.index == vendorEntity && setup.requestType == fromInterface &&
+             setup.request == getCurrent) {
+    done = get(setup.value, data);
+  }
+  if (!done) {
+    camera_.violations().add({"usb 3: request that the camera does not have"});
+    return std::nullopt;
+  }
+  return length;
+}
+
+bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> data) {
+  if (selector == writeOnBusControl) return writeOnBus(data);
+  if (selector != controllerReadControl || data.size() != 2 || data[0] != controllerAddress) {
+    return false;
+  }
+  controllerRegister_ = data[1];
+  return true;
+}
+
+bool Usb3Function::get(std::uint16_t selector, std::span<std::uint8_t> data) {
+  if (selector != controllerReadControl || data.size() != 1 || !controllerRegister_) return false;
+  const std::uint8_t reg = *controllerRegister_;
+  controllerRegister_.reset();
+  return camera_.controller().read({&reg, 1}, data);
+}
+
+// {address, register, value}
+bool Usb3Function::writeOnBus(std::span<const std::uint8_t> data) {
+  if (data.size() != 3) return false;
+  I2cDevice* const device = camera_.deviceAt(data[0]);
+  return device != nullptr && device->write(data.subspan(1, 1), data.subspan(2, 1));
+}
+
+std::optional<std::size_t> Usb3Function::describe(std::span<std::uint8_t> buffer) const {
+  const std::uint16_t pid = camera_.productId();
+  const std::array<std::uint8_t, 18> descriptor = {18,
+                                                   1,
+                                                   0x00,
+                                                   0x03,  // USB 3.0
+                                                   0xEF,
+                                                   0x02,
+                                                   0x01,
+                                                   9,
+                                                   0x7E,
+                                                   0x3C,
+                                                   static_cast<std::uint8_t>(pid),
+                                                   static_cast<std::uint8_t>(pid >> 8),
+                                                   0x00,
+                                                   0x01,
+                                                   1,
+                                                   2,
+                                                   0,
+                                                   1};
+  const std::size_t length = std::min(buffer.size(), descriptor.size());
+  std::copy_n(descriptor.begin(), length, buffer.begin());
+  return length;
+}
+
+}  // namespace qvx::simulator

@@ -1,0 +1,331 @@
+// The call layer over workers: time limits, status codes, the shared mutex, bus and speed.
+#include <array>
+#include <atomic>
+#include <memory>
+
+#include "etlib2/access.h"
+#include "etlib2/etLib2.h"
+#include "platform/workers.h"
+#include "simulator/platform/cameras.h"
+#include "tests/support/bytes.h"
+#include "tests/support/library.h"
+
+namespace qvx::tests {
+namespace {
+
+using simulator::BridgeFamily;
+using simulator::bridgeInput;
+using simulator::Fault;
+using simulator::VirtualBridge;
+
+using Bytes = std::array<std::uint8_t, 64>;
+
+class CallLayer : public LibraryTest {
+ protected:
+  CallLayer() { machine().videoInputs = {bridgeInput(camera)}; }
+
+  void openCameras() {
+    ASSERT_EQ(etLib2_Init(), 1);
+    journal();
+  }
+
+  std::uint32_t readStatus() {
+    value = 0xAAAAAAAA;
+    return etLib2_RegRead_DevNum(0, 0x85, 1, &value);
+  }
+
+  // Holds the library's mutex from another thread, as another process would.
+  void holdMutexFor(std::uint64_t milliseconds) {
+    auto held = std::make_shared<bool>(false);
+    machine().clock.startThread([this, held, milliseconds] {
+      const auto mutex = platform::openNamedMutex("Empia VideoClass HidClass Library");
+      mutex->acquire(0);
+      machine().clock.change([&] { *held = true; });
+      machine().clock.sleep(milliseconds);
+      mutex->release();
+    });
+    machine().clock.waitFor(simulator::Clock::forever, [held] { return *held; });
+  }
+
+  // How long the call takes on the machine's clock.
+  template <class Call>
+  std::uint64_t timeOf(Call call) {
+    const std::uint64_t before_ms = machine().clock.now_ms();
+    call();
+    return machine().clock.now_ms() - before_ms;
+  }
+
+  VirtualBridge camera{0x970};
+  std::uint32_t value = 0;
+};
+
+TEST_F(CallLayer, ClosedItFailsWithoutStartingAThread) {
+  Bytes bytes{};
+  std::uint8_t sub = 0;
+  EXPECT_EQ(etLib2_RegRead_DevNum(0, 5, 1, &value), 0x80004005u);
+  EXPECT_EQ(etLib2_RegWrite_DevNum(0, 6, 1, &value), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 1, &sub, 1, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, &sub, 1, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Read(0, 29, 40, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Write(0, 30, 40, bytes.data()), 0x80004005u);
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  etLib2_Release();
+  EXPECT_EQ(etLib2_GetDevTotalNum(), 0);
+  EXPECT_EQ(machine().threadsStarted, 0);
+}
+
+TEST_F(CallLayer, AnswerInTime) {
+  openCameras();
+  EXPECT_EQ(readStatus(), 0u);
+  EXPECT_EQ(value, 0u);
+  machine().set({Fault::stalls, 1, 1, 499});
+  EXPECT_EQ(timeOf([this] { EXPECT_EQ(readStatus(), 0u); }), 499u);
+  machine().set({Fault::fails});
+  EXPECT_EQ(readStatus(), 0x80004005u);
+  EXPECT_EQ(value, 0xAAAAAAAAu) << "a failed read leaves the value";
+}
+
+TEST_F(CallLayer, LateAnswerCostsTheLimitAndNothingLater) {
+  openCameras();
+  machine().set({Fault::stalls, 1, 1, 600});
+  EXPECT_EQ(timeOf([this] { EXPECT_EQ(readStatus(), 0x80004005u); }), 500u);
+  EXPECT_EQ(journal().size(), 1u);
+  machine().clock.sleep(200);
+  EXPECT_EQ(journal().size(), 1u) << "the late worker finishes its transfer";
+  EXPECT_EQ(value, 0xAAAAAAAAu) << "and leaves the caller's memory alone";
+  EXPECT_EQ(readStatus(), 0u);
+}
+
+// The buffers are gone before the workers write: the sanitizer would tell.
+TEST_F(CallLayer, LateAnswersWhoseCallersHaveGoneAreHarmless) {
+  openCameras();
+  machine().set({Fault::stalls, 1, simulator::Clock::forever, 1100});
+  auto buffer = std::make_unique<Bytes>();
+  auto sub = std::make_unique<std::uint8_t>(0x80);
+  auto word = std::make_unique<std::uint32_t>(7);
+  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 1, word.get()), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 1, sub.get(), 1, buffer->data()), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Read(0, 29, 40, buffer->data()), 0x80004005u);
+  EXPECT_EQ(*buffer, Bytes{});
+  buffer.reset();
+  sub.reset();
+  word.reset();
+  etLib2_Release();
+  machine().clock.waitForOthers();
+  EXPECT_EQ(machine().open.filters, 0) << "the last worker takes the transport with it";
+  EXPECT_EQ(machine().open.mutexHandles, 0);
+}
+
+TEST_F(CallLayer, BusyMutexDelaysTheTransferBeyondTheCaller) {
+  openCameras();
+  holdMutexFor(700);
+  EXPECT_EQ(timeOf([this] { EXPECT_EQ(readStatus(), 0x80004005u); }), 500u);
+  EXPECT_EQ(journal(), Journal{});
+  machine().clock.sleep(300);
+  EXPECT_EQ(journal().size(), 2u) << "the worker waited on, and did the transfer";
+}
+
+TEST_F(CallLayer, MutexHeldTooLongMeansNoTransfer) {
+  openCameras();
+  holdMutexFor(5000);
+  EXPECT_EQ(readStatus(), 0x80004005u);
+  Bytes bytes{};
+  EXPECT_EQ(
+      timeOf([&] { EXPECT_EQ(etLib2_Custom_CMD_Read(0, 29, 40, bytes.data()), 0x80004005u); }),
+      100u)
+      << "custom commands wait less";
+  EXPECT_EQ(timeOf([&] { etLib2_SelectI2cBus_DevNum(0, 2, 1); }), 1000u)
+      << "two late steps: the generation counts as 0, the register cannot be read";
+  machine().clock.waitForOthers();
+  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(readStatus(), 0u);
+}
+
+TEST_F(CallLayer, ThreadThatCannotStart) {
+  openCameras();
+  machine().threadsStart = false;
+  EXPECT_EQ(readStatus(), 0x80004005u);
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  EXPECT_EQ(journal(), Journal{});
+  machine().threadsStart = true;
+  EXPECT_EQ(readStatus(), 0u);
+}
+
+TEST_F(CallLayer, OneWorkerPerStep) {
+  openCameras();
+  machine().threadsStarted = 0;
+  readStatus();
+  EXPECT_EQ(machine().threadsStarted, 1);
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  EXPECT_EQ(machine().threadsStarted, 4);
+}
+
+TEST_F(CallLayer, RefusesWhatDoesNotFit) {
+  openCameras();
+  machine().threadsStarted = 0;
+  Bytes bytes{};
+  std::uint8_t* const none = nullptr;
+  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 5, &value), 0x80004005u);
+  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 1, nullptr), 0x80004005u);
+  EXPECT_EQ(etLib2_RegWrite_DevNum(0, 0x80, 255, &value), 0x80004005u);
+  EXPECT_EQ(etLib2_RegWrite_DevNum(0, 0x80, 1, nullptr), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 65, bytes.data(), 1, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 1, bytes.data(), 65, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, ~0u, bytes.data(), 1, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, none, 1, bytes.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, bytes.data(), 1, none), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Read(0, 29, 40, nullptr), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Write(0, 30, 0, nullptr), 0x80004005u);
+  EXPECT_EQ(machine().threadsStarted, 0);
+  EXPECT_EQ(etLib2_RegRead_DevNum(1, 0x85, 1, &value), 0x80004005u) << "no such device";
+  EXPECT_EQ(etLib2_RegRead_DevNum(~0u, 0x85, 1, &value), 0x80004005u);
+  EXPECT_EQ(currentDevice, ~0u);
+  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x10085, 0x101, &value), 0u) << "only the low parts count";
+}
+
+TEST_F(CallLayer, InitTwiceClosesAndOpens) {
+  openCameras();
+  VirtualBridge other(0x870);
+  machine().videoInputs.push_back(bridgeInput(other, "2"));
+  EXPECT_EQ(etLib2_GetDevTotalNum(), 1);
+  EXPECT_EQ(etLib2_Init(), 1);
+  EXPECT_EQ(etLib2_GetDevTotalNum(), 2);
+  EXPECT_EQ(machine().open.filters, 2);
+  EXPECT_EQ(machine().open.comInitializations, 1);
+  machine().videoInputs.clear();
+  EXPECT_EQ(etLib2_Init(), 0);
+  EXPECT_EQ(etLib2_GetDevTotalNum(), 0);
+  EXPECT_EQ(readStatus(), 0x80004005u);
+  EXPECT_EQ(machine().open, simulator::OpenCounts{});
+}
+
+TEST_F(CallLayer, OpeningNeedsTheMutexForAWhile) {
+  holdMutexFor(2500);
+  EXPECT_EQ(timeOf([] { EXPECT_EQ(etLib2_Init(), 0); }), 2000u) << "1 s for each transport";
+  machine().clock.waitForOthers();
+  EXPECT_EQ(etLib2_Init(), 1);
+}
+
+class BusSelection : public CallLayer {
+ protected:
+  // Speed flag as the next one-shot I2C request carries it.
+  int speedOnTheWire() {
+    std::uint8_t sub = 0x80, data = 0;
+    journal();
+    etLib2_I2cRead_DevNum(0, 0x62, 1, &sub, 1, &data);
+    return std::stoi(journal().front().substr(std::string("set 5A215226/20: 00 62 ").size(), 2));
+  }
+};
+
+TEST_F(BusSelection, SwitchesTheBusAndThenTheSpeed) {
+  openCameras();
+  const struct {
+    std::uint8_t bus;
+    std::uint32_t fast;
+    std::uint32_t select;
+    int speed;
+  } rows[] = {
+      {2, 1, 0x04, 1}, {2, 0, 0x04, 0}, {1, 7, 0x00, 1}, {0, 0, 0x04, 0}, {255, 1, 0x04, 1}};
+  for (const auto& row : rows) {
+    etLib2_SelectI2cBus_DevNum(0, row.bus, row.fast);
+    EXPECT_EQ(camera.chip.peek(6) & 0x04, row.select) << int{row.bus};
+    EXPECT_EQ(i2cSpeed, row.fast != 0 ? 0x10 : 0);
+    if (row.bus != 1) {
+      EXPECT_EQ(speedOnTheWire(), row.speed) << int{row.bus};
+    }
+  }
+  etLib2_Release();
+  etLib2_Init();
+  EXPECT_EQ(i2cSpeed, 0x10) << "the speed outlasts a release";
+  EXPECT_EQ(complaintsOf(camera.camera), "");
+}
+
+TEST_F(BusSelection, AFailedStepLeavesTheSpeed) {
+  openCameras();
+  etLib2_SelectI2cBus_DevNum(0, 2, 0);
+  // Operations: set and get of the identity, set and get of register 6, set of register 6.
+  const struct {
+    std::uint64_t operation;
+    std::uint32_t speed;
+  } rows[] = {{1, 0x00}, {3, 0x00}, {5, 0x00}};
+  for (const auto& row : rows) {
+    i2cSpeed = 0;
+    // Each failing request also fails in its legacy forms.
+    machine().set({Fault::fails, row.operation});
+    etLib2_SelectI2cBus_DevNum(0, 2, 1);
+    EXPECT_EQ(i2cSpeed, row.speed) << row.operation;
+  }
+  machine().set({Fault::stalls, 5, 1, 600});
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  EXPECT_EQ(i2cSpeed, 0) << "a late write counts as failed";
+  machine().clock.waitForOthers();
+}
+
+TEST_F(BusSelection, GenerationTwoChipsHaveNoSwitch) {
+  VirtualBridge second(0x970, {.family = BridgeFamily::generation2});
+  machine().videoInputs = {bridgeInput(second)};
+  openCameras();
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  EXPECT_EQ(i2cSpeed, 0);
+  EXPECT_EQ(journal(), (Journal{"set 5A215226/26: 00 00 04" + zeros(29), "get 5A215226/26 32"}));
+}
+
+class Eeprom : public CallLayer {};
+
+TEST_F(Eeprom, SelectsItsBusAndSwapsTheAddress) {
+  openCameras();
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  std::array<std::uint8_t, 2> sub = {0x34, 0x01};
+  std::uint8_t data = 0x5A;
+  journal();
+  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0xA0, 2, sub.data(), 1, &data), 0u);
+  EXPECT_EQ(sub, (std::array<std::uint8_t, 2>{0x01, 0x34}));
+  const Journal lines = journal();
+  EXPECT_EQ(lines.back(), "set 5A215226/21: 00 A0 00 02 01 34 01 5A" + zeros(24))
+      << "standard speed, whatever was selected";
+  EXPECT_EQ(camera.chip.peek(6) & 0x04, 0u);
+  std::uint8_t answer = 0;
+  sub = {0x34, 0x01};
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0xA0, 2, sub.data(), 1, &answer), 0u);
+  EXPECT_EQ(answer, 0x5A);
+  EXPECT_EQ(complaintsOf(camera.camera), "");
+}
+
+TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
+  VirtualBridge second(0x970, {.family = BridgeFamily::generation2});
+  machine().videoInputs = {bridgeInput(second)};
+  openCameras();
+  std::array<std::uint8_t, 2> sub = {0x12, 0x34};
+  std::uint8_t data = 0;
+  etLib2_I2cRead_DevNum(0, 0xA0, 2, sub.data(), 1, &data);
+  EXPECT_EQ(sub, (std::array<std::uint8_t, 2>{0x12, 0x34}));
+  EXPECT_EQ(journal().front(), "set 5A215226/20: 00 A0 00 02 12 34 01" + zeros(25));
+}
+
+TEST_F(CallLayer, EightThreadsOnTwoDevices) {
+  VirtualBridge other(0x9C2);
+  machine().videoInputs.push_back(bridgeInput(other, "2"));
+  openCameras();
+  std::atomic<int> lost = 0;
+  for (int thread = 0; thread < 8; ++thread) {
+    machine().clock.startThread([this, thread, &other, &lost] {
+      const auto device = static_cast<std::uint32_t>(thread & 1);
+      VirtualBridge& own = device == 0 ? camera : other;
+      for (int round = 0; round < 250; ++round) {
+        std::uint32_t word = 0;
+        std::uint8_t sub = 0x80, data = 0;
+        etLib2_SelectI2cBus_DevNum(device, 2, static_cast<std::uint32_t>(round & 1));
+        if (etLib2_RegRead_DevNum(device, 6, 1, &word) != 0 || (word & 4) == 0) ++lost;
+        if (etLib2_I2cRead_DevNum(device, 0x62, 1, &sub, 1, &data) != 0) ++lost;
+        if (data != own.camera.controller().at(0x80)) ++lost;
+      }
+    });
+  }
+  machine().clock.waitForOthers();
+  EXPECT_EQ(lost, 0);
+  EXPECT_EQ(machine().open.filters, 2);
+}
+
+}  // namespace
+}  // namespace qvx::tests

@@ -1,0 +1,359 @@
+// Init: every step, in order, as the cameras and the system see it; and every exit.
+#include <climits>
+
+#include "api/events.h"
+#include "controls/magnification.h"
+#include "qvx64/api.h"
+#include "simulator/platform/cameras.h"
+#include "state/device_state.h"
+#include "state/read_urls.h"
+#include "tests/support/library.h"
+#include "tests/support/wifi_registers.h"
+#include "transport/usb3.h"
+
+namespace qvx::tests {
+namespace {
+
+using simulator::bridgeInput;
+using simulator::VirtualBridge;
+
+const std::string base = "http://127.0.0.1:8080/";
+
+std::string readUrlOf(int reg) {
+  return base +
+         "?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=" + std::to_string(reg << 16);
+}
+
+std::vector<std::string> getsIn(const std::vector<std::string>& journal) {
+  std::vector<std::string> lines;
+  for (const std::string& line : journal) {
+    if (line.starts_with("GET ")) lines.push_back(line.substr(4));
+  }
+  return lines;
+}
+
+std::vector<std::string> readsOf(std::initializer_list<int> registers) {
+  std::vector<std::string> urls;
+  for (const int reg : registers) urls.push_back(readUrlOf(reg));
+  return urls;
+}
+
+class InitTest : public LibraryTest {
+ protected:
+  // Init, without what it prints of USB 3 cameras.
+  int initQuietly() {
+    testing::internal::CaptureStdout();
+    const int result = Init();
+    testing::internal::GetCapturedStdout();
+    return result;
+  }
+};
+
+class InitWifi : public InitTest {
+ protected:
+  InitWifi() {
+    machine().wifi = camera.server();
+    camera.values = {{0x80, 0x40}, {0xC3, 1}, {0xC5, 255}};
+    SetVideoDeviceIndex(90);
+  }
+
+  void announce(const char* pid) {
+    camera.deviceList = std::string(R"([{"idVendor": "0x3c7e", "idProduct": "0x)") + pid + "\"}]";
+  }
+
+  WifiRegisters camera;
+};
+
+TEST_F(InitTest, BuildsTheReadUrlsBeforeItAsksAnyone) {
+  EXPECT_EQ(initQuietly(), 0);
+  EXPECT_EQ(s_mainhttp, base);
+  const struct {
+    const std::string* url;
+    int reg;
+  } rows[] = {{&sReg00, 0x00}, {&sReg02, 0x02}, {&sRegC0, 0xC0}, {&sRegC5, 0xC5}, {&sReg60, 0x60},
+              {&sReg6F, 0x6F}, {&sReg40, 0x40}, {&sReg4B, 0x4B}, {&sReg80, 0x80}, {&sReg81, 0x81},
+              {&sReg83, 0x83}, {&sReg84, 0x84}, {&sReg50, 0x50}};
+  for (const auto& row : rows) EXPECT_EQ(*row.url, readUrlOf(row.reg));
+  for (const auto* unused : {&sReg4C, &sReg4D, &sReg4E, &sReg82}) EXPECT_EQ(*unused, "");
+  EXPECT_EQ(getsIn(journal()), Journal{});
+}
+
+TEST_F(InitWifi, SendsTheseRequestsInThisOrder) {
+  announce("0970");
+  EXPECT_EQ(initQuietly(), 1);
+  const Journal expected =
+      Journal{base, base + "usbdevlist.json"} +
+      readsOf({0x80, 0x83, 0x84, 0xC0, 0xC1, 0xC2, 0xC3, 0xC4, 0xC5}) +
+      readsOf({0x80, 0x80, 0x80}) +                    // two predicates refresh, then the step
+      readsOf({0xC0, 0xC1, 0xC2, 0x01, 0xC3, 0xC5}) +  // set-up
+      readsOf({0x40, 0x41, 0x42, 0x43, 0x44, 0x45, 0x46, 0x47, 0x48, 0x49, 0x4A, 0x4B}) +
+      readsOf({0x01, 0x02});  // the first sample
+  const Journal lines = journal();
+  EXPECT_EQ(getsIn(lines), expected);
+  EXPECT_EQ(lines.front(), "time-outs 2000 2000");
+  EXPECT_EQ(lines[2], "floating point 0 mask 0");
+  EXPECT_EQ(lines[3], "floating point 9001F mask 8001F");
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "pause 100"), 1);
+  EXPECT_EQ(lines.back(), "timer 999 every 250");
+}
+
+TEST_F(InitWifi, SettlesTheDevice) {
+  announce("0970");
+  camera.values[0x83] = 4;
+  EXPECT_EQ(initQuietly(), 1);
+  EXPECT_EQ(GetVideoDeviceIndex(), 90);
+  EXPECT_EQ(nPid, 0x970);
+  EXPECT_EQ(nCurrPid, 0x970);
+  EXPECT_EQ(nTmpIdx, 90);
+  EXPECT_EQ(n80, 0x40u);
+  EXPECT_EQ(n83, 4u);
+  EXPECT_EQ(nC5, 255u);
+  EXPECT_EQ(ul80, 0x40u);
+  EXPECT_EQ(ulC3, 1u);
+  EXPECT_EQ(bMAGSeries, 1);
+  EXPECT_EQ(bWait, 1);
+  // Left open: the probe's request and, of each successful read, session and request.
+  const int reads = static_cast<int>(getsIn(journal()).size()) - 2;
+  EXPECT_EQ(machine().open.internetRequests, reads + 1);
+  EXPECT_EQ(machine().open.internetSessions, reads);
+}
+
+TEST_F(InitWifi, ReadsTheProductIdFromTheDeviceList) {
+  const std::string entry = R"({"idVendor": "0x3c7e", "idProduct": "0x)";
+  const struct {
+    simulator::HttpAnswer list;
+    int pid;
+  } rows[] = {
+      {{true, {entry + "0970\"}," + entry + "09c1\"}"}}, 0x9C1},  // the last one counts
+      {{true, {entry + "0970\"}", entry + "0871\"}"}}, 0x871},    // over the chunks, too
+      {{true, {entry + "09"}}, 0},                                // cut short
+      {{true, {entry.substr(0, 30), entry.substr(30) + "0970"}}, 0},
+      {{true, {std::string("x\0", 2) + entry + "0970"}}, 0},  // text ends at a NUL
+      {{true, {entry + "zzzz\"}"}}, 0},
+      {{true, {std::string(8192, '0')}, true}, 0},
+      {{true, {}, true}, 0},
+      {{.reachable = false, .chunks = {}}, 0},
+  };
+  for (const auto& row : rows) {
+    nPid = nCurrPid = 0;
+    machine().wifi = [&](const std::string& url) {
+      return url.ends_with(".json") ? row.list : camera.answer(url);
+    };
+    EXPECT_EQ(initQuietly(), 1);
+    EXPECT_EQ(nPid, row.pid);
+  }
+}
+
+TEST_F(InitWifi, WithoutACameraFails) {
+  machine().wifi = nullptr;
+  EXPECT_EQ(initQuietly(), 0);
+  EXPECT_EQ(getsIn(journal()), Journal{base});
+  EXPECT_EQ(machine().open.internetSessions, 0);
+  EXPECT_EQ(bWait, 0);
+  EXPECT_EQ(GetVideoDeviceIndex(), 90);
+  machine().wifi = camera.server();
+  EXPECT_EQ(initQuietly(), 1) << "and a camera that comes later is found";
+}
+
+TEST_F(InitWifi, FeatureDecidesAboutTheMagnification) {
+  const struct {
+    const char* pid;
+    int features;
+    bool measures;
+    int featureReads;  // of register 0x80, in steps 14 and 15
+  } rows[] = {
+      {"0890", 0x00, true, 2},  {"0893", 0x00, true, 2},  {"0894", 0x40, false, 4},
+      {"0930", 0x00, true, 2},  {"0960", 0x40, false, 5}, {"097f", 0x00, true, 3},
+      {"0980", 0x40, false, 5}, {"099f", 0x00, true, 3},  {"09b0", 0x40, true, 3},
+      {"09b0", 0x00, false, 5}, {"09c3", 0x40, true, 3},  {"09c3", 0xBF, false, 4},
+      {"09d0", 0x40, false, 5}, {"09e1", 0x40, true, 5},  {"09e1", 0x00, false, 5},
+      {"0000", 0x00, true, 4},
+  };
+  for (const auto& row : rows) {
+    announce(row.pid);
+    camera.values[0x80] = row.features;
+    bMAGSeries = -1;
+    machine().timers.clear();
+    journal();
+    EXPECT_EQ(initQuietly(), 1);
+    EXPECT_EQ(bMAGSeries, row.measures ? 1 : -1) << row.pid;
+    EXPECT_EQ(machine().timers.size(), row.measures ? 1u : 0u) << row.pid;
+    const Journal urls = getsIn(journal());
+    EXPECT_EQ(std::count(urls.begin() + 11, urls.end(), readUrlOf(0x80)), row.featureReads)
+        << row.pid << " " << row.features;
+  }
+}
+
+TEST_F(InitWifi, ChoosesTheCalibrationByDegreeAndKind) {
+  const auto first = [](int reg) { return readsOf({reg}); };
+  const struct {
+    int kind, degree;
+    std::vector<std::string> begins;
+    std::size_t reads;
+  } rows[] = {
+      {0, 0x01, first(0x68), 16}, {0, 0xF2, first(0x68), 16}, {0, 0x13, first(0x68), 16},
+      {1, 0x04, {}, 0},           {1, 0x00, {}, 0},           {1, 255, first(0x40), 12},
+      {2, 255, first(0x40), 13},  {4, 255, first(0x40), 13},  {5, 255, first(0x40), 6},
+      {0, 255, first(0x40), 6},
+  };
+  announce("0970");
+  for (const auto& row : rows) {
+    camera.values[0xC3] = row.kind;
+    camera.values[0xC5] = row.degree;
+    journal();
+    EXPECT_EQ(initQuietly(), 1);
+    Journal urls = getsIn(journal());
+    urls.erase(urls.begin(), urls.begin() + 11 + 3 + 6);
+    EXPECT_EQ(urls.size(), row.reads + 2) << row.kind << " " << row.degree;
+    if (!row.begins.empty()) {
+      EXPECT_EQ(urls.front(), row.begins.front()) << row.degree;
+    }
+  }
+}
+
+TEST_F(InitWifi, TimerMeasuresWhileItMay) {
+  announce("0970");
+  camera.values[0xC5] = 1;
+  camera.values[0x68] = 0, camera.values[0x6A] = 40;  // 0 and 10
+  camera.values[0x60] = 5, camera.values[0x62] = 25;  // x5 and x25
+  camera.values[1] = 10;
+  initQuietly();
+  EXPECT_EQ(GetMAG(90), 25.0);
+  camera.values[1] = 20;
+  machine().pumpMessages(249);
+  EXPECT_EQ(GetMAG(90), 25.0);
+  machine().pumpMessages(1);
+  EXPECT_EQ(GetMAG(90), 45.0);
+  bWait = 0;
+  journal();
+  machine().pumpMessages(1000);
+  EXPECT_EQ(journal(), Journal{});
+  initQuietly();
+  machine().pumpMessages(250);
+  journal();
+  machine().pumpMessages(250);
+  EXPECT_EQ(getsIn(journal()), readsOf({0x01, 0x02, 0x01, 0x02}))
+      << "a second Init, a second timer";
+}
+
+// Whatever the camera answers, and however: the same requests, and a usable library.
+TEST_F(InitWifi, SurvivesEveryKindOfAnswer) {
+  const simulator::HttpAnswer answers[] = {
+      {true, {}},
+      {true, {}, true},
+      {true, {"re"}, true},
+      {true, {std::string(8192, 'x')}},
+      {true, {std::string(20000, '\xFE')}},
+      {true, {std::string("res:\0\0", 6)}},
+      {true, {"res:-1"}},
+      {true, {"res:2147483647"}},
+      {true, {"res:-2147483648"}},
+  };
+  for (const auto& answer : answers) {
+    machine().wifi = [&](const std::string&) { return answer; };
+    SetVideoDeviceIndex(90);
+    EXPECT_EQ(initQuietly(), 1);
+    EXPECT_EQ(nPid, 0);
+    machine().pumpMessages(2500);
+  }
+}
+
+TEST_F(InitTest, WithNothingThereFails) {
+  for (const int index : {-1, 0, 1, 7, 8, 90, 91, -2, INT_MIN, INT_MAX}) {
+    SetVideoDeviceIndex(index);
+    EXPECT_EQ(initQuietly(), 0) << index;
+    EXPECT_EQ(GetVideoDeviceIndex(), index);
+    EXPECT_EQ(bWait, 0);
+  }
+  EXPECT_EQ(machine().open.comInitializations, 0);
+  EXPECT_EQ(machine().open.mutexHandles, 0);
+}
+
+class InitUsb3 : public InitTest {
+ protected:
+  InitUsb3() {
+    machine().usbDevices = {
+        {cameraVendorId, 0x9B0, "A", "", "", {}, true, simulator::usb3Front(camera)}};
+    machine().videoInputs = {{simulator::videoInputPath(0x9B0, "a"), L"a", {}}};
+  }
+
+  simulator::Camera camera{0x9B0};
+};
+
+TEST_F(InitUsb3, ChoosesItAutomatically) {
+  SetVideoDeviceIndex(-1);
+  EXPECT_EQ(initQuietly(), 1);
+  EXPECT_EQ(GetVideoDeviceIndex(), 0);
+  EXPECT_EQ(nPid, 0x9B0);
+  EXPECT_EQ(nTmpIdx, 0);
+  EXPECT_EQ(GetVideoDeviceCount(), 1);
+  EXPECT_EQ(ul80, camera.controller().at(0x80));
+  EXPECT_EQ(bMAGSeries, 1);
+  EXPECT_GE(GetMAG(0), 1.0);
+}
+
+// The product id is not known yet when the device is looked for by its index: only an earlier Init
+// or an automatic choice opens it.
+TEST_F(InitUsb3, ByIndexNeedsAKnownProductId) {
+  SetVideoDeviceIndex(0);
+  EXPECT_EQ(initQuietly(), 0);
+  nPid = 0x9B0;
+  EXPECT_EQ(initQuietly(), 1);
+  EXPECT_EQ(nPid, 0x9B0);
+}
+
+TEST_F(InitUsb3, SecondFailureExitNeedsAProductIdAndNoChoice) {
+  machine().usbDevices.clear();
+  SetVideoDeviceIndex(-1);
+  nPid = 0x9B0;
+  EXPECT_EQ(initQuietly(), 0) << "nothing was chosen, although a product id is known";
+  SetVideoDeviceIndex(5);
+  EXPECT_EQ(initQuietly(), 1) << "the product id alone keeps the library usable";
+  EXPECT_EQ(nPid, 0);
+}
+
+class InitBridge : public InitTest {
+ protected:
+  InitBridge() { machine().videoInputs = {bridgeInput(first, "1"), bridgeInput(second, "2")}; }
+
+  VirtualBridge first{0x970};
+  VirtualBridge second{0x9C2};
+};
+
+TEST_F(InitBridge, FindsItByIndexAndReadsItsMagnification) {
+  for (const int index : {-1, 0, 1}) {
+    VirtualBridge& camera = index == 1 ? second : first;
+    SetVideoDeviceIndex(index);
+    EXPECT_EQ(initQuietly(), 1);
+    EXPECT_EQ(GetVideoDeviceIndex(), index == 1 ? 1 : 0);
+    EXPECT_EQ(nPid, camera.camera.productId());
+    EXPECT_EQ(ulC5, camera.camera.controller().at(0xC5));
+    EXPECT_NEAR(GetMAG(index), camera.camera.magnification(), camera.camera.magnification() / 50);
+  }
+  EXPECT_EQ(complaintsOf(first.camera) + complaintsOf(second.camera), "");
+}
+
+TEST_F(InitBridge, WinsOverTheWifiCameraWhenChosenByIndex) {
+  WifiRegisters wifi;
+  machine().wifi = wifi.server();
+  SetVideoDeviceIndex(0);
+  EXPECT_EQ(initQuietly(), 1);
+  EXPECT_EQ(getsIn(journal()), Journal{});
+  SetVideoDeviceIndex(90);
+  EXPECT_EQ(initQuietly(), 1);
+  EXPECT_EQ(GetVideoDeviceIndex(), 90);
+  EXPECT_EQ(nTmpIdx, 90);
+}
+
+TEST_F(InitBridge, BadIndexesAddressNobody) {
+  for (const int index : {8, 9, -2, INT_MIN, INT_MAX}) {
+    SetVideoDeviceIndex(index);
+    EXPECT_EQ(initQuietly(), 1);
+    EXPECT_EQ(nPid, 0);
+    EXPECT_EQ(nTmpIdx, index);
+  }
+  EXPECT_EQ(complaintsOf(first.camera) + complaintsOf(second.camera), "");
+}
+
+}  // namespace
+}  // namespace qvx::tests
