@@ -63,6 +63,13 @@ TEST(WifiServer, RefusesWhatTheFirmwareDoesNotKnow) {
   }
 }
 
+TEST(WifiServer, TellsWhichRegisterAnAbsentDeviceWasAskedFor) {
+  Camera camera(0x970);
+  EXPECT_EQ(
+      WifiServer(camera).get(std::string(prefix) + "2424&group=5&value=889389056").description,
+      "read  I2C 0x78 0x3503: no answer");
+}
+
 TEST(WifiServer, TakesItsRequestsLiterally) {
   for (const char* const target : {
            "",
