@@ -3,7 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <system_error>
 
 #include "simulator/wifi_camera/options.h"
 #include "simulator/wifi_camera/service.h"
@@ -36,7 +36,8 @@ int run(const Options& options) {
   errno = 0;
   if (!service.start()) {
     std::fprintf(stderr, "qvx-wifi-camera: cannot listen on %s:%u: %s\n", options.address.c_str(),
-                 static_cast<unsigned>(options.port), std::strerror(errno));
+                 static_cast<unsigned>(options.port),
+                 std::generic_category().message(errno).c_str());
     return cannotListen;
   }
   std::printf("ready on http://%s:%d\n", options.address.c_str(), service.port());
