@@ -84,6 +84,23 @@ QVX64_API wchar_t* GetDeviceId(int deviceIndex);
  * are listed again. Never null. */
 QVX64_API char* GetDeviceIDA(int deviceIndex);
 
+/* Asks to be called back when the touch button on the camera's body is pressed, and starts polling it
+ * every 250 ms on the calling thread, which must dispatch messages. Nothing is polled until
+ * EnablePressKey(1).
+ * func: called on that thread, between other calls; it may call the library. Null for no callback.
+ * Every call starts a further timer; none is ever stopped: call it once. Does not block. While
+ * polling is on, a tick takes one or two camera accesses. */
+QVX64_API void SetEventCallback(void (*func)(void));
+
+/* Calls the callback of SetEventCallback, as if the button had been pressed. Without one, does
+ * nothing. */
+QVX64_API void FireEvent(void);
+
+/* Switches the polling of the touch button on (bEnableMT exactly 1) or off (anything else). Returns 1
+ * or 0, as it now is. Opening a USB 3 camera, which every Init tries, switches it off again. Does not
+ * block. */
+QVX64_API int EnablePressKey(int bEnableMT);
+
 /* Returns the magnification at the last measurement (at least 1.0), 0 before the first one. Two
  * ticks in ten give the mean of ten samples instead of the sample itself. Reads nothing from the
  * camera and does not block.

@@ -1,17 +1,42 @@
-// The timers that run on the application's thread.
+// The touch button and the two timers. The timers run on the thread that started them, from its
+// message loop, and never stop: each start is a further timer.
 #pragma once
 
 #include <cstdint>
 
 namespace qvx {
 
-// The magnification timer: takes a sample unless another operation is using the controller. The
-// arguments are the system's and not used.
+using EventCallback = void (*)();
+
+inline EventCallback OnEvent = nullptr;  // the application's callback
+inline int m_MT = 0;                     // edge detection of the button, meaning by transport
+inline int m_count = 0;                  // not used; part of the state's layout
+
+namespace timer_2_proc {  // what Timer2Proc keeps between calls
+inline int barry = -1;    // USB 3: -1 idle, 0 first sample seen, 1 press confirmed once
+}  // namespace timer_2_proc
+
+// Stores the callback, null for none, and starts the button timer.
+void setEventCallback(EventCallback callback);
+
+// Calls the application back, if it wants that.
+void fireEvent();
+
+// Polls the button when `enable` is exactly 1, and no longer otherwise. Returns which.
+int enablePressKey(int enable);
+
+// Whether the button of a camera of the 7xxx family was pressed; acknowledges the press. The
+// product id is not used.
+int IsPID7x15PKeyFire(int pid);
+
+// Timer procedures; the arguments are the system's and not used. The button timer polls the current
+// camera; the magnification timer takes a sample unless another operation is using the controller.
+void Timer2Proc(void* window, unsigned message, std::uintptr_t identifier,
+                std::uint32_t time) noexcept;
 void Timer2MAGProc(void* window, unsigned message, std::uintptr_t identifier,
                    std::uint32_t time) noexcept;
 
-// Starts the magnification timer on the calling thread. It is never stopped: another start is a
-// further timer.
+// Starts the magnification timer.
 void startMagnificationTimer();
 
 }  // namespace qvx

@@ -1,5 +1,6 @@
 // The exported functions: each hands its arguments to the operation behind it.
 #include "api/enumeration.h"
+#include "api/events.h"
 #include "api/guard.h"
 #include "api/init.h"
 #include "controls/device_selection.h"
@@ -49,6 +50,18 @@ char* GetDeviceIDA(int deviceIndex) {
     std::string* const path = entryAt(strOrvaDevice, deviceIndex);
     return path == nullptr ? none : path->data();
   });
+}
+
+void SetEventCallback(void (*func)(void)) {
+  guarded([=] { setEventCallback(func); });
+}
+
+void FireEvent(void) {
+  guarded(fireEvent);
+}
+
+int EnablePressKey(int bEnableMT) {
+  return enablePressKey(bEnableMT);
 }
 
 double GetMAG(int deviceIndex) {

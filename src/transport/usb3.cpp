@@ -127,13 +127,18 @@ int usb3DeviceCount() {
 }
 
 void sendUsb3(Usb3Selector selector, std::initializer_list<std::uint8_t> bytes) {
+  sendUsb3(selector, bytes, static_cast<std::uint16_t>(bytes.size()));
+}
+
+void sendUsb3(Usb3Selector selector, std::initializer_list<std::uint8_t> bytes,
+              std::uint16_t announcedLength) {
   std::array<std::uint8_t, 8> buffer{};
   std::copy(bytes.begin(), bytes.end(), buffer.begin());
-  const auto length = static_cast<std::uint16_t>(bytes.size());
   std::uint32_t transferred = 0;
   platform::UsbK_ControlTransfer(
-      handle, {classOut, setCur, static_cast<std::uint16_t>(selector), vendorControls, length},
-      buffer.data(), length, &transferred);
+      handle,
+      {classOut, setCur, static_cast<std::uint16_t>(selector), vendorControls, announcedLength},
+      buffer.data(), static_cast<std::uint32_t>(bytes.size()), &transferred);
 }
 
 std::uint8_t fetchUsb3(Usb3Selector selector) {

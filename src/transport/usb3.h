@@ -29,12 +29,18 @@ int usb3DeviceCount();
 
 // Selectors of the camera's vendor controls, addressed to entity 3 of interface 0.
 enum class Usb3Selector : std::uint16_t {
+  buttonAcknowledge = 0x0200,
+  buttonSample = 0x0201,    // SET_CUR arms it, GET_CUR takes the sample
   busWrite = 0x0300,        // {I2C address, register, value}
   controllerRead = 0x0303,  // SET_CUR {I2C address, register}, then GET_CUR
 };
 
 // SET_CUR of the bytes. Whether the camera took them is not reported: nothing depends on it.
 void sendUsb3(Usb3Selector selector, std::initializer_list<std::uint8_t> bytes);
+
+// The same with a set-up packet that announces another length than the bytes have.
+void sendUsb3(Usb3Selector selector, std::initializer_list<std::uint8_t> bytes,
+              std::uint16_t announcedLength);
 
 // GET_CUR of one byte; 255 when the camera does not answer.
 std::uint8_t fetchUsb3(Usb3Selector selector);

@@ -1,5 +1,6 @@
 #include "tests/support/library.h"
 
+#include "api/events.h"
 #include "controls/magnification.h"
 #include "etlib2/access.h"
 #include "etlib2/etLib2.h"
@@ -21,6 +22,12 @@ void resetDeviceState() {
   }
   n80 = n83 = n84 = nC0 = nC1 = nC2 = nC3 = nC4 = nC5 = 0;
   ul80 = ul84 = ulC3 = ulC5 = 0;
+}
+
+void resetEvents() {
+  OnEvent = nullptr;
+  m_MT = m_count = 0;
+  timer_2_proc::barry = -1;
 }
 
 void resetUsb3() {
@@ -56,6 +63,7 @@ void resetCallLayer() {
 void resetLibrary() {
   resetCallLayer();
   resetDeviceState();
+  resetEvents();
   resetUsb3();
   resetMagnification();
 }

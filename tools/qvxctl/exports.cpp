@@ -25,6 +25,9 @@ const Export exports[] = {
     EXPORTED(GetVideoDeviceName, "deviceIndex"),
     EXPORTED(GetDeviceId, "deviceIndex"),
     EXPORTED(GetDeviceIDA, "deviceIndex"),
+    EXPORTED(SetEventCallback, "func"),
+    EXPORTED(FireEvent),
+    EXPORTED(EnablePressKey, "bEnableMT"),
     EXPORTED(GetMAG, "deviceIndex"),
     EXPORTED(FOVx, "deviceIndex", "fMag"),
 };
