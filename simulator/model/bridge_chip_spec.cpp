@@ -59,6 +59,13 @@ bool duration(std::string_view text, std::uint32_t& value_ms) {
   return true;
 }
 
+// Cuts the first part off a text whose parts are separated by that character.
+std::string_view takePart(std::string_view& text, char separator) {
+  const std::string_view part = text.substr(0, text.find(separator));
+  text.remove_prefix(std::min(part.size() + 1, text.size()));
+  return part;
+}
+
 // "3C7E:0970", or the product id alone.
 bool ids(std::string_view text, BridgeSpec& spec) {
   const std::size_t colon = text.find(':');
@@ -71,19 +78,14 @@ bool ids(std::string_view text, BridgeSpec& spec) {
 
 // "refuse", "refuse:3", "stall:600ms", "stall:600ms:3".
 bool fault(std::string_view text, BridgeSpec& spec) {
-  const auto take = [&text] {
-    const std::string_view part = text.substr(0, text.find(':'));
-    text.remove_prefix(std::min(part.size() + 1, text.size()));
-    return part;
-  };
-  const std::string_view kind = take();
+  const std::string_view kind = takePart(text, ':');
   if (kind == "none") {
     spec.fault = {};
     return text.empty();
   }
   spec.fault.kind = kind == "stall" ? BridgeFault::stall : BridgeFault::refuse;
   if (kind != "stall" && kind != "refuse") return false;
-  if (kind == "stall" && !duration(take(), spec.fault.stall_ms)) return false;
+  if (kind == "stall" && !duration(takePart(text, ':'), spec.fault.stall_ms)) return false;
   return text.empty() || number(text, 10, spec.fault.first);
 }
 
@@ -135,14 +137,26 @@ std::string hexDigits(std::uint16_t value) {
 std::optional<BridgeSpec> bridgeSpecFrom(std::string_view text, std::string& problem) {
   BridgeSpec spec;
   for (bool first = true; first || !text.empty(); first = false) {
-    const std::string_view part = text.substr(0, text.find(','));
-    text.remove_prefix(std::min(part.size() + 1, text.size()));
+    const std::string_view part = takePart(text, ',');
     if (first ? ids(part, spec) : takeOption(part, spec)) continue;
     problem = "not understood: \"" + std::string(part) + "\"";
     return std::nullopt;
   }
   if (spec.name.empty()) spec.name = "Simulated microscope " + hexDigits(spec.productId);
   return spec;
+}
+
+std::string withOptions(std::string_view text, std::string_view options) {
+  std::string result(takePart(text, ','));
+  std::string added(1, ',');
+  added += options;
+  while (!text.empty()) {
+    std::string part(1, ',');
+    part += takePart(text, ',');
+    const bool replaced = added.find(part.substr(0, part.find('=') + 1)) != std::string::npos;
+    if (!replaced) result += part;
+  }
+  return result + added;
 }
 
 const char bridgeSpecHelp[] =

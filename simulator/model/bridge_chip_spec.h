@@ -32,6 +32,9 @@ struct BridgeSpec {
 // Nothing, and what is wrong, when the text is no camera.
 std::optional<BridgeSpec> bridgeSpecFrom(std::string_view text, std::string& problem);
 
+// The text with further options, which replace earlier ones of the same name.
+std::string withOptions(std::string_view text, std::string_view options);
+
 // What the text may hold, for a program's help.
 extern const char bridgeSpecHelp[];
 

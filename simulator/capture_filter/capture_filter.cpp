@@ -1,0 +1,197 @@
+#include "simulator/capture_filter/capture_filter.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace qvx::simulator {
+
+namespace {
+
+class Pins final : public ComObject<IEnumPins> {
+ public:
+  Pins(IPin& pin, bool done) : pin_(pin), done_(done) { pin_.AddRef(); }
+
+  STDMETHODIMP Next(ULONG count, IPin** pins, ULONG* fetched) override {
+    const ULONG given = !done_ && count != 0 ? 1 : 0;
+    if (given != 0) {
+      *pins = &pin_;
+      pin_.AddRef();
+      done_ = true;
+    }
+    if (fetched != nullptr) *fetched = given;
+    return given == count ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Skip(ULONG count) override {
+    const bool enough = count == 0 || (count == 1 && !done_);
+    done_ = done_ || count != 0;
+    return enough ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Reset() override {
+    done_ = false;
+    return S_OK;
+  }
+  STDMETHODIMP Clone(IEnumPins** copy) override {
+    *copy = new Pins(pin_, done_);
+    return S_OK;
+  }
+
+ private:
+  ~Pins() override { pin_.Release(); }
+
+  IPin& pin_;
+  bool done_;
+};
+
+std::wstring instanceIn(IPropertyBag& properties) {
+  VARIANT value;
+  VariantInit(&value);
+  value.vt = VT_BSTR;
+  std::wstring instance;
+  if (SUCCEEDED(properties.Read(instanceValueName, &value, nullptr)) && value.vt == VT_BSTR) {
+    instance = value.bstrVal;
+  }
+  VariantClear(&value);
+  return instance;
+}
+
+}  // namespace
+
+CaptureFilter::CaptureFilter() : pin_(*this) {}
+
+CaptureFilter::~CaptureFilter() {
+  if (clock_ != nullptr) clock_->Release();
+}
+
+bool CaptureFilter::attach(const std::wstring& instance) {
+  camera_ = VirtualCamera::at(instance);
+  if (camera_ == nullptr) return false;
+  IUnknown& whole = *static_cast<IBaseFilter*>(this);
+  procAmp_.emplace(whole, camera_->pictureValues());
+  if (camera_->unit() != BridgeSpec::Unit::plain) topology_.emplace(whole, *camera_);
+  return true;
+}
+
+void* CaptureFilter::find(REFIID iid) {
+  if (iid == __uuidof(IMediaFilter)) return static_cast<IMediaFilter*>(this);
+  if (iid == __uuidof(IPersist)) return static_cast<IBaseFilter*>(this);
+  if (iid == __uuidof(IVirtualCamera) && camera_ == nullptr) return nullptr;
+  void* found = ComObject::find(iid);
+  if (found == nullptr && procAmp_) found = procAmp_->find(iid);
+  if (found == nullptr && topology_) found = topology_->find(iid);
+  return found;
+}
+
+STDMETHODIMP CaptureFilter::GetClassID(CLSID* id) {
+  *id = captureFilterClass;
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::InitNew() {
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::Load(IPropertyBag* properties, IErrorLog*) {
+  return attach(instanceIn(*properties)) ? S_OK : E_FAIL;
+}
+
+STDMETHODIMP CaptureFilter::Save(IPropertyBag*, BOOL, BOOL) {
+  return E_NOTIMPL;
+}
+
+STDMETHODIMP CaptureFilter::Stop() {
+  state_ = State_Stopped;
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::Pause() {
+  state_ = State_Paused;
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::Run(REFERENCE_TIME) {
+  state_ = State_Running;
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::GetState(DWORD, FILTER_STATE* state) {
+  *state = state_;
+  return state_ == State_Paused ? VFW_S_CANT_CUE : S_OK;
+}
+
+STDMETHODIMP CaptureFilter::SetSyncSource(IReferenceClock* clock) {
+  if (clock != nullptr) clock->AddRef();
+  if (clock_ != nullptr) clock_->Release();
+  clock_ = clock;
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::GetSyncSource(IReferenceClock** clock) {
+  *clock = clock_;
+  if (clock_ != nullptr) clock_->AddRef();
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::EnumPins(IEnumPins** pins) {
+  *pins = new Pins(pin_, false);
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::FindPin(LPCWSTR id, IPin** pin) {
+  *pin = nullptr;
+  if (std::wstring_view(id) != CapturePin::name) return VFW_E_NOT_FOUND;
+  *pin = &pin_;
+  pin_.AddRef();
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::QueryFilterInfo(FILTER_INFO* info) {
+  *info = {};
+  const std::size_t room = std::size(info->achName) - 1;
+  std::copy_n(name_.begin(), std::min(name_.size(), room), info->achName);
+  info->pGraph = graph_;
+  if (graph_ != nullptr) graph_->AddRef();
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) {
+  graph_ = graph;
+  name_ = name == nullptr ? L"" : name;
+  return S_OK;
+}
+
+STDMETHODIMP CaptureFilter::QueryVendorInfo(LPWSTR*) {
+  return E_NOTIMPL;
+}
+
+STDMETHODIMP CaptureFilter::HoldButton(BOOL down) {
+  camera_->withDevice([down](BridgeDevice& device) {
+    down ? device.chip.pressButton() : device.chip.releaseButton();
+  });
+  return S_OK;
+}
+
+STDMETHODIMP_(ULONG) CaptureFilter::ControllerRegister(BYTE address) {
+  return camera_->withDevice(
+      [address](BridgeDevice& device) -> ULONG { return device.camera.controller().at(address); });
+}
+
+STDMETHODIMP_(ULONG) CaptureFilter::BridgeRegister(USHORT address) {
+  return camera_->withDevice(
+      [address](BridgeDevice& device) -> ULONG { return device.chip.peek(address); });
+}
+
+STDMETHODIMP_(ULONG) CaptureFilter::ViolationCount() {
+  return camera_->withDevice(
+      [](BridgeDevice& device) { return static_cast<ULONG>(device.camera.violations().count()); });
+}
+
+STDMETHODIMP CaptureFilter::Violation(ULONG index, char* text, ULONG size) {
+  if (text == nullptr || size == 0) return E_INVALIDARG;
+  camera_->withDevice([=](BridgeDevice& device) {
+    const std::string_view line = device.camera.violations()[index];
+    *std::copy_n(line.begin(), std::min<std::size_t>(line.size(), size - 1), text) = '\0';
+  });
+  return S_OK;
+}
+
+}  // namespace qvx::simulator

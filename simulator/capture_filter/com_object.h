@@ -1,0 +1,86 @@
+// The smallest base for COM objects.
+#pragma once
+
+#include <unknwn.h>
+
+#include <atomic>
+
+namespace qvx::simulator {
+
+// The pointer to the interface with this id, among those listed; null when it is none of them.
+template <class First, class... Others, class Object>
+void* interfaceOf(Object* object, REFIID iid) {
+  if (iid == __uuidof(First)) return static_cast<First*>(object);
+  if constexpr (sizeof...(Others) != 0) {
+    return interfaceOf<Others...>(object, iid);
+  } else {
+    return nullptr;
+  }
+}
+
+// Counts references from 1 and frees itself with the last.
+template <class First, class... Others>
+class ComObject : public First, public Others... {
+ public:
+  ComObject() = default;
+  ComObject(const ComObject&) = delete;
+  ComObject& operator=(const ComObject&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = find(iid);
+    if (*object == nullptr) return E_NOINTERFACE;
+    this->AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ protected:
+  virtual ~ComObject() = default;
+
+  virtual void* find(REFIID iid) {
+    if (iid == __uuidof(IUnknown)) return static_cast<First*>(this);
+    return interfaceOf<First, Others...>(this, iid);
+  }
+
+ private:
+  std::atomic<ULONG> references_{1};
+};
+
+// Interfaces of a COM object that live in a member of it: the object answers and counts for them.
+template <class First, class... Others>
+class ComPart : public First, public Others... {
+ public:
+  explicit ComPart(IUnknown& whole) : whole_(whole) {}
+  ComPart(const ComPart&) = delete;
+  ComPart& operator=(const ComPart&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    return whole_.QueryInterface(iid, object);
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return whole_.AddRef(); }
+  STDMETHODIMP_(ULONG) Release() override { return whole_.Release(); }
+
+  void* find(REFIID iid) { return interfaceOf<First, Others...>(this, iid); }
+
+ protected:
+  ~ComPart() = default;
+
+ private:
+  IUnknown& whole_;
+};
+
+// Hands out a new object's interface, or frees the object when it has none of that kind.
+template <class Object>
+HRESULT handOut(Object* object, REFIID iid, void** result) {
+  const HRESULT status = object->QueryInterface(iid, result);
+  object->Release();
+  return status;
+}
+
+}  // namespace qvx::simulator
