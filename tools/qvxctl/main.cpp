@@ -15,7 +15,7 @@ namespace {
 constexpr Command commands[] = {
     {"list", "", "list the cameras", listCameras},
     {"info", "", "choose a camera and tell what is known of it", showInfo},
-    {"watch", "", "print the magnification whenever the zoom ring changes it", watchCamera},
+    {"watch", "", "print each change of the magnification and each press of the touch button", watchCamera},
     {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
 };
 

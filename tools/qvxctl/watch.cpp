@@ -8,6 +8,7 @@
 #include "message_loop.h"
 #include "output.h"
 #include "presentation.h"
+#include "qvx64/api.h"
 
 namespace qvxctl {
 
@@ -80,6 +81,33 @@ class MagnificationReport {
   double shown_ = 0;
 };
 
+// The library calls back without saying anything: presses are counted, and reported by the loop.
+int presses = 0;
+
+void countPress() {
+  ++presses;
+}
+
+class ButtonReport {
+ public:
+  explicit ButtonReport(bool asJson) : asJson_(asJson) {
+    SetEventCallback(countPress);
+    EnablePressKey(1);
+  }
+
+  void check() {
+    for (; reported_ < presses; ++reported_) {
+      printLine(asJson_ ? json::object({{"time", json::text(timestamp())},
+                                        {"event", json::text("button")}})
+                        : localTime() + "  touch button pressed");
+    }
+  }
+
+ private:
+  bool asJson_;
+  int reported_ = presses;
+};
+
 }  // namespace
 
 void watchCamera(const Options& options) {
@@ -89,7 +117,11 @@ void watchCamera(const Options& options) {
   std::optional<std::chrono::duration<double>> limit;
   if (options.seconds) limit = std::chrono::duration<double>(*options.seconds);
   MagnificationReport magnification(device, options.json);
-  loop.run(limit, [&magnification] { magnification.check(); });
+  ButtonReport button(options.json);
+  loop.run(limit, [&magnification, &button] {
+    magnification.check();
+    button.check();
+  });
 }
 
 }  // namespace qvxctl
