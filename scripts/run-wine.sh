@@ -15,20 +15,23 @@ export WINEARCH=win64 WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 unset DISPLAY WAYLAND_DISPLAY
 
-# Windows get a driver that needs no display; a server reads that only when it starts.
+# Windows get a driver that needs no display; a server reads that only when it starts. No debugger
+# comes up by itself: it waits in a dialog that nobody sees, or a crash ends with exit code 0.
 create_prefix() {
   "$wine" wineboot -i &&
-    "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /t REG_SZ /d null /f &&
-    touch "$WINEPREFIX/.ready"
+    "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f &&
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
+      /v Debugger /d none /f &&
+    touch "$WINEPREFIX/.prepared"
   "$server" -k
   "$server" -w
-  [ -f "$WINEPREFIX/.ready" ]
+  [ -f "$WINEPREFIX/.prepared" ]
 }
 
 # Starts Wine's services apart from the program: they would inherit its output, and whoever reads
 # that to its end would wait for them. Where a server is running, another one just fails.
 start_services() {
-  [ -f "$WINEPREFIX/.ready" ] || create_prefix || return
+  [ -f "$WINEPREFIX/.prepared" ] || create_prefix || return
   "$server" -p"$linger_s"
   "$wine" cmd.exe /c exit
 }
