@@ -22,5 +22,6 @@ endif()
 if(MINGW)
   # Everything of the compiler's runtime goes inside: what we build imports system DLLs only.
   add_link_options(-static)
+  add_compile_options($<$<CONFIG:Debug>:-gdwarf-4>) # the newest form that Wine's debugger reads
   add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
 endif()

@@ -16,7 +16,7 @@ add_library(
   platform/windows/workers.cpp)
 target_link_libraries(QVX64 PRIVATE qvx_core wininet ole32 oleaut32 strmiids ksuser uuid hid setupapi
                                     user32)
-target_link_options(QVX64 PRIVATE -s)
+target_link_options(QVX64 PRIVATE $<$<CONFIG:Release>:-s>)
 set_target_properties(
   QVX64
   PROPERTIES PREFIX ""
