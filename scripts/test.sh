@@ -22,8 +22,8 @@ stage_native() { build_and_test native; }
 
 stage_tsan() { build_and_test tsan; }
 
-# Under Wine, with the programs that use the installed package.
-stage_windows() { build_and_test windows; }
+# Under Wine, with the programs that use the installed package, and a camera beside it.
+stage_windows() { build_preset simulator qvx-wifi-camera && build_and_test windows; }
 
 # Never run: it would look for a camera's access point.
 stage_release() {
