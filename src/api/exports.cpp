@@ -1,5 +1,4 @@
 // The exported functions: each hands its arguments to the operation behind it.
-#include "api/enumeration.h"
 #include "api/events.h"
 #include "api/guard.h"
 #include "api/init.h"
@@ -7,6 +6,7 @@
 #include "controls/magnification.h"
 #include "qvx64/api.h"
 #include "state/device_state.h"
+#include "transport/enumeration.h"
 #include "transport/usb3.h"
 
 using namespace qvx;

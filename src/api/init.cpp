@@ -5,7 +5,6 @@
 #include <cstring>
 #include <string>
 
-#include "api/enumeration.h"
 #include "api/events.h"
 #include "controls/magnification.h"
 #include "etlib2/etLib2.h"
@@ -16,6 +15,7 @@
 #include "state/device_state.h"
 #include "state/read_urls.h"
 #include "transport/controller.h"
+#include "transport/enumeration.h"
 #include "transport/usb3.h"
 #include "transport/wifi.h"
 

@@ -5,10 +5,6 @@
 
 namespace qvx {
 
-inline bool isWifiDevice(int deviceIndex) {
-  return deviceIndex == chooseAutomatically || deviceIndex == wifiDeviceIndex;
-}
-
 // Sets `nPid` for the device: from the Wi-Fi camera's list for indexes -1 and 90, else from the
 // device path.
 inline void selectProductId(int deviceIndex) {

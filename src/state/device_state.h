@@ -13,6 +13,11 @@ constexpr int wifiDeviceIndex = 90;
 constexpr int chooseAutomatically = -1;
 constexpr int lastUsbDeviceIndex = 8;
 
+// The Wi-Fi camera, for the operations that take -1 for it, too.
+inline bool isWifiDevice(int deviceIndex) {
+  return deviceIndex == chooseAutomatically || deviceIndex == wifiDeviceIndex;
+}
+
 inline int VideoDeviceIndex =
     0;                          // the current device; written by SetVideoDeviceIndex and Init only
 inline int nPid = 0;            // USB product id of the current camera, 0 = unknown

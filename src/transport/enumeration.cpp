@@ -1,10 +1,9 @@
-#include "api/enumeration.h"
+#include "transport/enumeration.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstring>
 
-#include "controls/device_selection.h"
 #include "models/families.h"
 #include "platform/com.h"
 #include "platform/text.h"
