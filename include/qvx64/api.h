@@ -101,9 +101,10 @@ QVX64_API void FireEvent(void);
  * block. */
 QVX64_API int EnablePressKey(int bEnableMT);
 
-/* Returns the magnification at the last measurement (at least 1.0), 0 before the first one. Two
- * ticks in ten give the mean of ten samples instead of the sample itself. Reads nothing from the
- * camera and does not block.
+/* Returns the magnification at the last measurement, 0 before the first one. A measurement gives at
+ * least 1.0, or NaN when the camera's stored calibration is damaged. Every fifth one gives the mean of
+ * the last ten samples instead; the very first mean, of five samples only, is half as large.
+ * Reads nothing from the camera and does not block.
  * deviceIndex: the device that the next measurements read; -1 means 90. */
 QVX64_API double GetMAG(int deviceIndex);
 

@@ -1,0 +1,32 @@
+// What the suites that drive QVX64.dll itself share.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+#include "qvx64/api.h"
+
+namespace qvx::tests {
+
+// Dispatches the calling thread's messages for so long, as an application's main loop does.
+inline void pumpMessages(DWORD milliseconds) {
+  const ULONGLONG end = GetTickCount64() + milliseconds;
+  for (;;) {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    const ULONGLONG now = GetTickCount64();
+    if (now >= end) return;
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+  }
+}
+
+// A string that the library allocated for the caller. It comes from the library's own heap and is
+// never freed.
+inline std::wstring copyOf(const wchar_t* text) {
+  return text == nullptr ? L"(null)" : text;
+}
+
+}  // namespace qvx::tests
