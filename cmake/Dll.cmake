@@ -1,8 +1,6 @@
-# QVX64.dll, its import libraries and its installed package.
+# QVX64.dll: the portable part over Windows, its import libraries and its installed package.
 add_library(
-  QVX64 SHARED
-  api/QVX64.def
-  api/version.rc
+  qvx_windows_platform OBJECT
   platform/windows/com.cpp
   platform/windows/hid.cpp
   platform/windows/internet.cpp
@@ -14,8 +12,13 @@ add_library(
   platform/windows/topology.cpp
   platform/windows/video_inputs.cpp
   platform/windows/workers.cpp)
-target_link_libraries(QVX64 PRIVATE qvx_core wininet ole32 oleaut32 strmiids ksuser uuid hid setupapi
-                                    user32)
+target_link_libraries(
+  qvx_windows_platform
+  PUBLIC wininet ole32 oleaut32 strmiids ksuser uuid hid setupapi user32
+  PRIVATE qvx_core)
+
+add_library(QVX64 SHARED api/QVX64.def api/version.rc)
+target_link_libraries(QVX64 PRIVATE qvx_core qvx_windows_platform)
 target_link_options(QVX64 PRIVATE $<$<CONFIG:Release>:-s>)
 set_target_properties(
   QVX64

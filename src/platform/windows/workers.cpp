@@ -3,29 +3,28 @@
 #include <process.h>
 #include <windows.h>
 
+#include <memory>
+#include <utility>
+
 #include "platform/windows/module.h"
 
 namespace qvx::platform {
 
 namespace {
 
-// Keeps the library loaded while a worker runs: a late one may outlast the application's interest.
-HMODULE holdModule() {
-  HMODULE held = nullptr;
-  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                     reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&holdModule)), &held);
-  return held;
-}
+// What a worker owns. It keeps the library loaded while it runs: a late worker may outlast the
+// application's interest.
+struct Job {
+  std::function<std::uint32_t()> task;
+  HMODULE module;
+};
 
-using Task = std::function<std::uint32_t()>;
-
-unsigned __stdcall runTask(void* argument) {
-  DWORD result = 0;
-  {
-    const std::unique_ptr<Task> task(static_cast<Task*>(argument));
-    result = (*task)();
-  }
-  FreeLibraryAndExitThread(ownModule(), result);
+unsigned __stdcall run(void* argument) {
+  std::unique_ptr<Job> job(static_cast<Job*>(argument));
+  const HMODULE module = job->module;
+  const DWORD result = job->task();
+  job.reset();
+  FreeLibraryAndExitThread(module, result);
 }
 
 class SystemMutex final : public NamedMutex {
@@ -49,16 +48,15 @@ class SystemMutex final : public NamedMutex {
 
 std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
                                          std::uint32_t limit_ms) {
-  auto owned = std::make_unique<Task>(std::move(task));
-  const HMODULE held = holdModule();
-  if (held == nullptr) return std::nullopt;
+  auto job = std::make_unique<Job>(Job{std::move(task), holdOwnModule()});
+  if (job->module == nullptr) return std::nullopt;
   const auto thread =
-      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, runTask, owned.get(), 0, nullptr));
+      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, job.get(), 0, nullptr));
   if (thread == nullptr) {
-    FreeLibrary(held);
+    FreeLibrary(job->module);
     return std::nullopt;
   }
-  owned.release();  // the worker's now
+  job.release();  // the worker's now
   std::optional<std::uint32_t> result;
   DWORD exitCode = 0;
   if (WaitForSingleObject(thread, limit_ms) == WAIT_OBJECT_0 &&
