@@ -84,6 +84,21 @@ QVX64_API wchar_t* GetDeviceId(int deviceIndex);
  * are listed again. Never null. */
 QVX64_API char* GetDeviceIDA(int deviceIndex);
 
+/* Returns the features of a camera as a word of 8 bits, 0 for no camera:
+ *   0x80  a model with a focus lens
+ *   0x40  reads its magnification
+ *   0x20  light ring with dimmable quadrants
+ *   0x10  set in the camera's feature register
+ *   0x08  lights of variant 3
+ *   0x04  lights of variant 2; some models report both
+ *   0x02  a model of the 7xxx family or newer
+ *   0x01  set in the camera's feature register
+ * The feature register counts for product ids 0x910 to 0x91F and from 0x960 on; where it reads 255,
+ * and for all others, the word follows from the product id alone.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera that Init found. Lists the cameras (see
+ * GetDeviceId) while the index has none. Worst case: 2 camera accesses. */
+QVX64_API qvx_long GetConfig(int deviceIndex);
+
 /* Asks to be called back when the touch button on the camera's body is pressed, and starts polling it
  * every 250 ms on the calling thread, which must dispatch messages. Nothing is polled until
  * EnablePressKey(1).
@@ -112,6 +127,43 @@ QVX64_API double GetMAG(int deviceIndex);
  * for the camera at deviceIndex (0 to 7; 90 and -1 for the Wi-Fi camera). For a camera of no known
  * family, 352000 / fMag. Reads nothing from the camera and does not block. */
 QVX64_API double FOVx(int deviceIndex, double fMag);
+
+/* Brings the focus lens to the zero position that the camera was given at the factory. Cameras
+ * without a focus lens are left alone.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Takes 50 ms on a USB 3 camera with a voice
+ * coil, else only as long as its accesses. Worst case: 6 camera accesses. */
+QVX64_API void SetLensInitPos(int deviceIndex);
+
+/* Moves the focus lens to a position, in units of the lens driver relative to the zero position.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera.
+ * Value: cut to the range of GetLensPosLimits (of product id 0x9BF with a position driver: to -15 to
+ * 44, although -27 to 71 is reported). On product ids 0x9E0 to 0x9EF the way depends on the last
+ * magnification, see GetMAG: measure before moving.
+ * A position is sent to whatever camera the index names, also to one without a focus lens, which
+ * ignores it. Takes 50 ms on a USB 3 camera with a voice coil, else only as long as its accesses.
+ * Worst case: 6 camera accesses. */
+QVX64_API void SetLensPos(int deviceIndex, qvx_long Value);
+
+/* Moves the focus lens in the fine steps of a voice coil, relative to its calibrated offset.
+ * deviceIndex: 0 to 7. 90 and -1, the Wi-Fi camera, are read but not moved.
+ * Value: cut to -1023 to 1023; so is its sum with the offset. A camera whose offset was never
+ * calibrated goes to 0 whatever the value. Lenses without a voice coil are sent to position 0, which
+ * is not the zero position: call it only where GetLensFinePosLimits gives a range. Takes 50 ms on a
+ * camera with a voice coil. Worst case: 7 camera accesses. */
+QVX64_API void SetLensFinePos(int deviceIndex, qvx_long Value);
+
+/* Gives the range of SetLensPos in *UpperLmt and *LowerLmt; either pointer may be null. A camera
+ * without a focus lens gives -15 to 44.
+ * Brings the lens to its zero position: ask before moving, not in between.
+ * deviceIndex: 0 to 7; 90 and any negative index for the Wi-Fi camera. What kind of lens it has is
+ * asked under the index as given: pass 90 for the Wi-Fi camera.
+ * Returns 1; 0, with nothing written, only when memory is exhausted. Worst case: 4 camera
+ * accesses. */
+QVX64_API qvx_long GetLensPosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt);
+
+/* The same for SetLensFinePos. -1 in both when the camera has no fine position. Worst case: 6 camera
+ * accesses. */
+QVX64_API qvx_long GetLensFinePosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt);
 
 #ifdef __cplusplus
 }

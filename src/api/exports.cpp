@@ -3,6 +3,8 @@
 #include "api/guard.h"
 #include "api/init.h"
 #include "controls/device_selection.h"
+#include "controls/feature_word.h"
+#include "controls/lens.h"
 #include "controls/magnification.h"
 #include "qvx64/api.h"
 #include "state/device_state.h"
@@ -10,6 +12,16 @@
 #include "transport/usb3.h"
 
 using namespace qvx;
+
+namespace {
+
+qvx_long store(const LensRange& range, qvx_long* upper, qvx_long* lower) {
+  if (upper != nullptr) *upper = range.upper;
+  if (lower != nullptr) *lower = range.lower;
+  return 1;
+}
+
+}  // namespace
 
 extern "C" {
 
@@ -52,6 +64,10 @@ char* GetDeviceIDA(int deviceIndex) {
   });
 }
 
+qvx_long GetConfig(int deviceIndex) {
+  return guarded<qvx_long>(0, [=] { return featureWord(deviceIndex); });
+}
+
 void SetEventCallback(void (*func)(void)) {
   guarded([=] { setEventCallback(func); });
 }
@@ -71,6 +87,27 @@ double GetMAG(int deviceIndex) {
 
 double FOVx(int deviceIndex, double fMag) {
   return guarded(0.0, [=] { return fieldOfView(deviceIndex, fMag); });
+}
+
+void SetLensInitPos(int deviceIndex) {
+  guarded([=] { resetLens(deviceIndex); });
+}
+
+void SetLensPos(int deviceIndex, qvx_long Value) {
+  guarded([=] { moveLens(deviceIndex, Value); });
+}
+
+void SetLensFinePos(int deviceIndex, qvx_long Value) {
+  guarded([=] { moveLensFine(deviceIndex, Value); });
+}
+
+qvx_long GetLensPosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt) {
+  return guarded<qvx_long>(0, [=] { return store(lensLimits(deviceIndex), UpperLmt, LowerLmt); });
+}
+
+qvx_long GetLensFinePosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt) {
+  return guarded<qvx_long>(0,
+                           [=] { return store(fineLensLimits(deviceIndex), UpperLmt, LowerLmt); });
 }
 
 }  // extern "C"

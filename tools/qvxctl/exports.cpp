@@ -25,11 +25,17 @@ const Export exports[] = {
     EXPORTED(GetVideoDeviceName, "deviceIndex"),
     EXPORTED(GetDeviceId, "deviceIndex"),
     EXPORTED(GetDeviceIDA, "deviceIndex"),
+    EXPORTED(GetConfig, "deviceIndex"),
     EXPORTED(SetEventCallback, "func"),
     EXPORTED(FireEvent),
     EXPORTED(EnablePressKey, "bEnableMT"),
     EXPORTED(GetMAG, "deviceIndex"),
     EXPORTED(FOVx, "deviceIndex", "fMag"),
+    EXPORTED(SetLensInitPos, "deviceIndex"),
+    EXPORTED(SetLensPos, "deviceIndex", "Value"),
+    EXPORTED(SetLensFinePos, "deviceIndex", "Value"),
+    EXPORTED(GetLensPosLimits, "deviceIndex", "UpperLmt", "LowerLmt"),
+    EXPORTED(GetLensFinePosLimits, "deviceIndex", "UpperLmt", "LowerLmt"),
 };
 
 #undef EXPORTED
