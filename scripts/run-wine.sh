@@ -3,9 +3,10 @@
 # CMake puts it before every cross-built test (CMAKE_CROSSCOMPILING_EMULATOR).
 # WINEPREFIX and WINEDEBUG may be set; without WINEPREFIX, all builds of this tree share one prefix.
 
-# wine64 itself: the wrapper in the PATH complains about the missing 32-bit half at every start.
+# The programs themselves: the wrappers in the PATH complain about the missing 32-bit half at every
+# start, and are in a package of their own.
 wine=/usr/lib/wine/wine64
-server=/usr/lib/wine/wineserver64
+export WINESERVER=/usr/lib/wine/wineserver64
 linger_s=20 # how long the server waits for the next program
 
 root=$(cd "$(dirname "$0")/.." && pwd) || exit 1
@@ -23,8 +24,8 @@ create_prefix() {
     "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
       /v Debugger /d none /f &&
     touch "$WINEPREFIX/.prepared"
-  "$server" -k
-  "$server" -w
+  "$WINESERVER" -k
+  "$WINESERVER" -w
   [ -f "$WINEPREFIX/.prepared" ]
 }
 
@@ -32,7 +33,7 @@ create_prefix() {
 # that to its end would wait for them. Where a server is running, another one just fails.
 start_services() {
   [ -f "$WINEPREFIX/.prepared" ] || create_prefix || return
-  "$server" -p"$linger_s"
+  "$WINESERVER" -p"$linger_s"
   "$wine" cmd.exe /c exit
 }
 
