@@ -123,7 +123,7 @@ void measureCallLayer() {
 
 void measureComputations() {
   constexpr int calls = 1000;
-  static volatile int sink = 0;
+  [[maybe_unused]] static volatile int sink = 0;
   printRow("predicate over a range (isVK7xxxSeries)", median_us(200, [] {
                                                         for (int i = 0; i < calls; ++i)
                                                           sink = isVK7xxxSeries(0x900 + (i & 0xFF));

@@ -1,8 +1,9 @@
 // The DLL and a USB 3 camera through libusbK.dll, here the stand-in beside this program.
-#include "tests/windows/support.h"
-
 #include <cstdio>
 #include <fstream>
+
+#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/support.h"
 
 namespace qvx::tests {
 namespace {
@@ -16,7 +17,7 @@ class Usb3Camera : public testing::Test {
     _putenv((std::string("QVX_VIRTUAL_USB3_LOG=") + log).c_str());
   }
 
-  std::string transfers() {
+  static std::string transfers() {
     std::ifstream file(log);
     return {std::istreambuf_iterator<char>(file), {}};
   }
@@ -24,13 +25,18 @@ class Usb3Camera : public testing::Test {
   static constexpr char log[] = "usb3_transfers.log";
 };
 
-// It has no video input here: its product id is known by the search in libusbK's list only.
-TEST_F(Usb3Camera, IsFoundOpenedAndDescribed) {
+TEST_F(Usb3Camera, IsFoundOpenedAndMeasured) {
+  const VirtualCameras cameras({"09b0,unit=plain"});
   SetVideoDeviceIndex(-1);
-  Init();
+  ASSERT_EQ(Init(), 1);
   EXPECT_EQ(GetVideoDeviceCount(), 1);
   EXPECT_EQ(GetVideoDeviceIndex(), 0);
-  EXPECT_NE(transfers().find("80 06 0100 0000 18: 12 01 00 03"), std::string::npos) << transfers();
+  EXPECT_GE(GetMAG(0), 1.0);
+  const std::string seen = transfers();
+  EXPECT_NE(seen.find("80 06 0100 0000 18: 12 01 00 03"), std::string::npos) << seen;
+  EXPECT_NE(seen.find("21 01 0303 0300 2: 62 80\nA1 81 0303 0300 1: "), std::string::npos) << seen;
+  SetVideoDeviceIndex(0);
+  EXPECT_EQ(Init(), 1) << "by index, now that its product id is known";
 }
 
 }  // namespace
