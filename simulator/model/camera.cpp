@@ -8,12 +8,14 @@ Camera::Camera(std::uint16_t productId)
     : productId_(productId),
       calibration_(calibrationFor(productFor(productId).magnification)),
       controller_(productId, violations_),
-      gpio_(productId, violations_) {
+      gpio_(productId, violations_),
+      lens_(productId, controller_, violations_) {
   turnRing();
 }
 
 I2cDevice* Camera::deviceAt(std::uint8_t address) {
-  return address == controllerAddress ? &controller_ : nullptr;
+  if (address == controllerAddress) return &controller_;
+  return lens_.driverAt(address);
 }
 
 void Camera::advanceTo(std::uint64_t now_ms) {

@@ -6,6 +6,7 @@
 
 #include "simulator/model/controller.h"
 #include "simulator/model/gpio.h"
+#include "simulator/model/lens.h"
 #include "simulator/model/violations.h"
 #include "simulator/model/zoom_ring.h"
 
@@ -35,6 +36,7 @@ class Camera {
 
   Controller& controller() { return controller_; }
   Gpio& gpio() { return gpio_; }
+  FocusLens& lens() { return lens_; }
   Violations& violations() { return violations_; }
 
  private:
@@ -48,6 +50,7 @@ class Camera {
   Violations violations_;
   Controller controller_;
   Gpio gpio_;
+  FocusLens lens_;
 };
 
 }  // namespace qvx::simulator

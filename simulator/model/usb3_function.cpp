@@ -8,7 +8,12 @@ namespace {
 
 enum RequestType : std::uint8_t { toInterface = 0x21, fromDevice = 0x80, fromInterface = 0xA1 };
 enum Request : std::uint8_t { setCurrent = 0x01, getDescriptor = 0x06, getCurrent = 0x81 };
-enum Selector : std::uint16_t { writeOnBusControl = 0x0300, controllerReadControl = 0x0303 };
+enum Selector : std::uint16_t {
+  writeOnBusControl = 0x0300,
+  lensDriverControl = 0x0302,
+  controllerReadControl = 0x0303,
+  lensPositionControl = 0x0304,
+};
 
 constexpr std::uint16_t vendorEntity = 0x0300;
 constexpr std::uint16_t deviceDescriptor = 0x0100;
@@ -40,6 +45,8 @@ std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup,
 
 bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> data) {
   if (selector == writeOnBusControl) return writeOnBus(data);
+  if (selector == lensDriverControl) return writeToLens(data);
+  if (selector == lensPositionControl) return moveLens(data);
   if (selector != controllerReadControl || data.size() != 2 || data[0] != controllerAddress) {
     return false;
   }
@@ -59,6 +66,22 @@ bool Usb3Function::writeOnBus(std::span<const std::uint8_t> data) {
   if (data.size() != 3) return false;
   I2cDevice* const device = camera_.deviceAt(data[0]);
   return device != nullptr && device->write(data.subspan(1, 1), data.subspan(2, 1));
+}
+
+// {address, two bytes}, for what moves a voice coil.
+bool Usb3Function::writeToLens(std::span<const std::uint8_t> data) {
+  const bool isAddressed =
+      data.size() == 3 &&
+      (data[0] == voiceCoilAddress ||
+       (data[0] == controllerAddress && data[1] == controller_register::lensDirection));
+  return isAddressed && writeOnBus(data);
+}
+
+// {address, position}
+bool Usb3Function::moveLens(std::span<const std::uint8_t> data) {
+  if (data.size() != 2 || data[0] != lensControllerAddress) return false;
+  I2cDevice* const device = camera_.deviceAt(data[0]);
+  return device != nullptr && device->write({}, data.last(1));
 }
 
 std::optional<std::size_t> Usb3Function::describe(std::span<std::uint8_t> buffer) const {

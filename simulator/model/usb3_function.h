@@ -30,6 +30,8 @@ class Usb3Function {
   bool get(std::uint16_t selector, std::span<std::uint8_t> data);
   std::optional<std::size_t> describe(std::span<std::uint8_t> buffer) const;
   bool writeOnBus(std::span<const std::uint8_t> data);
+  bool writeToLens(std::span<const std::uint8_t> data);
+  bool moveLens(std::span<const std::uint8_t> data);
 
   Camera& camera_;
   std::optional<std::uint8_t> controllerRegister_;  // asked for, and not yet fetched

@@ -1,0 +1,65 @@
+// The focus lens and what drives it: a lens controller that takes an 8-bit position, and on some
+// cameras a voice coil that takes a 10-bit value, its direction being in the microcontroller.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "simulator/model/controller.h"
+#include "simulator/model/i2c_device.h"
+#include "simulator/model/violations.h"
+
+namespace qvx::simulator {
+
+enum : std::uint8_t { voiceCoilAddress = 0x18, lensControllerAddress = 0x46 };  // 8-bit write form
+
+class FocusLens {
+ public:
+  FocusLens(std::uint16_t productId, const Controller& controller, Violations& violations);
+  FocusLens(const FocusLens&) = delete;
+  FocusLens& operator=(const FocusLens&) = delete;
+
+  // The driver at an address of the I2C bus, null for one that the camera does not have.
+  I2cDevice* driverAt(std::uint8_t address);
+
+  // How far the lens stands from its zero position, in units of the lens controller; 0 without a
+  // lens.
+  double offset() const { return offset_; }
+
+  // What the drivers were told last: the position, and the coil's value, negative for backward.
+  std::uint8_t position() const { return position_; }
+  int coilSteps() const { return coilSteps_; }
+
+ private:
+  // A driver takes bytes and gives none.
+  class Driver final : public I2cDevice {
+   public:
+    using Take = bool (FocusLens::*)(std::span<const std::uint8_t>, std::span<const std::uint8_t>);
+
+    Driver(FocusLens& lens, Take take) : lens_(lens), take_(take) {}
+    bool write(std::span<const std::uint8_t> subAddress,
+               std::span<const std::uint8_t> data) override {
+      return (lens_.*take_)(subAddress, data);
+    }
+    bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) override;
+
+   private:
+    FocusLens& lens_;
+    Take take_;
+  };
+
+  bool takePosition(std::span<const std::uint8_t> reg, std::span<const std::uint8_t> data);
+  bool takeCoilWord(std::span<const std::uint8_t> first, std::span<const std::uint8_t> second);
+  bool refuse(std::string_view what, std::uint32_t number);
+
+  const Controller& controller_;
+  Violations& violations_;
+  bool hasLens_, hasCoil_;
+  std::uint8_t zero_ = 0, position_ = 0;
+  int coilSteps_ = 0;
+  double offset_ = 0;
+  Driver lensController_, voiceCoil_;
+};
+
+}  // namespace qvx::simulator
