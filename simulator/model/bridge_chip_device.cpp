@@ -10,9 +10,9 @@ namespace {
 constexpr struct {
   std::uint8_t slave, subAddressLength;
 } cameraBus[] = {
-    {0x62, 1},                        // controller
-    {0x78, 2}, {0x48, 2}, {0x42, 1},  // sensors
-    {0x34, 2}, {0x46, 0}, {0x18, 1},  // lens drivers
+    {0x62, 1},                                   // controller
+    {0x78, 2}, {0x48, 2}, {0x42, 1}, {0x34, 2},  // sensors
+    {0x46, 0}, {0x18, 1},                        // lens drivers
 };
 
 // Long enough that a client polling four times a second cannot miss it.

@@ -9,13 +9,15 @@ Camera::Camera(std::uint16_t productId)
       calibration_(calibrationFor(productFor(productId).magnification)),
       controller_(productId, violations_),
       gpio_(productId, violations_),
-      lens_(productId, controller_, violations_) {
+      lens_(productId, controller_, violations_),
+      sensor_(productId, violations_) {
   turnRing();
 }
 
 I2cDevice* Camera::deviceAt(std::uint8_t address) {
   if (address == controllerAddress) return &controller_;
-  return lens_.driverAt(address);
+  if (I2cDevice* const driver = lens_.driverAt(address)) return driver;
+  return sensor_.answersAt(address) ? &sensor_ : nullptr;
 }
 
 void Camera::advanceTo(std::uint64_t now_ms) {

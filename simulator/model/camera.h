@@ -7,6 +7,7 @@
 #include "simulator/model/controller.h"
 #include "simulator/model/gpio.h"
 #include "simulator/model/lens.h"
+#include "simulator/model/sensor.h"
 #include "simulator/model/violations.h"
 #include "simulator/model/zoom_ring.h"
 
@@ -37,6 +38,7 @@ class Camera {
   Controller& controller() { return controller_; }
   Gpio& gpio() { return gpio_; }
   FocusLens& lens() { return lens_; }
+  Sensor& sensor() { return sensor_; }
   Violations& violations() { return violations_; }
 
  private:
@@ -51,6 +53,7 @@ class Camera {
   Controller controller_;
   Gpio gpio_;
   FocusLens lens_;
+  Sensor sensor_;
 };
 
 }  // namespace qvx::simulator

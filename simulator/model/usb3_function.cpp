@@ -10,6 +10,7 @@ enum RequestType : std::uint8_t { toInterface = 0x21, fromDevice = 0x80, fromInt
 enum Request : std::uint8_t { setCurrent = 0x01, getDescriptor = 0x06, getCurrent = 0x81 };
 enum Selector : std::uint16_t {
   writeOnBusControl = 0x0300,
+  sensorReadControl = 0x0301,
   lensDriverControl = 0x0302,
   controllerReadControl = 0x0303,
   lensPositionControl = 0x0304,
@@ -45,6 +46,7 @@ std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup,
 
 bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> data) {
   if (selector == writeOnBusControl) return writeOnBus(data);
+  if (selector == sensorReadControl) return chooseSensorRegister(data);
   if (selector == lensDriverControl) return writeToLens(data);
   if (selector == lensPositionControl) return moveLens(data);
   if (selector != controllerReadControl || data.size() != 2 || data[0] != controllerAddress) {
@@ -55,17 +57,32 @@ bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> dat
 }
 
 bool Usb3Function::get(std::uint16_t selector, std::span<std::uint8_t> data) {
+  if (selector == sensorReadControl) return readSensor(data);
   if (selector != controllerReadControl || data.size() != 1 || !controllerRegister_) return false;
   const std::uint8_t reg = *controllerRegister_;
   controllerRegister_.reset();
   return camera_.controller().read({&reg, 1}, data);
 }
 
-// {address, register, value}
+// {address, register, value}; a sensor's register has two bytes.
 bool Usb3Function::writeOnBus(std::span<const std::uint8_t> data) {
-  if (data.size() != 3) return false;
+  if (data.size() != 3 && data.size() != 4) return false;
   I2cDevice* const device = camera_.deviceAt(data[0]);
-  return device != nullptr && device->write(data.subspan(1, 1), data.subspan(2, 1));
+  return device != nullptr && device->write(data.subspan(1, data.size() - 2), data.last(1));
+}
+
+// {address, register high, register low}
+bool Usb3Function::chooseSensorRegister(std::span<const std::uint8_t> data) {
+  if (data.size() != 3 || !camera_.sensor().answersAt(data[0])) return false;
+  sensorRegister_ = {data[1], data[2]};
+  return true;
+}
+
+bool Usb3Function::readSensor(std::span<std::uint8_t> data) {
+  if (data.size() != 1 || !sensorRegister_) return false;
+  const std::array<std::uint8_t, 2> reg = *sensorRegister_;
+  sensorRegister_.reset();
+  return camera_.sensor().read(reg, data);
 }
 
 // {address, two bytes}, for what moves a voice coil.

@@ -32,9 +32,13 @@ class Usb3Function {
   bool writeOnBus(std::span<const std::uint8_t> data);
   bool writeToLens(std::span<const std::uint8_t> data);
   bool moveLens(std::span<const std::uint8_t> data);
+  bool chooseSensorRegister(std::span<const std::uint8_t> data);
+  bool readSensor(std::span<std::uint8_t> data);
 
   Camera& camera_;
-  std::optional<std::uint8_t> controllerRegister_;  // asked for, and not yet fetched
+  // Asked for, and not yet fetched.
+  std::optional<std::uint8_t> controllerRegister_;
+  std::optional<std::array<std::uint8_t, 2>> sensorRegister_;
 };
 
 }  // namespace qvx::simulator

@@ -4,7 +4,6 @@
 
 #include "etlib2/etLib2.h"
 #include "models/families.h"
-#include "platform/timers.h"
 #include "state/device_state.h"
 #include "transport/usb3.h"
 #include "transport/wifi.h"
@@ -14,7 +13,6 @@ namespace qvx {
 namespace {
 
 constexpr int usb3ControllerPid = 0x9B0;
-constexpr std::uint32_t pauseAfterRead_ms = 5;
 
 std::uint32_t readOverUsb3(std::uint32_t reg) {
   sendUsb3(Usb3Selector::controllerRead, {controllerAddress, static_cast<std::uint8_t>(reg)});
@@ -53,10 +51,8 @@ std::uint32_t ReadFromPIC(int deviceNumber, std::uint32_t reg) {
 
 std::uint32_t ReadPIC(std::uint32_t reg) {
   const std::string url = CMD_I2C_R(wifiBaseUrl(), controllerAddress, static_cast<int>(reg), 1, 1);
-  const std::optional<std::string> answer = fetchOnce(url, 0);
-  if (!answer) return 0;
-  platform::pause(pauseAfterRead_ms);
-  return static_cast<std::uint32_t>(resultIn(*answer));
+  const std::optional<std::string> answer = fetchRegister(url);
+  return answer ? static_cast<std::uint32_t>(resultIn(*answer)) : 0;
 }
 
 int WriteToSEG(int deviceNumber, std::uint32_t reg, std::uint32_t value) {

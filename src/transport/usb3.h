@@ -31,7 +31,8 @@ int usb3DeviceCount();
 enum class Usb3Selector : std::uint16_t {
   buttonAcknowledge = 0x0200,
   buttonSample = 0x0201,    // SET_CUR arms it, GET_CUR takes the sample
-  busWrite = 0x0300,        // {I2C address, register, value}
+  busWrite = 0x0300,        // {I2C address, register (a sensor's has two bytes), value}
+  sensorRead = 0x0301,      // SET_CUR {I2C address, register high, low}, then GET_CUR
   lensDriver = 0x0302,      // {I2C address, two bytes}: direction switch and voice coil
   controllerRead = 0x0303,  // SET_CUR {I2C address, register}, then GET_CUR
   lensPosition = 0x0304,    // {I2C address, position}

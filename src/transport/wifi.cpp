@@ -20,6 +20,7 @@ constexpr char gpioTemplate[] = "?action=commandcontrol&dest=0plugin=0&id=%d&gro
 constexpr int i2cWriteFlag = 0x1000;
 constexpr int gpioWriteFlag = 0x400;
 constexpr std::uint32_t pauseBeforeCommand_ms = 10;
+constexpr std::uint32_t pauseAfterRegister_ms = 5;
 
 // The camera's firmware takes addresses and masks as signed bytes: one of 0x80 or more sets every
 // upper bit of the id.
@@ -118,6 +119,18 @@ std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pause
   }
   answer.resize(std::min(received, answerCapacity));
   return answer;
+}
+
+std::optional<std::string> fetchRegister(const std::string& url) {
+  std::optional<std::string> answer = fetchOnce(url, 0);
+  if (answer) platform::pause(pauseAfterRegister_ms);
+  return answer;
+}
+
+void sendUnread(const std::string& url) {
+  const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
+  platform::openUrl(session, widen(url));
+  platform::closeInternetHandle(session);
 }
 
 int resultIn(const std::string& answer) {

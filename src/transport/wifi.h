@@ -50,6 +50,12 @@ std::wstring widen(const std::string& text);
 // request and its session stay open: the channel leaves both to the process.
 std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms);
 
+// The same for a command that reads a register: followed, after a success, by a pause of 5 ms.
+std::optional<std::string> fetchRegister(const std::string& url);
+
+// Sends a command and leaves its answer unread: the session is closed, the request stays open.
+void sendUnread(const std::string& url);
+
 // The integer after "res:" in an answer.
 int resultIn(const std::string& answer);
 
