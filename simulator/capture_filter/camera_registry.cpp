@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "simulator/capture_filter/class_key.h"
+#include "simulator/capture_filter/child_program.h"
+#include "simulator/capture_filter/registry_key.h"
 #include "simulator/capture_filter/text.h"
 #include "simulator/model/bridge_chip_spec.h"
 
@@ -13,8 +14,11 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr wchar_t videoInputs[] = L"{860BB310-5D01-11D0-BD3B-00A0C911CE86}\\Instance";
-constexpr wchar_t deviceEnumerator[] = L"{62BE5D10-60EB-11D0-BD3B-00A0C911CE86}\\InprocServer32";
+constexpr wchar_t classes[] = L"Software\\Classes\\CLSID\\";
+constexpr wchar_t videoInputs[] =
+    L"Software\\Classes\\CLSID\\{860BB310-5D01-11D0-BD3B-00A0C911CE86}\\Instance";
+constexpr wchar_t deviceEnumerator[] =
+    L"Software\\Classes\\CLSID\\{62BE5D10-60EB-11D0-BD3B-00A0C911CE86}\\InprocServer32";
 
 constexpr wchar_t classValue[] = L"CLSID";
 constexpr wchar_t nameValue[] = L"FriendlyName";
@@ -23,7 +27,7 @@ constexpr wchar_t orderValue[] = L"VirtualOrder";
 constexpr wchar_t registrationValue[] = L"VirtualRegistration";
 constexpr wchar_t replacedValue[] = L"VirtualReplaced";  // the enumerator's own DLL
 
-std::wstring classText() {
+std::wstring filterClassText() {
   wchar_t text[40];
   StringFromGUID2(captureFilterClass, text, 40);
   return text;
@@ -50,18 +54,18 @@ std::uint64_t now() {
 }
 
 bool registerClass(const std::wstring& filterDll) {
-  ClassKey server = ClassKey::create(classText() + L"\\InprocServer32");
+  RegistryKey server = RegistryKey::create(classes + filterClassText() + L"\\InprocServer32");
   return server.setText(L"", filterDll) && server.setText(L"ThreadingModel", L"Both");
 }
 
 bool replaceEnumerator(const std::wstring& filterDll) {
-  ClassKey server = ClassKey::open(deviceEnumerator, KEY_ALL_ACCESS);
+  RegistryKey server = RegistryKey::open(deviceEnumerator, KEY_ALL_ACCESS);
   const std::optional<std::wstring> own = server.text(L"");
   return own && server.setText(replacedValue, *own) && server.setText(L"", filterDll);
 }
 
 void restoreEnumerator() {
-  ClassKey server = ClassKey::open(deviceEnumerator, KEY_ALL_ACCESS);
+  RegistryKey server = RegistryKey::open(deviceEnumerator, KEY_ALL_ACCESS);
   const std::optional<std::wstring> own = server.text(replacedValue);
   if (!own || !server.setText(L"", *own)) return;
   server.forget(replacedValue);
@@ -71,8 +75,8 @@ bool registerCamera(const std::string& text, std::size_t index, std::string& pro
   const auto spec = bridgeSpecFrom(text, problem);
   if (!spec) return false;
   const std::wstring instance = instanceOf(*spec, index);
-  ClassKey key = ClassKey::create(keyOf(instance));
-  if (key.setText(classValue, classText()) && key.setText(nameValue, wide(spec->name)) &&
+  RegistryKey key = RegistryKey::create(keyOf(instance));
+  if (key.setText(classValue, filterClassText()) && key.setText(nameValue, wide(spec->name)) &&
       key.setText(instanceValueName, instance) && key.setText(textValue, wide(text)) &&
       key.setNumber(orderValue, index) && key.setNumber(registrationValue, now())) {
     return true;
@@ -99,23 +103,20 @@ bool registerCameras(std::span<const std::string> texts, Naming naming,
 void unregisterCameras() {
   restoreEnumerator();
   for (const RegisteredCamera& camera : registeredCameras())
-    ClassKey::remove(keyOf(camera.instance));
-  ClassKey::remove(classText());
+    RegistryKey::remove(keyOf(camera.instance));
+  RegistryKey::remove(classes + filterClassText());
 }
 
 std::wstring filterBesideProgram() {
-  constexpr DWORD longestPath = 4096;
-  std::wstring path(longestPath, L'\0');
-  path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
-  return path.substr(0, path.rfind(L'\\') + 1) + L"qvx-capture-filter.dll";
+  return programFolder() + L"qvx-capture-filter.dll";
 }
 
 std::vector<RegisteredCamera> registeredCameras() {
   std::vector<std::pair<std::uint64_t, RegisteredCamera>> ordered;
-  for (const std::wstring& name : ClassKey::open(videoInputs).children()) {
+  for (const std::wstring& name : RegistryKey::open(videoInputs).children()) {
     auto camera = registeredCamera(name);
     if (camera)
-      ordered.emplace_back(ClassKey::open(keyOf(name)).number(orderValue), std::move(*camera));
+      ordered.emplace_back(RegistryKey::open(keyOf(name)).number(orderValue), std::move(*camera));
   }
   std::sort(ordered.begin(), ordered.end(),
             [](const auto& one, const auto& other) { return one.first < other.first; });
@@ -125,7 +126,7 @@ std::vector<RegisteredCamera> registeredCameras() {
 }
 
 std::optional<RegisteredCamera> registeredCamera(const std::wstring& instance) {
-  const ClassKey key = ClassKey::open(keyOf(instance));
+  const RegistryKey key = RegistryKey::open(keyOf(instance));
   const std::optional<std::wstring> text = key.text(textValue);
   if (!text) return std::nullopt;
   return RegisteredCamera{instance, narrow(*text), key.number(registrationValue)};
@@ -134,7 +135,7 @@ std::optional<RegisteredCamera> registeredCamera(const std::wstring& instance) {
 bool changeCamera(const RegisteredCamera& camera, std::string_view options, std::string& problem) {
   const std::string text = withOptions(camera.text, options);
   if (!bridgeSpecFrom(text, problem)) return false;
-  if (ClassKey::open(keyOf(camera.instance), KEY_ALL_ACCESS).setText(textValue, wide(text)))
+  if (RegistryKey::open(keyOf(camera.instance), KEY_ALL_ACCESS).setText(textValue, wide(text)))
     return true;
   problem = "the registry cannot be written";
   return false;

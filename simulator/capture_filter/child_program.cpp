@@ -41,4 +41,11 @@ std::optional<int> runProgram(std::span<const std::wstring> arguments) {
   return static_cast<int>(code);
 }
 
+std::wstring programFolder() {
+  constexpr DWORD longestPath = 4096;
+  std::wstring path(longestPath, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
+  return path.substr(0, path.rfind(L'\\') + 1);
+}
+
 }  // namespace qvx::simulator

@@ -11,4 +11,7 @@ namespace qvx::simulator {
 // goes on, to tidy up.
 std::optional<int> runProgram(std::span<const std::wstring> arguments);
 
+// The folder of the running program, with a backslash at its end.
+std::wstring programFolder();
+
 }  // namespace qvx::simulator

@@ -9,6 +9,14 @@
 
 namespace qvx::simulator {
 
+// What a HID interface offers: a bridge's, or one that only looks a little like it.
+enum class HidReports : std::uint8_t {
+  bridge,
+  extra,         // one feature report more than a bridge has
+  withoutBlock,  // none for data blocks
+  none,          // no feature report at all
+};
+
 // What goes wrong with the transfers to a camera, counted from the moment it is set.
 struct BridgeFault {
   enum Kind : std::uint8_t { none, refuse, stall };

@@ -20,6 +20,13 @@ constexpr Word<Unit> units[] = {
     {"none", Unit::none},     {"plain", Unit::plain},
 };
 
+constexpr Word<HidReports> reportKinds[] = {
+    {"bridge", HidReports::bridge},
+    {"extra", HidReports::extra},
+    {"without-block", HidReports::withoutBlock},
+    {"none", HidReports::none},
+};
+
 constexpr Word<std::uint8_t> chips[] = {
     {"0", BridgeFamily::generation0},
     {"2", BridgeFamily::generation2},
@@ -89,31 +96,44 @@ bool fault(std::string_view text, BridgeSpec& spec) {
   return text.empty() || number(text, 10, spec.fault.first);
 }
 
+bool name(std::string_view text, BridgeSpec& spec) {
+  spec.name = text;
+  return !text.empty();
+}
+
+bool chip(std::string_view text, BridgeSpec& spec) {
+  return choose(text, chips, spec.setup.family);
+}
+
+bool firmware(std::string_view text, BridgeSpec& spec) {
+  return choose(text, firmwares, spec.setup.firmware);
+}
+
+bool unit(std::string_view text, BridgeSpec& spec) {
+  return choose(text, units, spec.unit);
+}
+
+bool reports(std::string_view text, BridgeSpec& spec) {
+  return choose(text, reportKinds, spec.reports);
+}
+
+bool zoom(std::string_view text, BridgeSpec& spec) {
+  spec.zoom = zoomMotionFrom(text);
+  return spec.zoom.has_value();
+}
+
+bool button(std::string_view text, BridgeSpec& spec) {
+  return duration(text, spec.buttonPeriod_ms);
+}
+
 struct Option {
   std::string_view name;
   bool (*take)(std::string_view text, BridgeSpec& spec);
 };
 
 constexpr Option options[] = {
-    {"name",
-     [](std::string_view text, BridgeSpec& spec) {
-       spec.name = text;
-       return !text.empty();
-     }},
-    {"unit",
-     [](std::string_view text, BridgeSpec& spec) { return choose(text, units, spec.unit); }},
-    {"chip", [](std::string_view text,
-                BridgeSpec& spec) { return choose(text, chips, spec.setup.family); }},
-    {"firmware", [](std::string_view text,
-                    BridgeSpec& spec) { return choose(text, firmwares, spec.setup.firmware); }},
-    {"zoom",
-     [](std::string_view text, BridgeSpec& spec) {
-       spec.zoom = zoomMotionFrom(text);
-       return spec.zoom.has_value();
-     }},
-    {"button",
-     [](std::string_view text, BridgeSpec& spec) { return duration(text, spec.buttonPeriod_ms); }},
-    {"fault", fault},
+    {"name", name},       {"chip", chip}, {"firmware", firmware}, {"unit", unit},
+    {"reports", reports}, {"zoom", zoom}, {"button", button},     {"fault", fault},
 };
 
 bool takeOption(std::string_view text, BridgeSpec& spec) {
@@ -165,6 +185,7 @@ const char bridgeSpecHelp[] =
     "  chip=0         bridge chip: generation 0, 2, or 2-hid (2 on its HID interface only)\n"
     "  firmware=F     one-shot, wide or narrow: newest to oldest\n"
     "  unit=U         bridge, variant1, foreign, none, or plain: the extension unit it has\n"
+    "  reports=R      bridge, extra, without-block or none: the feature reports it has\n"
     "  zoom=Z         63 stands at x63; 1:20/10s sweeps from x1 to x20 in 10 s and back\n"
     "  button=2s      presses its touch button every 2 s\n"
     "  fault=FAULT    refuse[:N] or stall:600ms[:N]: from the N-th transfer on\n";

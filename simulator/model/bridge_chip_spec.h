@@ -23,6 +23,7 @@ struct BridgeSpec {
   std::uint16_t vendorId = 0x3C7E, productId = 0;
   std::string name;
   Unit unit = Unit::bridge;
+  HidReports reports = HidReports::bridge;
   BridgeSetup setup;
   std::optional<ZoomMotion> zoom;
   std::uint32_t buttonPeriod_ms = 0;

@@ -1,4 +1,4 @@
-// Registry keys beneath the system's COM classes.
+// Keys of the registry's machine-wide part.
 #pragma once
 
 #include <windows.h>
@@ -12,16 +12,15 @@
 namespace qvx::simulator {
 
 // Reads nothing and writes nothing when it could not be opened.
-class ClassKey {
+class RegistryKey {
  public:
-  // Paths start with a class: "{...}\Instance".
-  static ClassKey open(const std::wstring& path, REGSAM access = KEY_READ);
-  static ClassKey create(const std::wstring& path);
+  static RegistryKey open(const std::wstring& path, REGSAM access = KEY_READ);
+  static RegistryKey create(const std::wstring& path);
   static void remove(const std::wstring& path);
 
-  ~ClassKey();
-  ClassKey(ClassKey&& other) noexcept : key_(std::exchange(other.key_, nullptr)) {}
-  ClassKey& operator=(const ClassKey&) = delete;
+  ~RegistryKey();
+  RegistryKey(RegistryKey&& other) noexcept : key_(std::exchange(other.key_, nullptr)) {}
+  RegistryKey& operator=(const RegistryKey&) = delete;
 
   std::vector<std::wstring> children() const;
 
@@ -32,10 +31,14 @@ class ClassKey {
   std::uint64_t number(const wchar_t* name) const;
   bool setNumber(const wchar_t* name, std::uint64_t value);
 
+  // False unless the value has exactly that size.
+  bool bytes(const wchar_t* name, void* value, std::size_t size) const;
+  bool setBytes(const wchar_t* name, const void* value, std::size_t size);
+
   void forget(const wchar_t* name);
 
  private:
-  explicit ClassKey(HKEY key) : key_(key) {}
+  explicit RegistryKey(HKEY key) : key_(key) {}
   bool set(const wchar_t* name, DWORD type, const void* value, std::size_t size);
 
   HKEY key_;
