@@ -25,10 +25,12 @@ std::string toNarrow(std::wstring_view text) {
 }  // namespace
 
 void initializeCom() {
+  const std::lock_guard<std::mutex> lock(world().guard);
   ++world().open.comInitializations;
 }
 
 void uninitializeCom() {
+  const std::lock_guard<std::mutex> lock(world().guard);
   --world().open.comInitializations;
 }
 

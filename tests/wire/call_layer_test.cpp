@@ -1,6 +1,7 @@
 // The call layer over workers: time limits, status codes, the shared mutex, bus and speed.
 #include <array>
 #include <atomic>
+#include <functional>
 #include <memory>
 
 #include "etlib2/access.h"
@@ -303,28 +304,62 @@ TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
   EXPECT_EQ(journal().front(), "set 5A215226/20: 00 A0 00 02 12 34 01" + zeros(25));
 }
 
-TEST_F(CallLayer, EightThreadsOnTwoDevices) {
-  VirtualBridge other(0x9C2);
-  machine().videoInputs.push_back(bridgeInput(other, "2"));
+class CallLayerThreads : public CallLayer {
+ protected:
+  static constexpr int threads = 8, roundsPerThread = 1250;
+
+  CallLayerThreads() { machine().videoInputs.push_back(bridgeInput(other, "2")); }
+
+  // A round of calls to one device, every answer checked. Returns how many were lost.
+  int round(std::uint32_t device, int number) {
+    VirtualBridge& own = device == 0 ? camera : other;
+    std::uint32_t select = 0;
+    std::uint8_t sub = 0x80, data = 0;
+    std::array<std::uint8_t, 40> block = {0xF2};
+    etLib2_SelectI2cBus_DevNum(device, 2, static_cast<std::uint32_t>(number & 1));
+    int lost = etLib2_GetDevTotalNum() == 2 ? 0 : 1;
+    lost += etLib2_RegRead_DevNum(device, 6, 1, &select) != 0 || (select & 4) == 0;
+    lost += etLib2_RegWrite_DevNum(device, 6, 1, &select) != 0;
+    lost += etLib2_I2cRead_DevNum(device, 0x62, 1, &sub, 1, &data) != 0;
+    lost += data != own.camera.controller().at(0x80);
+    lost += etLib2_Custom_CMD_Read(device, 0xF0, 40, block.data()) != 0;
+    return lost;
+  }
+
+  void runThreads(const std::function<void(int)>& body) {
+    for (int thread = 0; thread < threads; ++thread) {
+      machine().clock.startThread([body, thread] { body(thread); });
+    }
+    machine().clock.waitForOthers();
+  }
+
+  VirtualBridge other{0x9C2};
+};
+
+TEST_F(CallLayerThreads, LoseNoReply) {
   openCameras();
   std::atomic<int> lost = 0;
-  for (int thread = 0; thread < 8; ++thread) {
-    machine().clock.startThread([this, thread, &other, &lost] {
-      const auto device = static_cast<std::uint32_t>(thread & 1);
-      VirtualBridge& own = device == 0 ? camera : other;
-      for (int round = 0; round < 250; ++round) {
-        std::uint32_t word = 0;
-        std::uint8_t sub = 0x80, data = 0;
-        etLib2_SelectI2cBus_DevNum(device, 2, static_cast<std::uint32_t>(round & 1));
-        if (etLib2_RegRead_DevNum(device, 6, 1, &word) != 0 || (word & 4) == 0) ++lost;
-        if (etLib2_I2cRead_DevNum(device, 0x62, 1, &sub, 1, &data) != 0) ++lost;
-        if (data != own.camera.controller().at(0x80)) ++lost;
-      }
-    });
-  }
-  machine().clock.waitForOthers();
+  runThreads([this, &lost](int thread) {
+    for (int i = 0; i < roundsPerThread; ++i)
+      lost += round(static_cast<std::uint32_t>(thread & 1), i);
+  });
   EXPECT_EQ(lost, 0);
   EXPECT_EQ(machine().open.filters, 2);
+  EXPECT_EQ(complaintsOf(camera.camera) + complaintsOf(other.camera), "");
+}
+
+// What is called while the library is closed fails; nothing else does, and nothing stays open.
+TEST_F(CallLayerThreads, SurviveOpeningAndClosing) {
+  runThreads([this](int thread) {
+    for (int i = 0; i < roundsPerThread / 25; ++i) {
+      if (thread == 0) etLib2_Init();
+      if (thread == 1) etLib2_Release();
+      if (thread > 1) round(static_cast<std::uint32_t>(thread & 1), i);
+    }
+  });
+  etLib2_Release();
+  EXPECT_EQ(machine().open.filters, 0);
+  EXPECT_EQ(machine().open.mutexHandles, 0);
 }
 
 }  // namespace
