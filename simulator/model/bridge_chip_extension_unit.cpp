@@ -194,7 +194,7 @@ bool ExtensionUnit::runCommand(Bytes data) {
   const bool forParameters = code == readParameters || code == writeParameters;
   if (forParameters != (request[0] == BridgeCommands::parameters) ||
       (!forParameters && code != bodyFunctions)) {
-    return violate("unknown custom command by");
+    return violate("unknown custom command in");
   }
   if (code != readParameters) chip_.commands().write(request);
   const BridgeCommandData answer = chip_.commands().read(request);
