@@ -9,8 +9,8 @@ namespace qvx::tests {
 namespace {
 
 TEST(HidCamera, IsFoundAmongForeignDevicesReadAndHeard) {
-  const VirtualCameras video({"0870,unit=plain"});  // a camera whose video interface has no unit
-  VirtualHid devices({"0870,zoom=40,button=2s", "1234:0001,reports=none", "0970,reports=extra"});
+  const VirtualCameras video({"0970,unit=plain"});  // a camera whose video interface has no unit
+  VirtualHid devices({"0970,zoom=40,button=2s", "1234:0001,reports=none", "0970,reports=extra"});
   SetVideoDeviceIndex(0);
   ASSERT_EQ(Init(), 1);
   static int presses = 0;
@@ -27,6 +27,7 @@ TEST(HidCamera, IsFoundAmongForeignDevicesReadAndHeard) {
 }
 
 TEST(HidCamera, OlderFirmwareIsUnderstood) {
+  const VirtualCameras video({"0970,unit=plain"});
   for (const char* camera : {"0970,zoom=30,firmware=wide", "0970,zoom=30,chip=2"}) {
     VirtualHid devices({camera});
     SetVideoDeviceIndex(0);
