@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing: setup.sh [build | demo | test]
 # Each purpose includes the one before it; the default is test. Says nothing when all is there.
+# jsoncpp comes as Debian's source package, too: the Windows build compiles it.
 set -uo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
-# GoogleTest is source that the Windows preset configures; llvm-14 brings llvm-dlltool.
+# GoogleTest is source that the Windows preset configures; llvm-14 brings llvm-dlltool, dpkg-dev
+# what unpacks a source package.
 build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-dev pkgconf
-  googletest)
+  googletest libjsoncpp-dev libjpeg-dev dpkg-dev)
 demo=(wine64)
 test=(clang-format-14 clang-tidy-14 git python3 shellcheck)
 
@@ -22,23 +25,58 @@ case $purpose in
   *) fail "unknown purpose \"$purpose\": build, demo or test" ;;
 esac
 
-command -v dpkg-query >/dev/null || fail "this is not Debian; the build needs: ${wanted[*]}"
-installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null)
-missing=()
-for package in "${wanted[@]}"; do
-  grep -qx "installed $package" <<<"$installed" || missing+=("$package")
-done
-[ ${#missing[@]} -eq 0 ] && exit 0
-
-as_root=()
-if [ "$(id -u)" -ne 0 ]; then
-  sudo -n true 2>/dev/null || fail "run as root: apt-get install ${missing[*]}"
-  as_root=(sudo -n)
-fi
-echo "setup: installing ${missing[*]}"
-apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq)
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-{ "${apt[@]}" update && "${apt[@]}" install --no-install-recommends "${missing[@]}"; } \
-  </dev/null >"$log" 2>&1 ||
-  fail "cannot install ${missing[*]}: $(grep '^E:' "$log" | tail -n 1)"
+
+# What went wrong, in apt's own words.
+reason() {
+  grep '^E:' "$log" | tail -n 1
+}
+
+install_missing() {
+  local installed missing=() as_root=() package
+  installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null)
+  for package in "${wanted[@]}"; do
+    grep -qx "installed $package" <<<"$installed" || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  if [ "$(id -u)" -ne 0 ]; then
+    sudo -n true 2>/dev/null || fail "run as root: apt-get install ${missing[*]}"
+    as_root=(sudo -n)
+  fi
+  echo "setup: installing ${missing[*]}"
+  local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq)
+  { "${apt[@]}" update && "${apt[@]}" install --no-install-recommends "${missing[@]}"; } \
+    </dev/null >"$log" 2>&1 ||
+    fail "cannot install ${missing[*]}: $(reason)"
+}
+
+# The machine's own package sources, as sources of source packages, in files of ours.
+write_source_entries() {
+  local folder=$1 file
+  for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.{list,sources}; do
+    [ -f "$file" ] || continue
+    sed -E 's/^deb(-src)?([[:space:]])/deb-src\2/; s/^Types:.*/Types: deb-src/I' "$file" \
+      >"$folder/$(basename "$file")"
+  done
+}
+
+# Into build/third_party, without touching what apt keeps of this machine, and without root.
+fetch_source() {
+  local package=$1 state=$PWD/build/third_party/apt
+  compgen -G "build/third_party/$package-*/CMakeLists.txt" >/dev/null && return
+  echo "setup: fetching the source of $package"
+  mkdir -p "$state"/{sources,lists/partial,cache/archives/partial}
+  write_source_entries "$state/sources"
+  local options=(-qq -o "Dir::Etc::sourcelist=/dev/null" -o "Dir::Etc::sourceparts=$state/sources"
+    -o "Dir::State::lists=$state/lists" -o "Dir::Cache=$state/cache" -o "APT::Sandbox::User=$(id -un)")
+  # A source without source packages fails the update; what counts is that the package is found.
+  apt-get "${options[@]}" update </dev/null >"$log" 2>&1
+  (cd build/third_party && apt-get "${options[@]}" source "$package") </dev/null >>"$log" 2>&1 ||
+    fail "cannot fetch the source of $package: $(reason)"
+  rm -r "$state"
+}
+
+command -v dpkg-query >/dev/null || fail "this is not Debian; the build needs: ${wanted[*]}"
+install_missing
+fetch_source libjsoncpp
