@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# Drives a simulated Wi-Fi camera through QVX64.dll: builds both, runs the camera on port 8080 and
-# the command-line client under Wine, and shows what the one asks of the other. Ends by itself.
+# Drives simulated cameras through QVX64.dll: builds both, runs a Wi-Fi camera on port 8080 and the
+# command-line client under Wine, and shows what the one asks of the other; then the same client with
+# bridge cameras, by extension unit and by HID. Ends by itself.
 source "$(dirname "$0")/common.sh"
 
 product_id=0x970
 zoom=1:200/10s
 watch_s=6
+bridge_camera=0970,zoom=5:120/4s,button=2s
+bridge_watch_s=4
 build_log=$logs/demo-build.log
 camera_log=$logs/demo-camera.log # every request, in words
 camera_errors=$logs/demo-camera-errors.log
@@ -22,7 +25,7 @@ last_line() {
 
 build() {
   title "Building QVX64.dll, its client and the camera"
-  { build_preset windows qvxctl && build_preset simulator qvx-wifi-camera; } >"$build_log" 2>&1 ||
+  { build_preset windows qvxctl qvx_virtual_cameras qvx_virtual_hid && build_preset simulator qvx-wifi-camera; } >"$build_log" 2>&1 ||
     fail "the build failed: $(grep -m 1 -E 'error: |CMake Error' "$build_log") (all of it: $build_log)"
   echo "  build/windows/QVX64.dll  build/windows/qvxctl.exe  build/simulator/qvx-wifi-camera"
 }
@@ -49,9 +52,12 @@ start_camera() {
   echo "  $(grep '^ready on' "$camera_log")"
 }
 
+run_under_wine() {
+  scripts/run-wine.sh "$@" </dev/null 2>"$client_errors" | sed -u 's/\r$//; s/^/  /'
+}
+
 client() {
-  scripts/run-wine.sh build/windows/qvxctl.exe --device 90 "$@" </dev/null 2>"$client_errors" |
-    sed -u 's/\r$//; s/^/  /'
+  run_under_wine build/windows/qvxctl.exe --device 90 "$@"
 }
 
 open_camera() {
@@ -87,6 +93,27 @@ check_camera() {
     fail "the camera was asked what a real one does not understand: $(last_line "$camera_errors")"
 }
 
+# Arguments: what plugs the camera in, and how it is reached in words.
+watch_bridge() {
+  title "A bridge camera by its $2: zoom ring and touch button for $bridge_watch_s s"
+  run_under_wine "${@:3}" -- build/windows/qvxctl.exe --device 0 watch --seconds $bridge_watch_s |
+    tee "$watch_log" || fail "$1 failed: $(last_line "$client_errors")"
+  [ "$(grep -c ' x ' "$watch_log")" -ge 2 ] || fail "the magnification did not change"
+  grep -q 'touch button' "$watch_log" || fail "the touch button was not heard"
+}
+
+watch_extension_unit() {
+  watch_bridge qvx-virtual-cameras "extension unit" \
+    build/windows/qvx-virtual-cameras.exe run $bridge_camera
+}
+
+# The video interface of such a camera, without an extension unit, tells its product id.
+watch_hid() {
+  watch_bridge qvx-virtual-hid "HID interface" \
+    build/windows/qvx-virtual-cameras.exe run 0970,unit=plain -- \
+    build/windows/qvx-virtual-hid.exe run $bridge_camera
+}
+
 scripts/setup.sh demo || exit 1
 build
 prepare_wine
@@ -95,4 +122,6 @@ open_camera
 show_what_init_asked
 watch_zoom
 check_camera
+watch_extension_unit
+watch_hid
 title "All of it worked."
