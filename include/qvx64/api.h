@@ -165,6 +165,56 @@ QVX64_API qvx_long GetLensPosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_lon
  * accesses. */
 QVX64_API qvx_long GetLensFinePosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt);
 
+/* Sets the exposure time. Switch automatic exposure off first, or it takes over again.
+ * vindex: 0 to 7; 90 and -1 for the Wi-Fi camera.
+ * Value: 0 to 65535 lines of the sensor; on product ids 0x9E0 to 0x9EF a line takes 29.63
+ * microseconds, negative values count as 0, and from 1125 on the frame gets longer with the
+ * exposure.
+ * Product ids 0x89A to 0x89F, 0x91A to 0x91F, 0x9A0 to 0x9AF and 0x9D0 to 0x9DF are left alone, and
+ * so are cameras of no known family; then measuring the magnification rests, too, until another
+ * exposure function has found its family. Worst case: 5 camera accesses. */
+QVX64_API void SetExposureValue(int vindex, qvx_long Value);
+
+/* Returns the exposure time in lines of the sensor, 0 for product ids 0x9B0 to 0x9BF and for
+ * cameras of no known family. On product ids 0x9E0 to 0x9EF it may be 1 less than was set. A camera
+ * that does not answer reads as 0, one of these ids as 1125.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Worst case: 6 camera accesses. */
+QVX64_API qvx_long GetExposureValue(int deviceIndex);
+
+/* Sets the brightness that automatic exposure aims at.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera.
+ * Value: 0 to 255, of which product ids 0x920 to 0x92F and 0x960 to 0x99F use 0 to 223 (the camera
+ * also keeps the value plus 32), 0x9B0 to 0x9BF cut what is above 208, and 0x9E0 to 0x9EF what is
+ * outside 21 to 240. On product ids 0x920 to 0x92F and 0x960 to 0x99F measuring the magnification
+ * rests afterwards: call GetAETarget to let it go on. Worst case: 5 camera accesses. */
+QVX64_API void SetAETarget(int deviceIndex, qvx_long Value);
+
+/* Returns the brightness that automatic exposure aims at; 1 for a camera of no known family, 16
+ * when there is no camera, 0 (on USB 3: 255) when it does not answer.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Worst case: 3 camera accesses. */
+QVX64_API qvx_long GetAETarget(int deviceIndex);
+
+/* Switches automatic exposure on (Value 1 or -1) or off (0). Other values change nothing. On
+ * product ids 0x9E0 to 0x9EF only 1 switches on, and everything else off.
+ * vindex: 0 to 7; 90 and -1 for the Wi-Fi camera. Worst case: 6 camera accesses. */
+QVX64_API void SetAutoExposure(int vindex, qvx_long Value);
+
+/* Returns 1 when automatic exposure is on, 0 when it is off and for cameras of no known family. A
+ * camera that does not answer reads as 0; of product ids 0x920 to 0x92F and 0x960 to 0x99F as 1.
+ * vindex: 0 to 7; 90 and -1 for the Wi-Fi camera. Takes 50 ms on product ids 0x9A0 to 0x9AF and
+ * 0x9D0 to 0x9DF. Worst case: 4 camera accesses. */
+QVX64_API qvx_long GetAutoExposure(int vindex);
+
+/* Adapts the camera to light that flickers with the mains: Value 0 detects the frequency, 1 is for
+ * 60 Hz, 2 for 50 Hz. Detection is left to product ids 0x900 to 0x909, 0x920 to 0x94F, 0x960 to
+ * 0x99F and 0x9B0 to 0x9BF; elsewhere 0 changes nothing. Cameras without the setting are left
+ * alone.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. The family is that of the camera used last,
+ * so call it after another function with the same index. On product ids 0x9E0 to 0x9EF it sets the
+ * power-line property of the current device (see SetVideoDeviceIndex), not over Wi-Fi.
+ * Worst case: 4 camera accesses. */
+QVX64_API void SetFlicker(int deviceIndex, qvx_long Value);
+
 #ifdef __cplusplus
 }
 #endif

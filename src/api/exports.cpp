@@ -3,6 +3,7 @@
 #include "api/guard.h"
 #include "api/init.h"
 #include "controls/device_selection.h"
+#include "controls/exposure.h"
 #include "controls/feature_word.h"
 #include "controls/lens.h"
 #include "controls/magnification.h"
@@ -108,6 +109,34 @@ qvx_long GetLensPosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLm
 qvx_long GetLensFinePosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt) {
   return guarded<qvx_long>(0,
                            [=] { return store(fineLensLimits(deviceIndex), UpperLmt, LowerLmt); });
+}
+
+void SetExposureValue(int vindex, qvx_long Value) {
+  guarded([=] { setExposureValue(vindex, Value); });
+}
+
+qvx_long GetExposureValue(int deviceIndex) {
+  return guarded<qvx_long>(0, [=] { return getExposureValue(deviceIndex); });
+}
+
+void SetAETarget(int deviceIndex, qvx_long Value) {
+  guarded([=] { setAETarget(deviceIndex, Value); });
+}
+
+qvx_long GetAETarget(int deviceIndex) {
+  return guarded<qvx_long>(0, [=] { return getAETarget(deviceIndex); });
+}
+
+void SetAutoExposure(int vindex, qvx_long Value) {
+  guarded([=] { setAutoExposure(vindex, Value); });
+}
+
+qvx_long GetAutoExposure(int vindex) {
+  return guarded<qvx_long>(0, [=] { return getAutoExposure(vindex); });
+}
+
+void SetFlicker(int deviceIndex, qvx_long Value) {
+  guarded([=] { setFlicker(deviceIndex, Value); });
 }
 
 }  // extern "C"

@@ -5,10 +5,20 @@
 
 namespace qvx {
 
-// Sets `nPid` for the device: from the Wi-Fi camera's list for indexes -1 and 90, else from the
-// device path.
+// The Wi-Fi camera has two indexes and one number.
+inline int deviceNumberOf(int deviceIndex) {
+  return isWifiDevice(deviceIndex) ? wifiDeviceIndex : deviceIndex;
+}
+
+// The device's product id: from the Wi-Fi camera's list for indexes -1 and 90, else from the device
+// path.
+inline int productIdFor(int deviceIndex) {
+  return isWifiDevice(deviceIndex) ? nCurrPid : productIdOf(deviceIndex);
+}
+
+// Makes it the current camera's product id.
 inline void selectProductId(int deviceIndex) {
-  nPid = isWifiDevice(deviceIndex) ? nCurrPid : productIdOf(deviceIndex);
+  nPid = productIdFor(deviceIndex);
 }
 
 }  // namespace qvx

@@ -36,6 +36,13 @@ const Export exports[] = {
     EXPORTED(SetLensFinePos, "deviceIndex", "Value"),
     EXPORTED(GetLensPosLimits, "deviceIndex", "UpperLmt", "LowerLmt"),
     EXPORTED(GetLensFinePosLimits, "deviceIndex", "UpperLmt", "LowerLmt"),
+    EXPORTED(SetExposureValue, "vindex", "Value"),
+    EXPORTED(GetExposureValue, "deviceIndex"),
+    EXPORTED(SetAETarget, "deviceIndex", "Value"),
+    EXPORTED(GetAETarget, "deviceIndex"),
+    EXPORTED(SetAutoExposure, "vindex", "Value"),
+    EXPORTED(GetAutoExposure, "vindex"),
+    EXPORTED(SetFlicker, "deviceIndex", "Value"),
 };
 
 #undef EXPORTED

@@ -1,0 +1,66 @@
+#include "controls/device_selection.h"
+#include "controls/exposure.h"
+#include "controls/family_rows.h"
+#include "controls/sensor_registers.h"
+#include "transport/sensor.h"
+
+namespace qvx {
+
+namespace {
+
+enum Mode : std::int32_t { detect = 0, mains60Hz = 1, mains50Hz = 2 };
+
+struct ModeWrite {
+  std::int32_t mode;
+  std::uint32_t reg, value;
+};
+
+constexpr ModeWrite writes78[] = {
+    {detect, sensor78::mainsDetection, 0x34},    {mains60Hz, sensor78::mainsDetection, 0xB4},
+    {mains60Hz, sensor78::mainsFrequency, 0x00}, {mains50Hz, sensor78::mainsDetection, 0xB4},
+    {mains50Hz, sensor78::mainsFrequency, 0x04},
+};
+
+constexpr ModeWrite writes42[] = {
+    {mains60Hz, sensor42::mainsFrequency, 0x7F},
+    {mains60Hz, sensor42::mainsBands, 3},
+    {mains50Hz, sensor42::mainsFrequency, 0x99},
+    {mains50Hz, sensor42::mainsBands, 2},
+};
+
+void setFlicker78(int deviceNumber, std::int32_t mode) {
+  for (const ModeWrite& write : writes78) {
+    if (write.mode == mode) WriteTo90x(deviceNumber, write.reg, write.value);
+  }
+}
+
+void setFlicker42(int deviceNumber, std::int32_t mode) {
+  for (const ModeWrite& write : writes42) {
+    if (write.mode == mode) WriteTo88x(deviceNumber, write.reg, write.value);
+  }
+}
+
+// There is no detection: any other mode writes back what is there.
+void setFlicker48(int deviceNumber, std::int32_t mode) {
+  std::uint32_t value = ReadFrom88x(deviceNumber, sensor48::mainsFrequency);
+  if (mode == mains60Hz) value |= 0x01;
+  if (mode == mains50Hz) value &= 0xFE;
+  WriteTo88x(deviceNumber, sensor48::mainsFrequency, value);
+}
+
+constexpr FamilyRow<void(int, std::int32_t)> setters[] = {
+    {within<0x900, 0x909>, setFlicker78}, {within<0x920, 0x94F>, setFlicker78},
+    {within<0x960, 0x99F>, setFlicker78}, {within<0x9B0, 0x9BF>, setFlicker78},
+    {within<0x870, 0x88F>, setFlicker48}, {within<0x910, 0x91F>, setFlicker48},
+    {within<0x9C0, 0x9CF>, setFlicker48}, {within<0x9A0, 0x9AF>, setFlicker42},
+    {within<0x9D0, 0x9DF>, setFlicker42},
+};
+
+}  // namespace
+
+void setFlicker(int deviceIndex, std::int32_t mode) {
+  const auto* const row = rowFor(nPid, setters);
+  if (row != nullptr) row->run(deviceNumberOf(deviceIndex), mode);
+}
+
+}  // namespace qvx
