@@ -21,6 +21,9 @@ std::span<const Command> commandTable();
 void listCameras(const Options& options);
 void showInfo(const Options& options);
 void watchCamera(const Options& options);
+void exposeCamera(const Options& options);
+void adjustAutomaticExposure(const Options& options);
+void suppressFlicker(const Options& options);
 void callExport(const Options& options);
 
 std::string helpText();        // the whole client

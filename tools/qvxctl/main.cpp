@@ -16,6 +16,11 @@ constexpr Command commands[] = {
     {"list", "", "list the cameras", listCameras},
     {"info", "", "choose a camera and tell what is known of it", showInfo},
     {"watch", "", "print each change of the magnification and each press of the touch button", watchCamera},
+    {"exposure", "[LINES]", "tell the exposure time, after setting it if one is given",
+     exposeCamera},
+    {"ae", "[on|off|TARGET]", "tell or set automatic exposure and its brightness target",
+     adjustAutomaticExposure},
+    {"flicker", "auto|60|50", "adapt the camera to the mains frequency", suppressFlicker},
     {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
 };
 
