@@ -24,6 +24,8 @@ void watchCamera(const Options& options);
 void exposeCamera(const Options& options);
 void adjustAutomaticExposure(const Options& options);
 void suppressFlicker(const Options& options);
+void driveLens(const Options& options);
+void showConfig(const Options& options);
 void callExport(const Options& options);
 
 std::string helpText();        // the whole client

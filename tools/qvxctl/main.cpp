@@ -21,6 +21,8 @@ constexpr Command commands[] = {
     {"ae", "[on|off|TARGET]", "tell or set automatic exposure and its brightness target",
      adjustAutomaticExposure},
     {"flicker", "auto|60|50", "adapt the camera to the mains frequency", suppressFlicker},
+    {"lens", "limits|init|pos N|fine N", "tell the range of the focus lens, or move it", driveLens},
+    {"config", "", "tell the features of a camera by name", showConfig},
     {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
 };
 

@@ -1,0 +1,52 @@
+#include <cstdio>
+
+#include "cameras.h"
+#include "commands.h"
+#include "json.h"
+#include "output.h"
+#include "qvx64/api.h"
+
+namespace qvxctl {
+
+namespace {
+
+constexpr struct {
+  qvx_long bit;
+  std::string_view name;
+} features[] = {
+    {0x80, "focus lens"},           {0x40, "magnification"},       {0x20, "dimmable quadrants"},
+    {0x10, "register bit 0x10"},    {0x08, "lights of variant 3"}, {0x04, "lights of variant 2"},
+    {0x02, "7xxx family or newer"}, {0x01, "register bit 0x01"},
+};
+
+std::string hexadecimal(qvx_long word) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%02lX", static_cast<unsigned long>(word));
+  return text;
+}
+
+void printJson(qvx_long word) {
+  std::vector<std::string> names;
+  for (const auto& feature : features) {
+    if ((word & feature.bit) != 0) names.push_back(json::text(feature.name));
+  }
+  printLine(json::object({{"config", json::number(word)}, {"features", json::array(names)}}));
+}
+
+void printText(qvx_long word) {
+  printLine("Feature word  " + hexadecimal(word));
+  for (const auto& feature : features) {
+    if ((word & feature.bit) == 0) continue;
+    printLine("  " + hexadecimal(feature.bit) + "  " + std::string(feature.name));
+  }
+}
+
+}  // namespace
+
+void showConfig(const Options& options) {
+  const qvx_long word = GetConfig(openCamera(options.device.value_or(automaticIndex)));
+  if (options.json) return printJson(word);
+  printText(word);
+}
+
+}  // namespace qvxctl
