@@ -90,6 +90,7 @@ bool registerCamera(const std::string& text, std::size_t index, std::string& pro
 bool registerCameras(std::span<const std::string> texts, Naming naming,
                      const std::wstring& filterDll, std::string& problem) {
   unregisterCameras();
+  if (!isThere(filterDll, problem)) return false;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     if (!registerCamera(texts[i], i, problem)) return false;
   }

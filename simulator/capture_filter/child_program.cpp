@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <algorithm>
+#include "simulator/capture_filter/text.h"
 
 namespace qvx::simulator {
 
@@ -10,6 +10,7 @@ namespace {
 
 // As the C runtime of the program takes it apart again.
 std::wstring quoted(const std::wstring& argument) {
+  if (!argument.empty() && argument.find_first_of(L" \t\"") == std::wstring::npos) return argument;
   std::wstring result = L"\"";
   std::size_t backslashes = 0;
   for (const wchar_t character : argument) {
@@ -46,6 +47,12 @@ std::wstring programFolder() {
   std::wstring path(longestPath, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
   return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+bool isThere(const std::wstring& file, std::string& problem) {
+  if (GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES) return true;
+  problem = "missing: " + narrow(file);
+  return false;
 }
 
 }  // namespace qvx::simulator

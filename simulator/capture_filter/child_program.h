@@ -14,4 +14,7 @@ std::optional<int> runProgram(std::span<const std::wstring> arguments);
 // The folder of the running program, with a backslash at its end.
 std::wstring programFolder();
 
+// Whether the file is there; if not, says so.
+bool isThere(const std::wstring& file, std::string& problem);
+
 }  // namespace qvx::simulator

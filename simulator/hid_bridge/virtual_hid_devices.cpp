@@ -220,6 +220,7 @@ class Driver {
 
 bool setUp(std::span<const std::string> texts, const std::wstring& driverPath,
            std::string& problem) {
+  if (!isThere(driverPath, problem)) return false;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     if (!writeDevice(texts[i], i, problem)) return false;
   }
