@@ -215,6 +215,55 @@ QVX64_API qvx_long GetAutoExposure(int vindex);
  * Worst case: 4 camera accesses. */
 QVX64_API void SetFlicker(int deviceIndex, qvx_long Value);
 
+/* Switches the camera's illumination to one of its basic states.
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Pass 90: under -1 the kind of its ring is not
+ * found out, and a ring with quadrants is lit as a plain one.
+ * nLedStatus: 0 for off, 1 for on, 2 for the other lighting that the model has: its second ring, its
+ * segments or its axial light. Where there is none, 2 changes nothing or, on Wi-Fi cameras, switches
+ * off. Other values change nothing on USB cameras; on Wi-Fi cameras they do what suits the model.
+ * Lists the cameras when the index has none yet. Takes up to 0.9 s. Worst case: 21 camera
+ * accesses. */
+QVX64_API void SetLEDState(int deviceIndex, int nLedStatus);
+
+/* Writes the switch register of the lighting controller: which segments of the ring are lit, and
+ * whether the other lights are on.
+ * ID: 0 to 7; 90 and -1 for the Wi-Fi camera.
+ * nMode: 0 to 15 light the segments whose bits are set, 16 switches the ring off. 24 and 32 switch
+ * the axial light on and off, 40 and 48 the aiming light, where there is one. Of any other value a
+ * USB camera gets the low byte; pass none to a Wi-Fi camera, where it could address another register.
+ * The first of the four functions SetSEGSwitch, SetSEGLevel, SetAXILevel and SetAimpointLevel that
+ * needs it puts the lights of the device into segment mode, by the model of the current device (see
+ * SetVideoDeviceIndex). Takes 50 ms. Worst case: 5 camera accesses. */
+QVX64_API void SetSEGSwitch(int ID, qvx_long nMode);
+
+/* Sets the level of the whole ring.
+ * ID: as SetSEGSwitch.
+ * nLevel: 0 to 6; to 31 on rings whose quadrants can be dimmed. 0 also switches the ring off. Values
+ * beyond reach other lights, which share the register; see SetSEGSwitch for those beyond a byte.
+ * Takes 100 ms. Worst case: 8 camera accesses. */
+QVX64_API void SetSEGLevel(int ID, qvx_long nLevel);
+
+/* Sets the level of one quadrant of the ring. Does nothing on cameras whose ring has no quadrants to
+ * dim (see bit 0x20 of GetConfig).
+ * DeviceIndex: 0 to 7, or 90 for the Wi-Fi camera; -1 does nothing.
+ * Quadrant: 1 to 4, or 0 for the whole ring. Others do nothing.
+ * Value: 0 to 31; of others, see SetSEGSwitch. Takes 50 or 100 ms. Worst case: 8 camera accesses. */
+QVX64_API void SetESEG(int DeviceIndex, qvx_long Quadrant, qvx_long Value);
+
+/* Sets the level of the axial light. The way depends on the model of the current device (see
+ * SetVideoDeviceIndex), also when another one is addressed.
+ * ID: as SetSEGSwitch.
+ * nLevel: 0 to 6; 0 switches it off. Of others, see SetSEGLevel. Takes 100 or 150 ms. Worst case: 8
+ * camera accesses. */
+QVX64_API void SetAXILevel(int ID, qvx_long nLevel);
+
+/* Sets the level of the aiming light of product ids 0x9B0 to 0x9BF, 0x9C0 to 0x9C7 and 0x9E0 to
+ * 0x9EF; on 0x960 to 0x99F the axial light's. Other models are left alone. The model is that of the
+ * current device (see SetVideoDeviceIndex), also when another one is addressed.
+ * ID, nLevel: as SetAXILevel. Takes 100 ms, on 0x960 to 0x99F 50 ms. Worst case: 6 camera
+ * accesses. */
+QVX64_API void SetAimpointLevel(int ID, qvx_long nLevel);
+
 #ifdef __cplusplus
 }
 #endif

@@ -20,6 +20,7 @@ constexpr std::uint8_t transferFailedBit = 0x10;
 constexpr std::uint8_t secondBusBit = 0x04;
 constexpr std::uint8_t pressedBit = 0x80;
 constexpr std::uint8_t pressedBitOf4xx7 = 0x10;
+constexpr std::uint8_t allLightPinsLow = 0xF0, segmentMode = 0xF5;  // of the lights
 
 }  // namespace
 
@@ -75,6 +76,9 @@ void BridgeChip::writeRegister(std::uint16_t address, std::span<const std::uint8
   if (!entry->writable) {
     violations_.add({"bridge: write to read-only register ", hex(address, 4)});
     return;
+  }
+  if (address == lights && (value[0] < allLightPinsLow || value[0] > segmentMode)) {
+    violations_.add({"bridge: unknown state of the lights ", hex(value[0], 2)});
   }
   std::copy(value.begin(), value.end(), entry->value.begin());
 }

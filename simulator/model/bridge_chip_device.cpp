@@ -51,6 +51,13 @@ void BridgeDevice::advanceTo(std::uint64_t now_ms) {
   if (now_ms % buttonPeriod_ms_ >= press_ms) chip.releaseButton();
 }
 
+double BridgeDevice::brightness() {
+  constexpr std::uint16_t lightsRegister = 0x0080;
+  constexpr std::uint32_t pins = 0x07;
+  const auto levels = static_cast<std::uint8_t>(chip.peek(lightsRegister) & pins);
+  return camera.controller().lights().brightness(levels);
+}
+
 BridgeFault::Kind BridgeDevice::nextTransfer() {
   ++transfers_;
   return transfers_ >= fault_.first ? fault_.kind : BridgeFault::none;

@@ -37,6 +37,9 @@ class BridgeDevice {
   // Moves the clock of camera and button. Times count from power-up and never go back.
   void advanceTo(std::uint64_t now_ms);
 
+  // What its lights give, from 0 to 1. Their pins are the chip's.
+  double brightness();
+
   // To be asked before each transfer: what the front has to do to it.
   BridgeFault::Kind nextTransfer();
   std::uint32_t stall_ms() const { return fault_.stall_ms; }

@@ -35,6 +35,9 @@ class Camera {
   // What the zoom ring shows: what an ideal client reads from the encoder. 0 without a ring.
   double magnification() const;
 
+  // What its lights give, from 0 to 1; behind a bridge chip see BridgeDevice.
+  double brightness() const { return controller_.lights().brightness(gpio_.lights()); }
+
   Controller& controller() { return controller_; }
   Gpio& gpio() { return gpio_; }
   FocusLens& lens() { return lens_; }

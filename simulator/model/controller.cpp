@@ -109,7 +109,7 @@ ControllerContents controllerFor(std::uint16_t productId) {
 }
 
 Controller::Controller(std::uint16_t productId, Violations& violations)
-    : contents_(controllerFor(productId)), violations_(violations) {}
+    : contents_(controllerFor(productId)), lights_(productId), violations_(violations) {}
 
 bool Controller::write(std::span<const std::uint8_t> subAddress,
                        std::span<const std::uint8_t> data) {
@@ -128,6 +128,7 @@ bool Controller::write(std::span<const std::uint8_t> subAddress,
     return refuse("unknown lens direction ", data[0]);
   }
   contents_.values[target] = data[0];
+  lights_.take(target, data[0]);
   return true;
 }
 

@@ -10,6 +10,7 @@
 
 #include "simulator/model/calibration.h"
 #include "simulator/model/i2c_device.h"
+#include "simulator/model/illumination.h"
 #include "simulator/model/violations.h"
 
 namespace qvx::simulator {
@@ -80,12 +81,16 @@ class Controller final : public I2cDevice {
   std::uint8_t at(std::uint8_t reg) const { return contents_.values[reg]; }
   void set(std::uint8_t reg, std::uint8_t value) { contents_.values[reg] = value; }
 
+  // What its registers have made of the lights.
+  const Illumination& lights() const { return lights_; }
+
  private:
   bool isWellFormed(std::span<const std::uint8_t> subAddress, std::size_t dataBytes);
   std::uint8_t take(std::uint8_t source);
   bool refuse(std::string_view what, std::uint8_t number);
 
   ControllerContents contents_;
+  Illumination lights_;
   Violations& violations_;
   // The fraction that belongs to the position read last: the ring may move between the two reads.
   std::optional<std::uint8_t> heldFraction_;

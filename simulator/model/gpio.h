@@ -30,6 +30,8 @@ class Gpio {
   // Sets the pins in the mask; false when a pin is no output or a level lies outside the mask.
   bool write(std::uint8_t port, std::uint8_t mask, std::uint8_t levels);
 
+  std::uint8_t lights() const { return lights_; }
+
   void pressButton();
   void releaseButton();
 

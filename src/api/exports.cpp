@@ -5,7 +5,9 @@
 #include "controls/device_selection.h"
 #include "controls/exposure.h"
 #include "controls/feature_word.h"
+#include "controls/led_state.h"
 #include "controls/lens.h"
+#include "controls/lighting.h"
 #include "controls/magnification.h"
 #include "qvx64/api.h"
 #include "state/device_state.h"
@@ -137,6 +139,30 @@ qvx_long GetAutoExposure(int vindex) {
 
 void SetFlicker(int deviceIndex, qvx_long Value) {
   guarded([=] { setFlicker(deviceIndex, Value); });
+}
+
+void SetLEDState(int deviceIndex, int nLedStatus) {
+  guarded([=] { setLedState(deviceIndex, nLedStatus); });
+}
+
+void SetSEGSwitch(int ID, qvx_long nMode) {
+  guarded([=] { setSegSwitch(ID, nMode); });
+}
+
+void SetSEGLevel(int ID, qvx_long nLevel) {
+  guarded([=] { setSegLevel(ID, nLevel); });
+}
+
+void SetESEG(int DeviceIndex, qvx_long Quadrant, qvx_long Value) {
+  guarded([=] { setSegQuadrant(DeviceIndex, Quadrant, Value); });
+}
+
+void SetAXILevel(int ID, qvx_long nLevel) {
+  guarded([=] { setAxialLevel(ID, nLevel); });
+}
+
+void SetAimpointLevel(int ID, qvx_long nLevel) {
+  guarded([=] { setAimpointLevel(ID, nLevel); });
 }
 
 }  // extern "C"

@@ -1,6 +1,8 @@
 #include "tests/support/library.h"
 
 #include "api/events.h"
+#include "controls/led_state.h"
+#include "controls/lighting.h"
 #include "controls/magnification.h"
 #include "etlib2/access.h"
 #include "etlib2/etLib2.h"
@@ -49,6 +51,11 @@ void resetMagnification() {
   count_890_rate::fRatePre = 0;
 }
 
+void resetLights() {
+  SEGCount.fill(0);
+  m_LEDStatus = m_LED1Status = m_LED2Status = m_LED3Status = m_LED4Status = nProgress = 0;
+}
+
 void resetCallLayer() {
   etLib2_Release();
   for (SpeedTable::Entry& entry : speedTable.entries) {
@@ -66,6 +73,7 @@ void resetLibrary() {
   resetEvents();
   resetUsb3();
   resetMagnification();
+  resetLights();
 }
 
 }  // namespace qvx::tests

@@ -43,6 +43,12 @@ const Export exports[] = {
     EXPORTED(SetAutoExposure, "vindex", "Value"),
     EXPORTED(GetAutoExposure, "vindex"),
     EXPORTED(SetFlicker, "deviceIndex", "Value"),
+    EXPORTED(SetLEDState, "deviceIndex", "nLedStatus"),
+    EXPORTED(SetSEGSwitch, "ID", "nMode"),
+    EXPORTED(SetSEGLevel, "ID", "nLevel"),
+    EXPORTED(SetESEG, "DeviceIndex", "Quadrant", "Value"),
+    EXPORTED(SetAXILevel, "ID", "nLevel"),
+    EXPORTED(SetAimpointLevel, "ID", "nLevel"),
 };
 
 #undef EXPORTED

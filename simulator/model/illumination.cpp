@@ -1,0 +1,96 @@
+#include "simulator/model/illumination.h"
+
+#include <algorithm>
+
+#include "simulator/model/controller.h"
+#include "simulator/model/product.h"
+
+namespace qvx::simulator {
+
+namespace {
+
+namespace reg = controller_register;
+
+constexpr std::uint8_t quadrantKind = 4;
+constexpr std::uint8_t finest = 31;   // the full level of what can be dimmed in 31 steps
+constexpr std::uint8_t coarsest = 6;  // and in 6
+constexpr std::uint8_t everyQuadrantByItself = 49;
+
+enum Switch : std::uint8_t {
+  everySegment = 15,
+  noSegment = 16,
+  axialOn = 24,
+  axialOff = 32,
+  aimOn = 40,
+  aimOff = 48,
+};
+
+// Where the lights stand in the level register; that of the aim counts backwards.
+enum FirstLevel : std::uint8_t { plainAxial = 7, switchedAxial = 32, brightestAim = 70 };
+
+bool isWithin(std::uint8_t value, std::uint8_t first) {
+  return value >= first && value <= first + coarsest;
+}
+
+double part(int steps, std::uint8_t full) {
+  return static_cast<double>(steps) / full;
+}
+
+}  // namespace
+
+Illumination::Illumination(std::uint16_t productId)
+    : hasController_(productFor(productId).lights.kind != erased),
+      hasQuadrants_(productFor(productId).lights.kind == quadrantKind),
+      hasAxialSwitch_((productId >= 0x9C0 && productId <= 0x9C7) ||
+                      (productId >= 0x9E0 && productId <= 0x9EF)),
+      axialOn_(!hasAxialSwitch_) {}
+
+void Illumination::take(std::uint8_t target, std::uint8_t value) {
+  if (target == reg::lightSwitch) takeSwitch(value);
+  if (target == reg::lightLevel) takeLevel(value);
+  if (target < reg::quadrant1Level || target > reg::quadrant4Level || value > finest) return;
+  quadrantLevels_[static_cast<std::size_t>(target - reg::quadrant1Level)] = part(value, finest);
+}
+
+void Illumination::takeSwitch(std::uint8_t value) {
+  if (value <= everySegment) segments_ = value;
+  if (value == noSegment) segments_ = 0;
+  if (hasAxialSwitch_ && (value == axialOn || value == axialOff)) axialOn_ = value == axialOn;
+  if (value == aimOn || value == aimOff) aimOn_ = value == aimOn;
+}
+
+void Illumination::takeLevel(std::uint8_t value) {
+  const std::uint8_t fullRing = hasQuadrants_ ? finest : coarsest;
+  if (value == everyQuadrantByItself) {
+    ringLevel_ = 1;
+  } else if (!hasAxialSwitch_ && isWithin(value, plainAxial)) {
+    axialLevel_ = part(value - plainAxial, coarsest);
+  } else if (hasAxialSwitch_ && isWithin(value, switchedAxial)) {
+    axialLevel_ = part(value - switchedAxial, coarsest);
+  } else if (isWithin(value, brightestAim)) {
+    aimLevel_ = part(brightestAim + coarsest - value, coarsest);
+  } else if (value <= fullRing) {
+    ringLevel_ = part(value, fullRing);
+  }
+}
+
+double Illumination::ring() const {
+  double lit = 0;
+  for (std::size_t i = 0; i < quadrantLevels_.size(); ++i) {
+    if ((segments_ >> i & 1) != 0) lit += quadrantLevels_[i];
+  }
+  return ringLevel_ * lit / static_cast<double>(quadrantLevels_.size());
+}
+
+double Illumination::brightness(std::uint8_t pinLevels) const {
+  constexpr double ringShare = 0.9, axialShare = 0.6, aimShare = 0.1;
+  // Other levels than these choose modes.
+  enum Pins : std::uint8_t { firstLight = 1, secondOfRing = 2, secondLight = 4 };
+  double sum = ringShare * ring() + axialShare * axial() + aimShare * aim();
+  if (pinLevels == firstLight) sum += ringShare;
+  if (pinLevels == secondLight) sum += axialShare;
+  if (pinLevels == secondOfRing && hasController_) sum += axialShare;
+  return std::min(sum, 1.0);
+}
+
+}  // namespace qvx::simulator

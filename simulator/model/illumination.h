@@ -1,0 +1,40 @@
+// What the lighting controller makes of the registers that drive the lights: a ring of four
+// segments, a light along the axis and one to aim with.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace qvx::simulator {
+
+class Illumination {
+ public:
+  explicit Illumination(std::uint16_t productId);
+
+  // A write to the controller. Registers that drive no light, and values without a meaning, change
+  // nothing.
+  void take(std::uint8_t reg, std::uint8_t value);
+
+  std::uint8_t segments() const { return segments_; }  // a bit for each that is lit
+
+  // From 0 (dark) to 1.
+  double ring() const;
+  double axial() const { return axialOn_ ? axialLevel_ : 0; }
+  double aim() const { return aimOn_ ? aimLevel_ : 0; }
+
+  // What falls on the object, from 0 to about 1, when the light pins stand at these levels, too:
+  // cameras without a lighting controller have only those.
+  double brightness(std::uint8_t pinLevels) const;
+
+ private:
+  void takeSwitch(std::uint8_t value);
+  void takeLevel(std::uint8_t value);
+
+  bool hasController_, hasQuadrants_, hasAxialSwitch_;
+  std::uint8_t segments_ = 0;
+  bool axialOn_, aimOn_ = false;
+  double ringLevel_ = 0, axialLevel_ = 0, aimLevel_ = 1;
+  std::array<double, 4> quadrantLevels_{1, 1, 1, 1};
+};
+
+}  // namespace qvx::simulator

@@ -1,0 +1,313 @@
+#include "controls/led_state.h"
+
+#include <array>
+#include <initializer_list>
+#include <span>
+
+#include "controls/device_selection.h"
+#include "controls/feature_word.h"
+#include "controls/led_rows.h"
+#include "controls/lighting.h"
+#include "controls/wifi_led_state.h"
+#include "etlib2/etLib2.h"
+#include "models/families.h"
+#include "platform/timers.h"
+#include "state/device_state.h"
+#include "transport/controller.h"
+
+namespace qvx {
+
+namespace {
+
+constexpr std::uint32_t bridgeLights = 0x80;  // a bridge register
+constexpr std::uint32_t dimmableQuadrants = 4;
+constexpr std::int32_t quadrantRingOn = 31, plainRingOn = 6;
+
+enum ControllerRegister : std::uint8_t { features = 0x80, lightingKind = 0x83, board = 0x84 };
+
+struct Step {
+  enum Act : std::uint8_t {
+    setRegister,       // controller register
+    setBridge,         // the bridge's lights register
+    command,           // one function of segment mode
+    enterSegmentMode,  // unless the camera says that it is in it
+    setSwitch,         // these three are lighting commands, with the pauses they have
+    setLevel,
+    setAxial,
+    setRingLevel,  // a lighting command: the ring on, by its lighting kind
+    readRegister,  // controller register
+    pause,
+  } act;
+  std::uint8_t target = 0, value = 0;
+};
+
+constexpr Step S(std::uint8_t reg, std::uint8_t value) {
+  return {Step::setRegister, reg, value};
+}
+constexpr Step R80(std::uint8_t value) {
+  return {Step::setBridge, 0, value};
+}
+constexpr Step Switch(std::uint8_t value) {
+  return {Step::setSwitch, 0, value};
+}
+constexpr Step Level(std::uint8_t level) {
+  return {Step::setLevel, 0, level};
+}
+constexpr Step AXI(std::uint8_t level) {
+  return {Step::setAxial, 0, level};
+}
+constexpr Step read(ControllerRegister reg) {
+  return {Step::readRegister, reg, 0};
+}
+constexpr Step command(SegmentFunction function) {
+  return {Step::command, 0, static_cast<std::uint8_t>(function)};
+}
+constexpr Step ringCommand = command(SegmentFunction::ring);
+constexpr Step powerCommand = command(SegmentFunction::power);
+constexpr Step segmentMode{Step::enterSegmentMode};
+constexpr Step ringLevel{Step::setRingLevel};
+constexpr Step p{Step::pause, 0, 50}, P{Step::pause, 0, 100};  // milliseconds
+
+using Steps = std::initializer_list<Step>;
+
+// What follows for a camera whose registers 0x80 and 0x84 show a pattern. Each table is tried from
+// the top; the first pattern that fits decides.
+struct Pattern {
+  std::uint8_t mask80, value80, mask84, value84;
+  Steps steps;
+};
+
+// The patterns that ask for 2 under mask 4 fit no camera. They are kept with the others: they say
+// what the boards they were meant for would need.
+constexpr Pattern onPatterns4xx7[] = {
+    {0x0F, 10, 0x0F, 4, {Switch(7), ringLevel}},
+    {0x04, 4, 0, 0, {Switch(15), ringLevel}},
+    {0x04, 2, 0, 0, {Switch(10), ringLevel}},
+};
+
+constexpr Pattern onPatterns73xxx[] = {
+    {0x0F, 3, 0, 0, {Switch(15), P, Level(6), P, Level(7), P}},
+    {0x0F, 10, 0x0F, 4, {Switch(7), P, ringLevel, P}},
+    {0x04, 4, 0, 0, {Switch(15), P, ringLevel, P}},
+    {0x04, 2, 0, 0, {Switch(10), P, ringLevel, P}},
+    {0, 0, 0, 0, {Switch(15), P, ringLevel, P}},
+};
+
+constexpr Pattern alternativePatterns4xx7[] = {
+    {0x0F, 10, 0x0F, 4, {Switch(8), ringLevel}},
+    {0x04, 2, 0, 0, {Switch(5), ringLevel}},
+};
+
+constexpr Pattern alternativePatterns73xxx[] = {
+    {0x0F, 10, 0x0F, 4, {Switch(8), ringLevel}},
+    {0x07, 2, 0, 0, {Switch(5), ringLevel}},
+    {0x07, 3, 0, 0, {Switch(16), p, Level(13), p}},
+};
+
+constexpr Pattern offPatterns73xxx[] = {
+    {0x07, 3, 0, 0, {Level(7), P}},
+};
+
+// Which values the patterns are held against: those just read, or the globals, which the family
+// predicates keep.
+enum class Values : std::uint8_t { fresh, cached };
+
+struct Row {
+  LedTest test;
+  Steps steps;
+  std::span<const Pattern> patterns{};
+  Values values = Values::cached;
+};
+
+constexpr LedTest is4xx7 = in<within<0x9E0, 0x9EF>>;
+constexpr LedTest is4xx7WithAim = both<is4xx7, has<led_feature::aimingLight>>;
+constexpr LedTest hasMainLightOnPins =
+    in<isVK4xxx_2Series, isVR3xxx_2Series, isVR4xxx_2Series, isVK3xxxR4Series>;
+
+constexpr Row offRows[] = {
+    {hasMainLightOnPins, {R80(0xF0), p}},
+    {in<isVK4xxx_3Series>, {R80(0xF2), p}},
+    {in<isVK7xxx_2Series>, {ringCommand, p, powerCommand, p, Switch(16), p}},
+    {in<isVK7xxx_3Series>, {ringCommand, p, powerCommand, p, Switch(16), p, Level(7), p}},
+    {in<isVK7xxxR4_2Series, isVK7xxxR4_3Series>, {R80(0xF0)}},
+    {is4xx7WithAim, {Switch(16), p, Level(6), p, Switch(48), p}},
+    {is4xx7, {Switch(16), p, Level(6), p}},
+    {in<isVK73xxxSeries>,
+     {read(features), P, Switch(16), P, Level(6), P},
+     offPatterns73xxx,
+     Values::fresh},
+};
+
+constexpr Row onRows[] = {
+    {hasMainLightOnPins, {R80(0xF1)}},
+    {in<isVK4xxx_3Series>, {R80(0xF4)}},
+    {in<isVK7xxx_2Series>, {ringCommand, powerCommand, Switch(15), Level(6)}},
+    {in<isVK7xxx_3Series>, {ringCommand, powerCommand, Switch(15), p, Level(6), p, AXI(0), p}},
+    {in<isVK7xxxR4_2Series>, {R80(0xF4)}},
+    {in<isVK7xxxR4_3Series>, {R80(0xF1)}},
+    {is4xx7WithAim, {read(lightingKind), Switch(15), p, ringLevel, p, Switch(48), p}},
+    {is4xx7, {read(features), p, read(board), p, read(lightingKind), p}, onPatterns4xx7},
+    {in<isVK73xxxSeries>,
+     {read(features), P, read(board), P, read(lightingKind), P},
+     onPatterns73xxx},
+};
+
+constexpr Row alternativeRows[] = {
+    {in<isVK4xxx_3Series>, {R80(0xF1)}},
+    {in<isVK7xxx_3Series>, {ringCommand, powerCommand, Switch(16), AXI(13)}},
+    {in<isVK7xxxR4_3Series>, {R80(0xF4)}},
+    {is4xx7WithAim, {Switch(16), p, Switch(40), p}},
+    {is4xx7, {read(features), read(lightingKind), read(board)}, alternativePatterns4xx7},
+    {in<isVK73xxxSeries>,
+     {read(features), p, read(lightingKind), p, read(board), p},
+     alternativePatterns73xxx,
+     Values::fresh},
+};
+
+// Cameras whose lighting board is told by register 0x84 go by their own table first.
+struct BoardRow {
+  LedTest test;
+  std::uint32_t board;
+  std::array<Steps, 3> steps;  // by state
+};
+
+constexpr BoardRow boardRows[] = {
+    {is4xx7,
+     255,
+     {{{S(4, 16), p, S(4, 32), p},
+       {S(4, 16), p, S(4, 15), p, S(3, 6), p, S(4, 32), p},
+       {S(4, 16), p, S(4, 32), p, S(4, 24), p, S(3, 38), p, S(4, 16), p}}}},
+    {in<within<0x970, 0x97F>>,
+     255,
+     {{{S(4, 16), p, S(3, 7), p},
+       {S(3, 7), p, S(4, 15), p, S(3, 6), p},
+       {S(4, 16), p, S(3, 13), p}}}},
+    {anyCamera,
+     5,
+     {{{segmentMode, p, S(4, 16), p, S(3, 7), p},
+       {segmentMode, p, S(4, 15), p, S(3, 6), p},
+       {segmentMode, p, S(4, 16), p, S(3, 13), p}}}},
+};
+
+constexpr LedTest tellsItsBoard =
+    either<in<within<0x978, 0x97F>>, has<led_feature::lightingController>>;
+
+// Works through the steps for one USB camera.
+class UsbLeds {
+ public:
+  UsbLeds(int device, const LedCamera& camera) : device_(device), camera_(camera) {}
+
+  void run(const Steps& steps) {
+    for (const Step& step : steps) run(step);
+  }
+
+  template <std::size_t count>
+  void run(const Row (&rows)[count]) {
+    const Row* const row = ledRowFor(camera_, rows);
+    if (row == nullptr) return;
+    run(row->steps);
+    const bool cached = row->values == Values::cached;
+    const std::uint32_t value80 = cached ? ul80 : read_[features];
+    const std::uint32_t value84 = cached ? ul84 : read_[board];
+    for (const Pattern& pattern : row->patterns) {
+      const bool fits = (value80 & pattern.mask80) == pattern.value80 &&
+                        (value84 & pattern.mask84) == pattern.value84;
+      if (fits) return run(pattern.steps);
+    }
+  }
+
+ private:
+  void run(const Step& step);
+  void enterSegmentMode() const;
+  std::int32_t levelOfRing() const {
+    return read_[lightingKind] == dimmableQuadrants ? quadrantRingOn : plainRingOn;
+  }
+
+  int device_;
+  const LedCamera& camera_;
+  std::array<std::uint32_t, 256> read_{};  // by register
+};
+
+void UsbLeds::run(const Step& step) {
+  const std::uint32_t value = step.value;
+  switch (step.act) {
+    case Step::setRegister:
+      WriteToSEG(device_, step.target, value);
+      break;
+    case Step::setBridge:
+      etLib2_RegWrite_DevNum(static_cast<std::uint32_t>(device_), bridgeLights, 1, &value);
+      break;
+    case Step::command:
+      sendSegmentCommand(device_, static_cast<SegmentFunction>(value));
+      break;
+    case Step::enterSegmentMode:
+      enterSegmentMode();
+      break;
+    case Step::setSwitch:
+      setSegSwitch(device_, step.value);
+      break;
+    case Step::setLevel:
+      setSegLevel(device_, step.value);
+      break;
+    case Step::setAxial:
+      setAxialLevel(device_, step.value);
+      break;
+    case Step::setRingLevel:
+      setSegLevel(device_, levelOfRing());
+      break;
+    case Step::readRegister:
+      read_[step.target] = ReadFromPIC(device_, step.target);
+      break;
+    case Step::pause:
+      platform::pause(value);
+      break;
+  }
+}
+
+// Only the 7xxx can tell whether they are in it.
+void UsbLeds::enterSegmentMode() const {
+  if (isSEGMode()) return;
+  LedCtrlUVC5640_SegSet(device_);
+}
+
+// The steps of the board that register 0x84 tells, null when the tables by state decide.
+const Steps* stepsOfBoard(const LedCamera& camera, std::size_t state) {
+  for (const BoardRow& row : boardRows) {
+    if (ul84 == row.board && row.test(camera)) {
+      return state < row.steps.size() ? &row.steps[state] : nullptr;
+    }
+  }
+  return nullptr;
+}
+
+void setUsbLeds(int device, int state, std::int32_t features) {
+  nTmpIdx = device;
+  nPid = productIdOf(device);
+  const LedCamera camera = {nPid, features};
+  if (!isVK73xxxSeries(nPid)) {
+    etLib2_SelectI2cBus_DevNum(static_cast<std::uint32_t>(device), cameraBus, 0);
+  }
+  UsbLeds leds(device, camera);
+  leds.run(Steps{p});
+  if (tellsItsBoard(camera)) {
+    ul84 = ReadFromPIC(device, board);
+    const Steps* const steps = stepsOfBoard(camera, static_cast<std::size_t>(state));
+    if (steps != nullptr) return leds.run(*steps);
+  }
+  if (state == 0) leds.run(offRows);
+  if (state == 1) leds.run(onRows);
+  if (state == 2) leds.run(alternativeRows);
+}
+
+}  // namespace
+
+void setLedState(int deviceIndex, int state) {
+  const std::int32_t features = featureWord(deviceIndex);
+  if (isWifiDevice(deviceIndex)) {
+    setWifiLeds(deviceIndex, state, {nPid, features});
+  } else {
+    setUsbLeds(deviceIndex, state, features);
+  }
+}
+
+}  // namespace qvx

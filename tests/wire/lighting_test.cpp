@@ -1,0 +1,249 @@
+// The lights of the lighting controller: what each command sends, on every transport.
+#include "controls/lighting.h"
+
+#include <climits>
+
+#include "qvx64/api.h"
+#include "tests/support/light_cameras.h"
+
+namespace qvx::tests {
+namespace {
+
+using simulator::VirtualBridge;
+
+using Command = void (*)(int, qvx_long);
+
+class Lighting : public LightsTest {};
+
+struct Sent {
+  std::uint16_t pid;
+  Command command;
+  qvx_long level;
+  const char* traffic;
+};
+
+// Levels as they come, product ids of every row and both ends of its range.
+const Sent laterCommands[] = {
+    {0x960, SetSEGSwitch, 15, "4=15 p"},
+    {0x960, SetSEGSwitch, 0x10F, "4=15 p"},
+    {0x960, SetSEGLevel, 5, "p 3=5 p"},
+    {0x960, SetSEGLevel, -1, "p 3=255 p"},
+    {0x960, SetSEGLevel, 0, "4=16 p 3=0 p"},
+    {0x9C0, SetAXILevel, 6, "4=24 p 3=38 p"},
+    {0x9C7, SetAXILevel, 0, "4=32 p 3=32 p"},
+    {0x9C8, SetAXILevel, 0, "p 3=7 p"},
+    {0x9E0, SetAXILevel, -1, "p 3=31 p"},
+    {0x9EF, SetAXILevel, INT_MAX, "4=24 p 3=31 p"},
+    {0x9D0, SetAXILevel, 2, "3=13 p 3=9 p"},
+    {0x960, SetAXILevel, 2, "p 3=13 p 3=9 p"},
+    {0x99F, SetAXILevel, 0, "p p 3=7 p"},
+    {0x9C5, SetAimpointLevel, 5, "4=40 p 3=71 p"},
+    {0x9E0, SetAimpointLevel, 0, "4=48 p 3=76 p"},
+    {0x9EF, SetAimpointLevel, -1, "p 3=77 p"},
+    {0x9E9, SetAimpointLevel, INT_MIN, "p 3=76 p"},
+    {0x960, SetAimpointLevel, 5, "3=12 p"},
+    {0x99F, SetAimpointLevel, 0, "3=7 p"},
+    {0x9C8, SetAimpointLevel, 5, ""},
+    {0x9D0, SetAimpointLevel, 5, ""},
+};
+
+TEST_F(Lighting, CommandsAfterTheFirst) {
+  for (const Sent& row : laterCommands) {
+    VirtualBridge camera(row.pid);
+    plugBridges({&camera});
+    SEGCount[0] = 1;
+    row.command(0, row.level);
+    EXPECT_EQ(traffic(), row.traffic) << std::hex << row.pid << " " << row.level;
+    EXPECT_EQ(SEGCount[0], 2);
+    EXPECT_EQ(complaintsOf(camera.camera), "");
+  }
+}
+
+TEST_F(Lighting, Usb3Cameras) {
+  simulator::Camera camera(0x9B0);
+  plugUsb3(camera);
+  const Sent rows[] = {
+      {0x9B0, SetSEGSwitch, 15, "4=15 p"},
+      {0x9B0, SetSEGLevel, 0, "4=16 p 3=0 p"},
+      {0x9B0, SetAXILevel, 0, "p 3=7 p"},
+      {0x9B0, SetAXILevel, 6, "3=13 p 3=13 p"},
+      {0x9B0, SetAimpointLevel, 1, "4=40 p 3=75 p"},
+  };
+  for (const Sent& row : rows) {
+    row.command(0, row.level);
+    EXPECT_EQ(traffic(), row.traffic) << row.level;
+  }
+  EXPECT_EQ(SEGCount[0], 5) << "counted, although these cameras have no segment mode";
+  EXPECT_EQ(complaintsOf(camera), "");
+}
+
+TEST_F(Lighting, TheFirstCommandEntersSegmentMode) {
+  const Sent bridgeRows[] = {
+      {0x960, SetSEGSwitch, 15, "F2 1 F3 1 4=15 p"},
+      {0x960, SetSEGLevel, 5, "F2 1 F3 1 p 3=5 p"},
+      {0x960, SetAXILevel, 0, "F2 1 F3 1 p p 3=7 p"},
+      {0x960, SetAimpointLevel, 1, "F2 1 F3 1 3=8 p"},
+      {0x9C7, SetSEGSwitch, 1, "R80=F5 4=1 p"},
+      {0x9C8, SetSEGSwitch, 1, "F2 1 F3 1 4=1 p"},
+      {0x9C7, SetAXILevel, 0, "4=32 p 3=32 p"},
+      {0x9D0, SetAXILevel, 0, "p 3=7 p"},
+  };
+  for (const Sent& row : bridgeRows) {
+    VirtualBridge camera(row.pid);
+    plugBridges({&camera});
+    SEGCount[0] = 0;
+    row.command(0, row.level);
+    EXPECT_EQ(traffic(), row.traffic) << std::hex << row.pid << " " << row.level;
+    EXPECT_EQ(SEGCount[0], 1);
+    EXPECT_EQ(complaintsOf(camera.camera), "");
+  }
+  const Sent wifiRows[] = {
+      {0x960, SetSEGSwitch, 1, "pins7=6 4=1 p"},
+      {0x9C0, SetSEGLevel, 1, "pins7=5 p 3=1 p"},
+      {0x9C8, SetSEGLevel, 1, "pins7=6 p 3=1 p"},
+      {0x9B0, SetSEGSwitch, 1, "pins7=6 4=1 p"},
+  };
+  for (const Sent& row : wifiRows) {
+    simulator::Camera camera(row.pid);
+    plugWifi(camera);
+    SEGCount[90] = 0;
+    row.command(-1, row.level);
+    row.command(90, row.level);
+    const std::string again = std::string(row.traffic).substr(7);
+    EXPECT_EQ(traffic(), row.traffic + again) << "once for both indexes, " << std::hex << row.pid;
+    EXPECT_EQ(SEGCount[90], 2);
+    EXPECT_EQ(complaintsOf(camera), "");
+  }
+}
+
+TEST_F(Lighting, CountStartsOverAtOne) {
+  VirtualBridge camera(0x960);
+  plugBridges({&camera});
+  SEGCount[0] = 9998;
+  SetSEGLevel(0, 1);
+  EXPECT_EQ(SEGCount[0], 9999);
+  SetAimpointLevel(0, 1);
+  EXPECT_EQ(SEGCount[0], 1);
+  traffic();
+  SetSEGSwitch(0, 1);
+  EXPECT_EQ(traffic(), "4=1 p") << "never back to 0";
+}
+
+TEST_F(Lighting, IndexesWithoutACountDoNotKeepOne) {
+  const auto before = [] {
+    int sum = 0;
+    for (const int count : SEGCount) sum += count;
+    return sum;
+  };
+  for (const int index : {100, INT_MAX, -2, INT_MIN}) {
+    for (const Command command : {SetSEGSwitch, SetSEGLevel, SetAXILevel, SetAimpointLevel}) {
+      command(index, INT_MIN);
+      command(index, INT_MAX);
+    }
+    SetESEG(index, INT_MIN, INT_MAX);
+    EXPECT_EQ(before(), 0) << index;
+  }
+  SetSEGSwitch(99, 0);
+  EXPECT_EQ(SEGCount[99], 1);
+}
+
+TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
+  VirtualBridge current(0x9C0), other(0x960);
+  plugBridges({&current, &other});
+  SetAXILevel(1, 6);
+  EXPECT_EQ(traffic(), "4=24 p 3=38 p") << "by the rule of 0x9C0";
+  EXPECT_EQ(other.camera.controller().at(3), 38);
+  SetSEGSwitch(1, 15);
+  EXPECT_EQ(traffic(), "4=15 p");
+  SEGCount[1] = 0;
+  SetSEGSwitch(1, 15);
+  EXPECT_EQ(traffic(), "R80=F5 4=15 p");
+  EXPECT_EQ(current.chip.peek(0x80), 0xF5u) << "the mode of the current device, by its chip";
+  EXPECT_EQ(other.chip.peek(0x80), 0xF0u);
+  VideoDeviceIndex = 1;
+  SetAXILevel(0, 0);
+  EXPECT_EQ(traffic(), "F2 1 F3 1 p p 3=7 p");
+  EXPECT_TRUE(current.chip.commands().segmentMode())
+      << "and by command that of the device addressed";
+}
+
+TEST_F(Lighting, QuadrantsOnRingsThatHaveThem) {
+  VirtualBridge camera(0x9E2);
+  plugBridges({&camera});
+  nPid = 0x9E2;
+  const struct {
+    qvx_long quadrant, level;
+    const char* traffic;
+  } rows[] = {
+      {2, 12, "19=30 p 19=12 p"},
+      {2, 31, "19=31 p"},
+      {1, 300, "18=30 p 18=44 p"},
+      {4, 0, "21=30 p 21=0 p"},
+      {0, 7, "3=7 p"},
+      {5, 7, ""},
+      {-1, 7, ""},
+      {INT_MIN, 7, ""},
+      {INT_MAX, 7, ""},
+  };
+  for (const auto& row : rows) {
+    SetESEG(0, row.quadrant, row.level);
+    EXPECT_EQ(traffic(), row.traffic) << row.quadrant;
+  }
+  EXPECT_EQ(SEGCount[0], 0) << "these are not counted";
+  camera.camera.controller().set(0x83, 0);
+  SetESEG(0, 2, 12);
+  EXPECT_EQ(traffic(Reads::shown), "bus 131?");
+  EXPECT_EQ(complaintsOf(camera.camera), "");
+}
+
+TEST_F(Lighting, QuadrantsOverWifi) {
+  simulator::Camera camera(0x9C4);
+  plugWifi(camera);
+  SetESEG(90, 3, 9);
+  EXPECT_EQ(traffic(Reads::shown), "131? 20? 20=30 p 20=9 p");
+  SetESEG(-1, 3, 12);
+  EXPECT_EQ(traffic(), "") << "the kind is not read under this index";
+  EXPECT_EQ(complaintsOf(camera), "");
+}
+
+// On Wi-Fi the whole number goes out, not its low byte.
+TEST_F(Lighting, WifiTakesWholeNumbers) {
+  SEGCount[90] = 1;
+  SetSEGLevel(90, 300);
+  EXPECT_EQ(traffic(), "p 3=300 p");
+  SetSEGLevel(90, -2);
+  EXPECT_EQ(traffic(), "p 65535=65534 p");
+}
+
+TEST_F(Lighting, SegmentModeIsAskedOfSevenThousandsOnly) {
+  VirtualBridge camera(0x97F);
+  plugBridges({&camera});
+  nPid = 0x97F;
+  EXPECT_FALSE(isSEGMode());
+  EXPECT_EQ(traffic(), "F2 0 F3 0");
+  LedCtrlUVC5640_SegSet(0);
+  EXPECT_TRUE(isSEGMode());
+  traffic();
+  for (const int pid : {0x95F, 0x9A0, 0x9C0}) {
+    nPid = pid;
+    EXPECT_FALSE(isSEGMode());
+  }
+  EXPECT_EQ(traffic(), "");
+}
+
+TEST_F(Lighting, NothingReachableHarmsNobody) {
+  machine().set({simulator::Fault::fails});
+  VirtualBridge camera(0x998);
+  plugBridges({&camera});
+  for (const int index : {0, 90}) {
+    SetSEGSwitch(index, 15);
+    SetSEGLevel(index, 0);
+    SetESEG(index, 1, 1);
+    SetAXILevel(index, 1);
+    EXPECT_EQ(SEGCount[static_cast<std::size_t>(index)], 3) << "counted all the same";
+  }
+  EXPECT_FALSE(isSEGMode());
+}
+
+}  // namespace
+}  // namespace qvx::tests
