@@ -55,7 +55,7 @@ constexpr Product products[] = {
     {0x9E0, 0x9E1, zoomLens | aimingLight | variant2 | lightingController, parabola,
      Lens::voiceCoil, ring, 8},
     {0x9E2, 0x9E3, zoomLens | variant2 | lightingController, cubic, Lens::voiceCoil, quadrants, 5},
-    {0x9E4, 0x9E6, zoomLens | secondRing | variant3, line, Lens::zeroAt50, twoRings, 6},
+    {0x9E4, 0x9E6, zoomLens | secondRing | variant3, line, Lens::voiceCoil, twoRings, 6},
     {0x9E7, 0x9EF, lens | variant2 | lightingController, none, Lens::voiceCoil, ring, 0},
 };
 
