@@ -46,7 +46,7 @@ TEST_F(Flicker, KnowsItsRanges) {
     int first, id;
   } rows[] = {{0x860, 0},    {0x870, 6472}, {0x890, 0},    {0x900, 6520}, {0x90A, 0},
               {0x910, 6472}, {0x920, 6520}, {0x950, 0},    {0x960, 6520}, {0x9A0, 5442},
-              {0x9B0, 6520}, {0x9C0, 6472}, {0x9D0, 5442}, {0x9E0, 0},    {0xA00, 0}};
+              {0x9B0, 6520}, {0x9C0, 6472}, {0x9D0, 5442}, {0x9E0, 0}};
   for (const auto* row = rows; row + 1 != std::end(rows); ++row) {
     for (int pid = row->first; pid < row[1].first; ++pid) {
       nPid = pid;
@@ -56,6 +56,11 @@ TEST_F(Flicker, KnowsItsRanges) {
       EXPECT_EQ(traffic.find(write) != std::string::npos, row->id != 0) << std::hex << pid;
       EXPECT_EQ(traffic.empty(), row->id == 0) << std::hex << pid;
     }
+  }
+  for (const int pid : {-1, 0, 0x9F0, 0xA70}) {
+    nPid = pid;
+    SetFlicker(-1, 1);
+    EXPECT_EQ(accesses(), "") << std::hex << pid;
   }
 }
 
