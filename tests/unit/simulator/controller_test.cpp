@@ -74,7 +74,7 @@ TEST(Controller, AcknowledgesWhatItHasAndReportsTheRest) {
       {"two bytes", 0x970, true, {0x03}, {1, 2}, "write of several bytes from register 0x03"},
       {"lens direction", 0x9E0, true, {0x08}, {2}, nullptr},
       {"third direction", 0x9E0, true, {0x08}, {3}, "unknown lens direction 0x03"},
-      {"no voice coil", 0x9E4, true, {0x08}, {1}, "write of unknown register 0x08"},
+      {"no voice coil", 0x9C0, true, {0x08}, {1}, "write of unknown register 0x08"},
   };
   for (const Access& access : cases) {
     SCOPED_TRACE(access.what);
