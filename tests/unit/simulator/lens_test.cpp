@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "simulator/model/camera.h"
-#include "simulator/model/usb3_function.h"
 
 namespace qvx::simulator {
 namespace {
@@ -51,27 +50,6 @@ TEST(FocusLens, StandsOnlyWhereItIsBuiltIn) {
   Camera camera(0x990);
   std::uint8_t data = 0;
   EXPECT_FALSE(camera.deviceAt(0x46)->read({}, {&data, 1})) << "drivers tell nothing";
-}
-
-TEST(FocusLens, HasItsOwnUsb3Selectors) {
-  const struct {
-    std::uint16_t selector;
-    Bytes data;
-    bool done;
-  } cases[] = {
-      {0x0302, {0x62, 0x08, 2}, true}, {0x0302, {0x18, 0x06, 0x91}, true},
-      {0x0304, {0x46, 120}, true},     {0x0302, {0x62, 0x03, 2}, false},
-      {0x0302, {0x18, 0x06}, false},   {0x0304, {0x46, 0, 120}, false},
-      {0x0304, {0x18, 120}, false},
-  };
-  for (const auto& expected : cases) {
-    Camera camera(0x9B0);
-    Bytes data = expected.data;
-    const auto length = static_cast<std::uint16_t>(data.size());
-    const UsbSetup setup{0x21, 0x01, expected.selector, 0x0300, length};
-    EXPECT_EQ(Usb3Function(camera).transfer(setup, data).has_value(), expected.done);
-    EXPECT_EQ(camera.violations().count() == 0, expected.done);
-  }
 }
 
 }  // namespace
