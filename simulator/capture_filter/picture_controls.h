@@ -1,74 +1,29 @@
-// Brightness, contrast and the like of a virtual camera, as its driver describes and keeps them.
+// The picture controls of a virtual camera, for all its filter objects.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <mutex>
+
+#include "simulator/model/picture_controls.h"
 
 namespace qvx::simulator {
 
-struct PictureControl {
-  long property;  // in DirectShow's numbering
-  long least, most, step, standard;
-  bool hasAutomatic;
-};
-
-inline constexpr std::array<PictureControl, 10> pictureControls = {{
-    {0, -64, 64, 1, 0, false},        // brightness
-    {1, 0, 95, 1, 32, false},         // contrast
-    {2, -40, 40, 1, 0, false},        // hue
-    {3, 0, 100, 1, 64, false},        // saturation
-    {4, 0, 7, 1, 2, false},           // sharpness
-    {5, 72, 500, 1, 100, false},      // gamma
-    {7, 2800, 6500, 10, 4600, true},  // white balance; there is no 6, colour enable
-    {8, 0, 2, 1, 1, false},           // backlight compensation
-    {9, 0, 100, 1, 0, false},         // gain
-    {13, 0, 2, 1, 1, false},          // power-line frequency: off, 50 Hz, 60 Hz
-}};
-
-// Null for a control that the camera does not have.
-inline const PictureControl* pictureControl(long property) {
-  for (const PictureControl& control : pictureControls) {
-    if (control.property == property) return &control;
-  }
-  return nullptr;
-}
-
-// The values they stand at. Any thread may call.
+// Any thread may call.
 class PictureControlValues {
  public:
-  struct Value {
-    long value;
-    bool automatic;
-  };
-
-  PictureControlValues() {
-    for (std::size_t i = 0; i < values_.size(); ++i) {
-      values_[i] = {pictureControls[i].standard, pictureControls[i].hasAutomatic};
-    }
-  }
+  using Value = PictureControls::Value;
 
   Value get(const PictureControl& control) {
     const std::lock_guard<std::mutex> lock(guard_);
-    return at(control);
+    return controls_.get(control);
   }
-  // False for what the camera cannot be set to.
   bool set(const PictureControl& control, const Value& value) {
-    const bool inRange = value.value >= control.least && value.value <= control.most &&
-                         (value.value - control.least) % control.step == 0;
-    if (!inRange || (value.automatic && !control.hasAutomatic)) return false;
     const std::lock_guard<std::mutex> lock(guard_);
-    at(control) = value;
-    return true;
+    return controls_.set(control, value);
   }
 
  private:
-  Value& at(const PictureControl& control) {
-    return values_[static_cast<std::size_t>(&control - pictureControls.data())];
-  }
-
   std::mutex guard_;
-  std::array<Value, pictureControls.size()> values_{};
+  PictureControls controls_;
 };
 
 }  // namespace qvx::simulator

@@ -10,7 +10,8 @@ Camera::Camera(std::uint16_t productId)
       controller_(productId, violations_),
       gpio_(productId, violations_),
       lens_(productId, controller_, violations_),
-      sensor_(productId, violations_) {
+      sensor_(productId, violations_),
+      video_(productId) {
   turnRing();
 }
 

@@ -7,7 +7,9 @@
 #include "simulator/model/controller.h"
 #include "simulator/model/gpio.h"
 #include "simulator/model/lens.h"
+#include "simulator/model/picture_controls.h"
 #include "simulator/model/sensor.h"
+#include "simulator/model/video_modes.h"
 #include "simulator/model/violations.h"
 #include "simulator/model/zoom_ring.h"
 
@@ -42,6 +44,8 @@ class Camera {
   Gpio& gpio() { return gpio_; }
   FocusLens& lens() { return lens_; }
   Sensor& sensor() { return sensor_; }
+  PictureControls& picture() { return picture_; }
+  VideoOutput& video() { return video_; }
   Violations& violations() { return violations_; }
 
  private:
@@ -57,6 +61,8 @@ class Camera {
   Gpio gpio_;
   FocusLens lens_;
   Sensor sensor_;
+  PictureControls picture_;
+  VideoOutput video_;
 };
 
 }  // namespace qvx::simulator

@@ -13,6 +13,8 @@
 namespace qvx::simulator {
 
 enum class WifiGroup : std::int32_t {
+  picture = 1,
+  videoMode = 2,
   gpio = 4,
   i2c = 5,
 };

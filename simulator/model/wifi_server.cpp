@@ -1,12 +1,15 @@
 #include "simulator/model/wifi_server.h"
 
+#include <algorithm>
+
 #include "simulator/model/register_names.h"
+#include "simulator/model/wifi_controls.h"
 
 namespace qvx::simulator {
 
 namespace {
 
-constexpr int ok = 200, missing = 404;
+constexpr int ok = 200, missing = 404, unavailable = 503;
 
 std::string text(std::initializer_list<std::string_view> parts) {
   std::string whole;
@@ -53,6 +56,8 @@ std::string describe(const GpioAccess& access) {
 WifiAnswer WifiServer::get(std::string_view target) {
   if (target == "/") return homePage();
   if (target == "/usbdevlist.json") return deviceList();
+  if (target == "/input_0_control.json") return controls();
+  if (target == "/?action=snapshot") return snapshot();
   if (target.starts_with("/")) {
     const auto parsed = wifiCommandFrom(target.substr(1));
     if (parsed) return command(*parsed);
@@ -85,22 +90,42 @@ WifiAnswer WifiServer::deviceList() const {
           "product id -> " + id};
 }
 
+WifiAnswer WifiServer::controls() const {
+  return {ok, "application/json", controlDocument(camera_.picture()), "picture controls"};
+}
+
+WifiAnswer WifiServer::snapshot() const {
+  if (!still_) return {unavailable, "text/plain", "503: no picture here\n", "still: none here"};
+  const VideoMode& mode = camera_.video().mode();
+  std::string file = still_(camera_);
+  std::string description = "still of " + std::to_string(mode.width) + " x " +
+                            std::to_string(mode.height) + " pixels, " +
+                            std::to_string(file.size()) + " bytes";
+  return {ok, "image/jpeg", std::move(file), std::move(description)};
+}
+
 WifiAnswer WifiServer::notFound(std::string_view target) {
   camera_.violations().add({"wifi: unknown request ", target});
   return {missing, "text/plain", "404: not found\n", text({"unknown request ", target})};
 }
 
 WifiAnswer WifiServer::command(const WifiCommand& command) {
-  Violations& violations = camera_.violations();
-  if (command.group == static_cast<std::int32_t>(WifiGroup::i2c)) {
-    const auto access = i2cAccessFrom(command, violations);
-    return access ? i2c(*access) : refused("I2C command that cannot be");
+  switch (static_cast<WifiGroup>(command.group)) {
+    case WifiGroup::picture:
+      return picture(command);
+    case WifiGroup::videoMode:
+      return videoMode(command);
+    case WifiGroup::gpio: {
+      const auto access = gpioAccessFrom(command, camera_.violations());
+      return access ? gpio(*access) : refused("GPIO command that cannot be");
+    }
+    case WifiGroup::i2c: {
+      const auto access = i2cAccessFrom(command, camera_.violations());
+      return access ? i2c(*access) : refused("I2C command that cannot be");
+    }
   }
-  if (command.group == static_cast<std::int32_t>(WifiGroup::gpio)) {
-    const auto access = gpioAccessFrom(command, violations);
-    return access ? gpio(*access) : refused("GPIO command that cannot be");
-  }
-  violations.add({"wifi: unknown group ", hex(static_cast<std::uint32_t>(command.group), 2)});
+  camera_.violations().add(
+      {"wifi: unknown group ", hex(static_cast<std::uint32_t>(command.group), 2)});
   return refused("command of an unknown group");
 }
 
@@ -130,6 +155,31 @@ WifiAnswer WifiServer::gpio(const GpioAccess& access) {
   return result(static_cast<std::int8_t>(*levels),
                 text({describe(access), " -> ", hex(*levels, 2),
                       access.port == buttonPort ? "  touch button" : "  lights"}));
+}
+
+// A value beyond the limits becomes the nearest one that there is.
+WifiAnswer WifiServer::picture(const WifiCommand& command) {
+  const WifiControl* const known = wifiControl(command.id);
+  if (known == nullptr) {
+    camera_.violations().add(
+        {"wifi: unknown picture control ", hex(static_cast<std::uint32_t>(command.id), 6)});
+    return refused("picture control that is not there");
+  }
+  const PictureControl& control = *known->control;
+  const std::int32_t value = std::clamp(command.value, control.least, control.most);
+  camera_.picture().set(control, {value, false});
+  return result(0, text({known->name, " <- ", std::to_string(value)}));
+}
+
+WifiAnswer WifiServer::videoMode(const WifiCommand& command) {
+  if (command.id != 0 || !camera_.video().choose(command.value)) {
+    camera_.violations().add(
+        {"wifi: unknown video mode ", hex(static_cast<std::uint32_t>(command.value), 2)});
+    return refused("video mode that is not there");
+  }
+  const VideoMode& mode = camera_.video().mode();
+  return result(
+      0, "video mode <- " + std::to_string(mode.width) + " x " + std::to_string(mode.height));
 }
 
 }  // namespace qvx::simulator

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "simulator/scene/still.h"
+
 namespace qvx::wifi_camera {
 
 namespace {
@@ -16,7 +18,8 @@ void configureSocket(int socket) {
 
 }  // namespace
 
-Service::Service(const Options& options) : options_(options), camera_(options.productId) {
+Service::Service(const Options& options)
+    : options_(options), camera_(options.productId), wifi_(camera_, simulator::stillOf) {
   if (options.zoom) camera_.setZoom(*options.zoom);
   server_.set_socket_options(configureSocket);
   // Clients leave their side of a connection open. It must not hold a thread after the answer.

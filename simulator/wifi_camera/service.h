@@ -48,7 +48,7 @@ class Service {
   bool stopping_ = false;
   std::uint64_t requests_ = 0;
   simulator::Camera camera_;
-  simulator::WifiServer wifi_{camera_};
+  simulator::WifiServer wifi_;
 
   httplib::Server server_;
   std::once_flag listeningStopped_;

@@ -22,6 +22,9 @@ TEST(WifiServer, AnswersCommands) {
       {"256&group=4&value=0", "res:24", "read  GPIO port 1 -> 0x18  touch button"},
       {"1031&group=4&value=1", "res:0", "write GPIO port 0 mask 0x07 levels 0x01"},
       {"1296&group=4&value=0", "res:0", "write GPIO port 1 mask 0x10 levels 0x00"},
+      {"9963776&group=1&value=-12", "res:0", "Brightness <- -12"},
+      {"9963803&group=1&value=99", "res:0", "Sharpness <- 7"},
+      {"0&group=2&value=4", "res:0", "video mode <- 2592 x 1944"},
   };
   for (const auto& expected : cases) {
     Camera camera(0x970);
@@ -46,13 +49,16 @@ TEST(WifiServer, RefusesWhatTheFirmwareDoesNotKnow) {
       {"1634&group=5&value=8388608", "wifi: I2C data bytes: 0x02"},
       {"3426&group=5&value=8388608", "wifi: I2C register bytes: 0x03"},
       {"2402&group=5&value=8388608", "controller: bytes of register address: 0x02"},
-      {"2424&group=5&value=889389056", "wifi: nothing on the I2C bus at 0x78"},
+      {"2376&group=5&value=889389056", "wifi: nothing on the I2C bus at 0x48"},
       {"-128&group=5&value=0", "wifi: unknown bits in I2C id 0xFFFFFF80"},
       {"512&group=4&value=0", "gpio: read of unknown port 0x2"},
       {"257&group=4&value=0", "wifi: GPIO read with a mask: 0x101"},
       {"1031&group=4&value=-1", "wifi: GPIO levels that cannot be: 0xFFFFFFFF"},
       {"2048&group=4&value=0", "wifi: unknown bits in GPIO id 0x800"},
       {"1378&group=6&value=0", "wifi: unknown group 0x06"},
+      {"9963781&group=1&value=0", "wifi: unknown picture control 0x980905"},
+      {"0&group=2&value=5", "wifi: unknown video mode 0x05"},
+      {"1&group=2&value=0", "wifi: unknown video mode 0x00"},
   };
   for (const auto& expected : cases) {
     Camera camera(0x970);
@@ -66,8 +72,31 @@ TEST(WifiServer, RefusesWhatTheFirmwareDoesNotKnow) {
 TEST(WifiServer, TellsWhichRegisterAnAbsentDeviceWasAskedFor) {
   Camera camera(0x970);
   EXPECT_EQ(
-      WifiServer(camera).get(std::string(prefix) + "2424&group=5&value=889389056").description,
-      "read  I2C 0x78 0x3503: no answer");
+      WifiServer(camera).get(std::string(prefix) + "2376&group=5&value=889389056").description,
+      "read  I2C 0x48 0x3503: no answer");
+}
+
+TEST(WifiServer, TellsOfItsPictureControls) {
+  Camera camera(0x970);
+  WifiServer server(camera);
+  server.get(std::string(prefix) + "9963792&group=1&value=120");
+  const std::string document = server.get("/input_0_control.json").body;
+  EXPECT_NE(document.find(R"("name": "Gamma", "id": "9963792", "type": "1", "min": "72", "max": )"
+                          R"("500", "step": "1", "default": "100", "value": "120")"),
+            std::string::npos)
+      << document;
+}
+
+TEST(WifiServer, HandsOutWhatTheCameraSees) {
+  Camera camera(0x970);
+  EXPECT_EQ(WifiServer(camera).get("/?action=snapshot").status, 503);
+  const WifiAnswer answer =
+      WifiServer(camera, [](Camera&) { return std::string("jpeg"); }).get("/?action=snapshot");
+  EXPECT_EQ(answer.status, 200);
+  EXPECT_EQ(answer.contentType, "image/jpeg");
+  EXPECT_EQ(answer.body, "jpeg");
+  EXPECT_EQ(answer.description, "still of 1280 x 960 pixels, 4 bytes");
+  EXPECT_EQ(camera.violations().count(), 0U);
 }
 
 TEST(WifiServer, TakesItsRequestsLiterally) {
