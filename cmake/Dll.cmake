@@ -2,6 +2,7 @@
 add_library(
   qvx_windows_platform OBJECT
   platform/windows/com.cpp
+  platform/windows/files.cpp
   platform/windows/hid.cpp
   platform/windows/internet.cpp
   platform/windows/libusbk.cpp
@@ -11,6 +12,7 @@ add_library(
   platform/windows/timers.cpp
   platform/windows/topology.cpp
   platform/windows/video_inputs.cpp
+  platform/windows/video_proc_amp.cpp
   platform/windows/workers.cpp)
 target_link_libraries(
   qvx_windows_platform

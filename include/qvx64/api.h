@@ -215,6 +215,32 @@ QVX64_API qvx_long GetAutoExposure(int vindex);
  * Worst case: 4 camera accesses. */
 QVX64_API void SetFlicker(int deviceIndex, qvx_long Value);
 
+/* Sets a picture property of the current camera (SetVideoDeviceIndex) and switches its automatic mode
+ * off. A value that the camera cannot take is ignored, by the camera.
+ * valueIndex: 0 brightness, 1 contrast, 2 hue, 3 saturation, 4 sharpness, 5 gamma; on USB cameras also
+ * 6 colour enable, 7 white balance, 8 backlight compensation, 9 gain, 13 power-line frequency. What
+ * the camera does not have is ignored.
+ * newValue: in the camera's own range, see GetVideoProcAmpValueRange.
+ * A USB camera is found by its device path: call GetDeviceId before. Each of the three functions, when
+ * it finds the camera, opens its capture filter and leaves that open, with COM, until the process
+ * ends. Prints a line to standard output when the system has no video input or the camera no picture
+ * properties. Worst case: one time-out of the system's HTTP client on Wi-Fi. */
+QVX64_API void SetVideoProcAmp(int valueIndex, qvx_long newValue);
+
+/* Returns what a picture property stands at. -1 for a property that the camera does not have and for
+ * a USB camera that is not there; 0 when the Wi-Fi camera does not answer as it should or the system
+ * has no video input at all.
+ * valueIndex and worst case: as for SetVideoProcAmp. */
+QVX64_API qvx_long GetVideoProcAmp(int valueIndex);
+
+/* Gives the limits, the step and the standard value of a picture property: all -1 for one that the
+ * camera does not have. When the camera is not there or does not answer, nothing is written: preset
+ * the variables.
+ * valueIndex: points to the property's number, as for SetVideoProcAmp; it is not changed. Any other
+ * pointer may be null. Returns 0 always. Worst case: as for SetVideoProcAmp. */
+QVX64_API qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMin, qvx_long* lMax,
+                                             qvx_long* lSteppomgDelta, qvx_long* lDefault);
+
 /* Switches the camera's illumination to one of its basic states.
  * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Pass 90: under -1 the kind of its ring is not
  * found out, and a ring with quadrants is lit as a plain one.
@@ -263,6 +289,28 @@ QVX64_API void SetAXILevel(int ID, qvx_long nLevel);
  * ID, nLevel: as SetAXILevel. Takes 100 ms, on 0x960 to 0x99F 50 ms. Worst case: 6 camera
  * accesses. */
 QVX64_API void SetAimpointLevel(int ID, qvx_long nLevel);
+
+/* Saves a still of the Wi-Fi camera, whichever device is current, as a JPEG file; a file that exists
+ * is replaced.
+ * filename: at most 256 characters; characters above 127 are taken as ISO 8859-1, whatever the
+ * system's code page. A relative name starts from the process's current folder.
+ * Returns false only when the file cannot be created. True does not mean that there is a file: a
+ * camera out of reach gives true and none, a camera that stops half-way or a full disk gives true and
+ * a part. Worst case: one time-out of the system's HTTP client for the answer, and one for each part
+ * of it that is late. */
+QVX64_API bool GetWiFiImage(const char* filename);
+
+/* Chooses the size of the Wi-Fi camera's video and stills, in pixels; one of GetWiFiVideoCaps.
+ * Returns whether a command was sent: false, and nothing sent, when the current device is not 90 or
+ * its camera does not offer the size. Worst case: 2 camera accesses. */
+QVX64_API bool SetWiFiVideoRes(qvx_long width, qvx_long height);
+
+/* Lists the sizes of video and stills that the Wi-Fi camera offers, by the product id that Init
+ * found: how many in *count, and that many widths and heights. width and height must have room for 5
+ * each; any pointer may be null.
+ * Returns false, with nothing written, for a camera that is not known to offer any. Worst case: 1
+ * camera access. */
+QVX64_API bool GetWiFiVideoCaps(qvx_long* count, short* width, short* height);
 
 #ifdef __cplusplus
 }

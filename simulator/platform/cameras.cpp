@@ -104,7 +104,8 @@ std::wstring videoInputPath(int productId, const std::string& instance) {
 VideoInput bridgeInput(VirtualBridge& camera, const std::string& instance) {
   return {videoInputPath(camera.camera.productId(), instance),
           L"Microscope " + std::wstring(instance.begin(), instance.end()),
-          {nullptr, nullptr, extensionUnitFront(camera), nullptr}};
+          {nullptr, nullptr, extensionUnitFront(camera), nullptr},
+          &camera.picture};
 }
 
 HidInterface bridgeHidInterface(VirtualBridge& camera, const std::string& path) {

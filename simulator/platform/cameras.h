@@ -28,6 +28,7 @@ class VirtualBridge : public BridgeDevice {
 
   ExtensionUnit extensionUnit;
   HidFunction hid;
+  PictureControls picture;
 };
 
 std::shared_ptr<PropertyNode> extensionUnitFront(VirtualBridge& camera);

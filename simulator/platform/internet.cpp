@@ -11,7 +11,7 @@ namespace qvx::platform {
 struct InternetObject {
   bool isRequest;
   simulator::HttpAnswer answer{};
-  std::size_t nextChunk = 0;
+  std::size_t nextChunk = 0, taken = 0;  // and how much of it
 };
 
 namespace {
@@ -49,6 +49,11 @@ InternetHandle openInternetSession(const wchar_t* agent) {
   return session;
 }
 
+InternetHandle openDirectInternetSession(const wchar_t* agent) {
+  world().note("session past proxies");
+  return openInternetSession(agent);
+}
+
 void setInternetTimeouts(InternetHandle /*session*/, std::uint32_t connect_ms,
                          std::uint32_t receive_ms) {
   world().note("time-outs " + std::to_string(connect_ms) + " " + std::to_string(receive_ms));
@@ -69,11 +74,15 @@ bool readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
              std::uint32_t& received) {
   received = 0;
   if (request->nextChunk == request->answer.chunks.size()) return !request->answer.breaksOff;
-  std::string& chunk = request->answer.chunks[request->nextChunk];
-  received = static_cast<std::uint32_t>(std::min<std::size_t>(chunk.size(), capacity));
-  std::memcpy(buffer, chunk.data(), received);
-  chunk.erase(0, received);
-  if (chunk.empty()) ++request->nextChunk;
+  const std::string& chunk = request->answer.chunks[request->nextChunk];
+  const std::size_t left = chunk.size() - request->taken;
+  received = static_cast<std::uint32_t>(std::min<std::size_t>(left, capacity));
+  std::memcpy(buffer, chunk.data() + request->taken, received);
+  request->taken += received;
+  if (received == left) {
+    ++request->nextChunk;
+    request->taken = 0;
+  }
   return true;
 }
 

@@ -5,14 +5,17 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "simulator/model/bridge_chip_extension_unit.h"
+#include "simulator/model/picture_controls.h"
 #include "simulator/model/usb3_function.h"
 #include "simulator/platform/clock.h"
 
@@ -51,6 +54,8 @@ struct VideoInput {
   // Vendor-specific nodes by their place in the topology; a place without one is another kind of
   // node. Empty: the filter has no topology.
   std::vector<std::shared_ptr<PropertyNode>> nodes;
+  PictureControls* picture = nullptr;  // null: the filter has no picture properties
+  bool opens = true;
 };
 
 struct HidInterface {
@@ -98,6 +103,9 @@ struct OpenCounts {
   int hidDevices = 0, filters = 0;
   int mutexHandles = 0;
   int comInitializations = 0;
+  int inputLists = 0, captureFilters = 0, filterGraphs = 0, captureBuilders = 0;
+  int streamConfigs = 0, videoProcAmps = 0;
+  int files = 0;
 
   bool operator==(const OpenCounts&) const = default;
 };
@@ -113,10 +121,13 @@ class World {
   std::vector<VideoInput> videoInputs;
   std::optional<std::vector<HidInterface>> hidInterfaces{std::in_place};
   bool threadsStart = true;
+  std::set<std::wstring> folders{L""};  // those that exist; L"" is the current one
+  std::optional<std::size_t> diskRoom;  // bytes that still fit; nothing: as many as there are
 
   // What happened.
   OpenCounts open;
   int threadsStarted = 0;
+  std::map<std::wstring, std::string> files;
   std::vector<std::string> takeJournal();
   std::uint64_t operations() const;
 

@@ -1,4 +1,6 @@
 // The exported functions: each hands its arguments to the operation behind it.
+#include <cstring>
+
 #include "api/events.h"
 #include "api/guard.h"
 #include "api/init.h"
@@ -9,6 +11,8 @@
 #include "controls/lens.h"
 #include "controls/lighting.h"
 #include "controls/magnification.h"
+#include "controls/video_proc_amp.h"
+#include "controls/wifi_imaging.h"
 #include "qvx64/api.h"
 #include "state/device_state.h"
 #include "transport/enumeration.h"
@@ -22,6 +26,16 @@ qvx_long store(const LensRange& range, qvx_long* upper, qvx_long* lower) {
   if (upper != nullptr) *upper = range.upper;
   if (lower != nullptr) *lower = range.lower;
   return 1;
+}
+
+template <class Value>
+void storeAt(qvx_long* target, Value value) {
+  if (target != nullptr) *target = static_cast<qvx_long>(value);
+}
+
+// The first 256 characters at most: callers hand over a buffer of that size.
+std::string fileName(const char* text) {
+  return text == nullptr ? std::string() : std::string(text, strnlen(text, 256));
 }
 
 }  // namespace
@@ -141,6 +155,28 @@ void SetFlicker(int deviceIndex, qvx_long Value) {
   guarded([=] { setFlicker(deviceIndex, Value); });
 }
 
+void SetVideoProcAmp(int valueIndex, qvx_long newValue) {
+  guarded([=] { setVideoProcAmp(valueIndex, static_cast<std::int32_t>(newValue)); });
+}
+
+qvx_long GetVideoProcAmp(int valueIndex) {
+  return guarded<qvx_long>(0, [=] { return getVideoProcAmp(valueIndex); });
+}
+
+qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMin, qvx_long* lMax,
+                                   qvx_long* lSteppomgDelta, qvx_long* lDefault) {
+  if (valueIndex == nullptr) return 0;
+  guarded([=] {
+    const auto range = getVideoProcAmpRange(static_cast<std::int32_t>(*valueIndex));
+    if (!range) return;
+    storeAt(lMin, range->least);
+    storeAt(lMax, range->most);
+    storeAt(lSteppomgDelta, range->step);
+    storeAt(lDefault, range->standard);
+  });
+  return 0;
+}
+
 void SetLEDState(int deviceIndex, int nLedStatus) {
   guarded([=] { setLedState(deviceIndex, nLedStatus); });
 }
@@ -163,6 +199,29 @@ void SetAXILevel(int ID, qvx_long nLevel) {
 
 void SetAimpointLevel(int ID, qvx_long nLevel) {
   guarded([=] { setAimpointLevel(ID, nLevel); });
+}
+
+bool GetWiFiImage(const char* filename) {
+  return guarded(false, [=] { return saveWifiImage(fileName(filename)); });
+}
+
+bool SetWiFiVideoRes(qvx_long width, qvx_long height) {
+  return guarded(false, [=] {
+    return setWifiVideoMode(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height));
+  });
+}
+
+bool GetWiFiVideoCaps(qvx_long* count, short* width, short* height) {
+  return guarded(false, [=] {
+    const std::span<const VideoMode> modes = wifiVideoModes();
+    if (modes.empty()) return false;
+    storeAt(count, modes.size());
+    for (std::size_t i = 0; i < modes.size(); ++i) {
+      if (width != nullptr) width[i] = modes[i].width;
+      if (height != nullptr) height[i] = modes[i].height;
+    }
+    return true;
+  });
 }
 
 }  // extern "C"

@@ -12,6 +12,9 @@ using InternetHandle = InternetObject*;
 // Opens a session that uses the system's proxy settings. Null on failure.
 InternetHandle openInternetSession(const wchar_t* agent);
 
+// The same past every proxy.
+InternetHandle openDirectInternetSession(const wchar_t* agent);
+
 // Limits how long requests of this session may take to connect and to receive.
 void setInternetTimeouts(InternetHandle session, std::uint32_t connect_ms,
                          std::uint32_t receive_ms);

@@ -14,8 +14,7 @@ namespace qvx {
 namespace {
 
 // There is no "&" between "dest=0" and "plugin=0": the camera's server expects them run together.
-constexpr char i2cTemplate[] = "?action=commandcontrol&dest=0plugin=0&id=%d&group=5&value=%d";
-constexpr char gpioTemplate[] = "?action=commandcontrol&dest=0plugin=0&id=%d&group=4&value=%d";
+constexpr char commandTemplate[] = "?action=commandcontrol&dest=0plugin=0&id=%d&group=%d&value=%d";
 
 constexpr int i2cWriteFlag = 0x1000;
 constexpr int gpioWriteFlag = 0x400;
@@ -32,17 +31,14 @@ int shiftLeft(int value, int bits) {
   return static_cast<int>(static_cast<unsigned>(value) << bits);
 }
 
-// What atoi gives, with defined results beyond the range of an int.
-int decimalAt(const char* text) {
-  const long long value = std::strtoll(text, nullptr, 10);
-  return static_cast<int>(std::clamp<long long>(value, std::numeric_limits<int>::min(),
-                                                std::numeric_limits<int>::max()));
-}
-
 }  // namespace
 
 std::string wifiBaseUrl() {
   return "http://" QVX_CAMERA_ADDRESS ":8080/";
+}
+
+std::string commandUrl(const std::string& base, int id, WifiGroup group, int value) {
+  return base + format(commandTemplate, id, static_cast<int>(group), value);
 }
 
 int CTRL_ID_I2C_R(int device, int regBytes, int dataBytes) {
@@ -66,22 +62,22 @@ int CTRL_ID_GPIO_W(int port, int mask) {
 }
 
 std::string CMD_I2C_R(std::string base, int device, int reg, int regBytes, int dataBytes) {
-  return base +
-         format(i2cTemplate, CTRL_ID_I2C_R(device, regBytes, dataBytes), CTRL_VAL_I2C(reg, 0));
+  return commandUrl(base, CTRL_ID_I2C_R(device, regBytes, dataBytes), WifiGroup::i2c,
+                    CTRL_VAL_I2C(reg, 0));
 }
 
 std::string CMD_I2C_W(std::string base, int device, int reg, int regBytes, int data,
                       int dataBytes) {
-  return base +
-         format(i2cTemplate, CTRL_ID_I2C_W(device, regBytes, dataBytes), CTRL_VAL_I2C(reg, data));
+  return commandUrl(base, CTRL_ID_I2C_W(device, regBytes, dataBytes), WifiGroup::i2c,
+                    CTRL_VAL_I2C(reg, data));
 }
 
 std::string CMD_GPIO_R(std::string base, int port) {
-  return base + format(gpioTemplate, CTRL_ID_GPIO_R(port), 0);
+  return commandUrl(base, CTRL_ID_GPIO_R(port), WifiGroup::gpio, 0);
 }
 
 std::string CMD_GPIO_W(std::string base, int port, int mask, int levels) {
-  return base + format(gpioTemplate, CTRL_ID_GPIO_W(port, mask), levels);
+  return commandUrl(base, CTRL_ID_GPIO_W(port, mask), WifiGroup::gpio, levels);
 }
 
 std::string format(const char* pattern, ...) {
@@ -131,6 +127,12 @@ void sendUnread(const std::string& url) {
   const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
   platform::openUrl(session, widen(url));
   platform::closeInternetHandle(session);
+}
+
+int decimalAt(const char* text) {
+  const long long value = std::strtoll(text, nullptr, 10);
+  return static_cast<int>(std::clamp<long long>(value, std::numeric_limits<int>::min(),
+                                                std::numeric_limits<int>::max()));
 }
 
 int resultIn(const std::string& answer) {

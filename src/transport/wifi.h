@@ -20,7 +20,13 @@ constexpr std::uint32_t answerCapacity = 8192;
 // "http://", the camera's address, ":8080/".
 std::string wifiBaseUrl();
 
-// The two numbers of a command. Device addresses are in their 8-bit write form.
+// What a command is about.
+enum class WifiGroup { picture = 1, videoMode = 2, gpio = 4, i2c = 5 };
+
+// A complete command URL on a base URL.
+std::string commandUrl(const std::string& base, int id, WifiGroup group, int value);
+
+// The two numbers of a register or pin command. Device addresses are in their 8-bit write form.
 int CTRL_ID_I2C_R(int device, int regBytes, int dataBytes);
 int CTRL_ID_I2C_W(int device, int regBytes, int dataBytes);
 int CTRL_VAL_I2C(int reg, int data);
@@ -55,6 +61,9 @@ std::optional<std::string> fetchRegister(const std::string& url);
 
 // Sends a command and leaves its answer unread: the session is closed, the request stays open.
 void sendUnread(const std::string& url);
+
+// What atoi gives, with defined results beyond the range of an int.
+int decimalAt(const char* text);
 
 // The integer after "res:" in an answer.
 int resultIn(const std::string& answer);

@@ -43,12 +43,19 @@ const Export exports[] = {
     EXPORTED(SetAutoExposure, "vindex", "Value"),
     EXPORTED(GetAutoExposure, "vindex"),
     EXPORTED(SetFlicker, "deviceIndex", "Value"),
+    EXPORTED(SetVideoProcAmp, "valueIndex", "newValue"),
+    EXPORTED(GetVideoProcAmp, "valueIndex"),
+    EXPORTED(GetVideoProcAmpValueRange, readThroughPointer("valueIndex"), "lMin", "lMax",
+             "lSteppomgDelta", "lDefault"),
     EXPORTED(SetLEDState, "deviceIndex", "nLedStatus"),
     EXPORTED(SetSEGSwitch, "ID", "nMode"),
     EXPORTED(SetSEGLevel, "ID", "nLevel"),
     EXPORTED(SetESEG, "DeviceIndex", "Quadrant", "Value"),
     EXPORTED(SetAXILevel, "ID", "nLevel"),
     EXPORTED(SetAimpointLevel, "ID", "nLevel"),
+    EXPORTED(GetWiFiImage, "filename"),
+    EXPORTED(SetWiFiVideoRes, "width", "height"),
+    EXPORTED(GetWiFiVideoCaps, "count", "width", "height"),
 };
 
 #undef EXPORTED

@@ -17,6 +17,10 @@ InternetHandle openInternetSession(const wchar_t* agent) {
   return wrap(InternetOpenW(agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
 }
 
+InternetHandle openDirectInternetSession(const wchar_t* agent) {
+  return wrap(InternetOpenW(agent, INTERNET_OPEN_TYPE_DIRECT, nullptr, nullptr, 0));
+}
+
 void setInternetTimeouts(InternetHandle session, std::uint32_t connect_ms,
                          std::uint32_t receive_ms) {
   DWORD connect = connect_ms, receive = receive_ms;

@@ -1,0 +1,45 @@
+// The simulated machine's disk.
+#include "platform/files.h"
+
+#include <algorithm>
+
+#include "simulator/platform/world.h"
+
+namespace qvx::platform {
+
+struct FileObject {
+  std::string& content;
+};
+
+namespace {
+
+using simulator::world;
+
+std::wstring folderOf(const std::wstring& path) {
+  const std::size_t separator = path.find_last_of(L"\\/");
+  return separator == std::wstring::npos ? L"" : path.substr(0, separator);
+}
+
+}  // namespace
+
+FileHandle createFile(const std::wstring& path) {
+  if (path.empty() || !world().folders.contains(folderOf(path))) return nullptr;
+  world().files[path].clear();
+  ++world().open.files;
+  return new FileObject{world().files[path]};
+}
+
+bool writeFile(FileHandle file, const void* data, std::uint32_t size) {
+  auto& room = world().diskRoom;
+  const std::size_t written = room ? std::min<std::size_t>(*room, size) : size;
+  if (room) *room -= written;
+  file->content.append(static_cast<const char*>(data), written);
+  return written == size;
+}
+
+void closeFile(FileHandle file) {
+  --world().open.files;
+  delete file;
+}
+
+}  // namespace qvx::platform

@@ -1,0 +1,54 @@
+// The picture properties of capture devices (DirectShow on Windows), in the steps in which drivers
+// are asked for them. Every handle is one reference to an object of the system; what is not
+// released stays until the process ends. All functions need initializeCom on the calling thread.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace qvx::platform {
+
+struct InputList;
+struct CaptureFilter;
+struct FilterGraph;
+struct CaptureBuilder;
+struct StreamConfig;
+struct VideoProcAmp;
+
+struct PropertyRange {
+  std::int32_t least, most, step, standard;
+};
+
+// The system's list of video inputs. Null when it is empty or cannot be had.
+InputList* openInputList();
+void release(InputList* list);  // null is ignored, as below
+
+// The filter of the first input, in the system's order, whose display name is wanted. Inputs
+// without a display name are passed over. Null when there is none or it cannot be opened.
+CaptureFilter* openFilter(InputList& list,
+                          const std::function<bool(const std::wstring& displayName)>& isWanted);
+
+// Each null when the system cannot create it.
+FilterGraph* createFilterGraph();
+void release(FilterGraph* graph);
+CaptureBuilder* createCaptureBuilder();
+
+// The stream format settings of the filter's capture pin, whatever the media type. Null without.
+StreamConfig* findStreamConfig(CaptureBuilder& builder, CaptureFilter& filter);
+
+// Has the driver count its stream formats.
+void countCapabilities(StreamConfig& config);
+
+// Null when the filter has no picture properties.
+VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter);
+
+// Sets a property and switches its automatic mode off. Whether the driver took it is not told.
+void setProperty(VideoProcAmp& amplifier, std::int32_t property, std::int32_t value);
+
+// Nothing when the driver refuses: mostly for a property that the camera does not have.
+std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, std::int32_t property);
+std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, std::int32_t property);
+
+}  // namespace qvx::platform

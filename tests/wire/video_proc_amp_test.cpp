@@ -1,0 +1,257 @@
+// Picture properties: the steps through the capture system, and the Wi-Fi camera's two requests.
+#include <climits>
+
+#include "qvx64/api.h"
+#include "simulator/platform/cameras.h"
+#include "state/device_state.h"
+#include "tests/support/library.h"
+
+namespace qvx::tests {
+namespace {
+
+using simulator::HttpAnswer;
+using simulator::VirtualBridge;
+
+constexpr qvx_long untouched = 77;
+
+struct Range {
+  qvx_long least = untouched, most = untouched, step = untouched, standard = untouched;
+  bool operator==(const Range&) const = default;
+};
+
+Range rangeOf(qvx_long property) {
+  Range range;
+  EXPECT_EQ(
+      GetVideoProcAmpValueRange(&property, &range.least, &range.most, &range.step, &range.standard),
+      0);
+  return range;
+}
+
+constexpr Range none = {-1, -1, -1, -1};
+
+class VideoProcAmpCapture : public LibraryTest {
+ protected:
+  VideoProcAmpCapture() {
+    machine().videoInputs = {bridgeInput(other, "1"), bridgeInput(camera, "2")};
+    SetVideoDeviceIndex(1);
+    GetDeviceIDA(1);
+    machine().open = {};
+    journal();
+  }
+
+  std::string printedBy(const std::function<void()>& call) {
+    testing::internal::CaptureStdout();
+    call();
+    return testing::internal::GetCapturedStdout();
+  }
+
+  VirtualBridge other{0x970}, camera{0x970};
+};
+
+Journal session(const std::string& request) {
+  return {"capture: list inputs",     "capture: open filter",        "capture: create graph",
+          "capture: create builder",  "capture: find stream config", "capture: count capabilities",
+          "capture: query amplifier", "capture: " + request,         "capture: release graph",
+          "capture: release list"};
+}
+
+TEST_F(VideoProcAmpCapture, AsksTheCurrentCameraInTheseSteps) {
+  SetVideoProcAmp(0, -5);
+  EXPECT_EQ(journal(), session("set 0 to -5 manually"));
+  EXPECT_EQ(GetVideoProcAmp(0), -5);
+  EXPECT_EQ(journal(), session("get 0"));
+  EXPECT_EQ(rangeOf(5), (Range{72, 500, 1, 100}));
+  EXPECT_EQ(journal(), session("range of 5"));
+  EXPECT_EQ(other.picture.get(*simulator::pictureControl(0)).value, 0);
+}
+
+TEST_F(VideoProcAmpCapture, LeavesAllButTheListAndTheGraphOpen) {
+  GetVideoProcAmp(0);
+  simulator::OpenCounts expected;
+  expected.comInitializations = 1;
+  expected.captureFilters = expected.captureBuilders = 1;
+  expected.streamConfigs = expected.videoProcAmps = 1;
+  EXPECT_EQ(machine().open, expected);
+}
+
+TEST_F(VideoProcAmpCapture, SwitchesTheAutomaticOff) {
+  const auto& whiteBalance = *simulator::pictureControl(7);
+  EXPECT_TRUE(camera.picture.get(whiteBalance).automatic);
+  SetVideoProcAmp(7, 5000);
+  EXPECT_FALSE(camera.picture.get(whiteBalance).automatic);
+  SetVideoProcAmp(7, 5005);
+  EXPECT_EQ(GetVideoProcAmp(7), 5000) << "no such step";
+}
+
+TEST_F(VideoProcAmpCapture, PropertyThatTheCameraLacksIsMinusOne) {
+  for (const int property : {6, 10, -1, INT_MIN, INT_MAX}) {
+    SetVideoProcAmp(property, 1);
+    EXPECT_EQ(GetVideoProcAmp(property), -1) << property;
+    EXPECT_EQ(rangeOf(property), none) << property;
+  }
+}
+
+TEST_F(VideoProcAmpCapture, FindsNoCameraUnderAnotherName) {
+  const Journal search = {"capture: list inputs", "capture: release list"};
+  for (const int index : {2, 7, 8, 91, INT_MAX}) {
+    SetVideoDeviceIndex(index);
+    journal();
+    EXPECT_EQ(GetVideoProcAmp(0), -1) << index;
+    EXPECT_EQ(rangeOf(0), Range{}) << index;
+    EXPECT_EQ(journal(), search + search) << index;
+  }
+  // The table has lower-case paths; a name with a capital letter is another one.
+  SetVideoDeviceIndex(1);
+  machine().videoInputs[1].path[0] = L'A';
+  strOrvaDevice[1][0] = 'a';
+  EXPECT_EQ(GetVideoProcAmp(0), -1);
+  EXPECT_EQ(machine().open, simulator::OpenCounts{});
+}
+
+TEST_F(VideoProcAmpCapture, SaysWhenThereIsNothing) {
+  machine().videoInputs.clear();
+  EXPECT_EQ(printedBy([] { EXPECT_EQ(GetVideoProcAmp(0), 0); }), "No Device Found!\n");
+  EXPECT_EQ(printedBy([] { SetVideoProcAmp(0, 1); }), "No Device Found!\n");
+  EXPECT_EQ(printedBy([] { EXPECT_EQ(rangeOf(0), Range{}); }), "No Device Found!\n");
+  EXPECT_EQ(machine().open, simulator::OpenCounts{});
+}
+
+TEST_F(VideoProcAmpCapture, SaysWhenTheCameraHasNoProperties) {
+  const std::string message = "\nDevice does not support IAMVideoProcAmp!\n";
+  machine().videoInputs[1].picture = nullptr;
+  EXPECT_EQ(printedBy([] { EXPECT_EQ(GetVideoProcAmp(0), -1); }), message);
+  EXPECT_EQ(printedBy([] { SetVideoProcAmp(0, 1); }), message);
+  EXPECT_EQ(printedBy([] { EXPECT_EQ(rangeOf(0), Range{}); }), message);
+}
+
+TEST_F(VideoProcAmpCapture, OutlivesTheFailureOfEveryStep) {
+  for (std::uint64_t step = 1; step <= 8; ++step) {
+    machine().set({simulator::Fault::fails, step, 1});
+    printedBy([&] {
+      // Without a graph, a builder or the stream settings the amplifier is still asked.
+      const bool needed = step == 2 || step > 6;
+      EXPECT_EQ(GetVideoProcAmp(1), step == 1 ? 0 : needed ? -1 : 32) << step;
+    });
+  }
+}
+
+class VideoProcAmpWifi : public LibraryTest {
+ protected:
+  VideoProcAmpWifi() {
+    machine().wifi = wifiFront(camera);
+    SetVideoDeviceIndex(90);
+  }
+  ~VideoProcAmpWifi() override { EXPECT_EQ(complaintsOf(camera), ""); }
+
+  void answer(std::vector<std::string> chunks, bool breaksOff = false) {
+    machine().wifi = [=](const std::string&) { return HttpAnswer{true, chunks, breaksOff}; };
+  }
+
+  simulator::Camera camera{0x970};
+};
+
+const std::string base = "http://127.0.0.1:8080/";
+
+TEST_F(VideoProcAmpWifi, SendsACommandAndDoesNotReadItsAnswer) {
+  const struct {
+    int property;
+    const char* id;
+    qvx_long value;
+    const char* sent;
+  } rows[] = {
+      {0, "9963776", -64, "-64"},
+      {1, "9963777", 95, "95"},
+      {2, "9963779", 1, "1"},
+      {3, "9963778", 0, "0"},
+      {4, "9963803", 7, "7"},
+      {5, "9963792", 500, "500"},
+      {0, "9963776", -2147483647 - 1, "-2147483648"},
+  };
+  for (const auto& row : rows) {
+    machine().open = {};
+    SetVideoProcAmp(row.property, row.value);
+    EXPECT_EQ(journal(), Journal{"GET " + base + "?action=commandcontrol&dest=0plugin=0&id=" +
+                                 row.id + "&group=1&value=" + row.sent});
+    EXPECT_EQ(machine().open.internetSessions, 0);
+    EXPECT_EQ(machine().open.internetRequests, 1);
+  }
+}
+
+TEST_F(VideoProcAmpWifi, ReadsTheControlDocument) {
+  SetVideoProcAmp(3, 17);
+  machine().open = {};
+  journal();
+  EXPECT_EQ(GetVideoProcAmp(3), 17);
+  EXPECT_EQ(journal(), Journal{"GET " + base + "input_0_control.json"});
+  EXPECT_EQ(rangeOf(2), (Range{-40, 40, 1, 0}));
+  EXPECT_EQ(rangeOf(4), (Range{0, 7, 1, 2}));
+  EXPECT_EQ(machine().open.internetSessions, 3);
+  EXPECT_EQ(machine().open.internetRequests, 3);
+}
+
+TEST_F(VideoProcAmpWifi, RefusesOtherPropertiesWithoutAsking) {
+  for (const int property : {6, 9, 13, -1, INT_MIN, INT_MAX}) {
+    SetVideoProcAmp(property, 1);
+    EXPECT_EQ(GetVideoProcAmp(property), -1) << property;
+    EXPECT_EQ(rangeOf(property), none) << property;
+  }
+  EXPECT_EQ(journal(), Journal{});
+}
+
+TEST_F(VideoProcAmpWifi, TakesEveryNegativeIndex) {
+  for (const int index : {-1, -2, -3, INT_MIN}) {
+    SetVideoDeviceIndex(index);
+    EXPECT_EQ(GetVideoProcAmp(5), 100) << index;
+  }
+}
+
+TEST_F(VideoProcAmpWifi, TakesEachReadAsADocument) {
+  const std::string document = R"({"controls": [{"name": "Hue", "value": "9", "max": "40"}]})";
+  const std::string others = R"({"controls": [{"name": "Gamma", "value": "1"}]})";
+  const std::string padded = std::string(8192, ' ');
+  const struct {
+    std::vector<std::string> chunks;
+    int value;
+  } rows[] = {
+      {{document}, 9},
+      {{"junk", others, document}, 9},
+      {{document.substr(0, 30), document.substr(30)}, 0},
+      {{document.substr(0, 30), document.substr(30), document}, 9},
+      {{padded + document}, 9},
+      {{padded.substr(10) + document}, 0},
+      {{others}, 0},
+      {{std::string(1200, '['), document}, 9},
+      {{}, 0},
+  };
+  for (const auto& row : rows) {
+    for (const bool breaksOff : {false, true}) {
+      answer(row.chunks, breaksOff);
+      machine().open = {};
+      EXPECT_EQ(GetVideoProcAmp(2), row.value);
+      EXPECT_EQ(rangeOf(2).most, row.value != 0 ? 40 : untouched);
+      EXPECT_EQ(machine().open.internetSessions, row.value != 0 ? 2 : 0);
+      EXPECT_EQ(machine().open.internetRequests, row.value != 0 ? 2 : 0);
+    }
+  }
+}
+
+TEST_F(VideoProcAmpWifi, WithoutACamera) {
+  machine().wifi = nullptr;
+  SetVideoProcAmp(0, 1);
+  EXPECT_EQ(GetVideoProcAmp(0), 0);
+  EXPECT_EQ(rangeOf(0), Range{});
+  EXPECT_EQ(machine().open, simulator::OpenCounts{});
+}
+
+TEST_F(VideoProcAmpWifi, ToleratesNullPointers) {
+  qvx_long property = 5, least = 0;
+  EXPECT_EQ(GetVideoProcAmpValueRange(nullptr, &least, &least, &least, &least), 0);
+  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &least, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(least, 72);
+  property = 6;
+  EXPECT_EQ(GetVideoProcAmpValueRange(&property, nullptr, nullptr, nullptr, nullptr), 0);
+}
+
+}  // namespace
+}  // namespace qvx::tests
