@@ -25,6 +25,8 @@ void exposeCamera(const Options& options);
 void adjustAutomaticExposure(const Options& options);
 void suppressFlicker(const Options& options);
 void driveLens(const Options& options);
+void setLight(const Options& options);
+void setLeds(const Options& options);
 void showConfig(const Options& options);
 void callExport(const Options& options);
 

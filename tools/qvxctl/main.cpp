@@ -22,6 +22,9 @@ constexpr Command commands[] = {
      adjustAutomaticExposure},
     {"flicker", "auto|60|50", "adapt the camera to the mains frequency", suppressFlicker},
     {"lens", "limits|init|pos N|fine N", "tell the range of the focus lens, or move it", driveLens},
+    {"light", "switch N|level N|quadrant Q N|axial N|aim N",
+     "set a light of the lighting controller", setLight},
+    {"led", "off|on|other", "switch the illumination between its basic states", setLeds},
     {"config", "", "tell the features of a camera by name", showConfig},
     {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
 };
