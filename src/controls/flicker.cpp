@@ -2,6 +2,7 @@
 #include "controls/exposure.h"
 #include "controls/family_rows.h"
 #include "controls/sensor_registers.h"
+#include "controls/video_proc_amp.h"
 #include "transport/sensor.h"
 
 namespace qvx {
@@ -48,12 +49,19 @@ void setFlicker48(int deviceNumber, std::int32_t mode) {
   WriteTo88x(deviceNumber, sensor48::mainsFrequency, value);
 }
 
+// The camera's own property, of the current device whatever the index.
+void setFlicker4xx7(int /*deviceNumber*/, std::int32_t mode) {
+  constexpr std::int32_t powerLineFrequency = 13, at50Hz = 1, at60Hz = 2;
+  if (mode == mains60Hz) setVideoProcAmp(powerLineFrequency, at60Hz);
+  if (mode == mains50Hz) setVideoProcAmp(powerLineFrequency, at50Hz);
+}
+
 constexpr FamilyRow<void(int, std::int32_t)> setters[] = {
-    {within<0x900, 0x909>, setFlicker78}, {within<0x920, 0x94F>, setFlicker78},
-    {within<0x960, 0x99F>, setFlicker78}, {within<0x9B0, 0x9BF>, setFlicker78},
-    {within<0x870, 0x88F>, setFlicker48}, {within<0x910, 0x91F>, setFlicker48},
-    {within<0x9C0, 0x9CF>, setFlicker48}, {within<0x9A0, 0x9AF>, setFlicker42},
-    {within<0x9D0, 0x9DF>, setFlicker42},
+    {within<0x9E0, 0x9EF>, setFlicker4xx7}, {within<0x900, 0x909>, setFlicker78},
+    {within<0x920, 0x94F>, setFlicker78},   {within<0x960, 0x99F>, setFlicker78},
+    {within<0x9B0, 0x9BF>, setFlicker78},   {within<0x870, 0x88F>, setFlicker48},
+    {within<0x910, 0x91F>, setFlicker48},   {within<0x9C0, 0x9CF>, setFlicker48},
+    {within<0x9A0, 0x9AF>, setFlicker42},   {within<0x9D0, 0x9DF>, setFlicker42},
 };
 
 }  // namespace

@@ -64,5 +64,26 @@ TEST_F(Flicker, KnowsItsRanges) {
   }
 }
 
+// The property counts 50 Hz as 1 and 60 Hz as 2, the function the other way round.
+TEST_F(Flicker, IsAPropertyOfTheCurrentDeviceOn4xx7) {
+  plug(0x9E0);
+  GetDeviceIDA(0);
+  const struct {
+    qvx_long mode;
+    const char* set;
+  } rows[] = {
+      {0, ""}, {1, "capture: set 13 to 2 manually"}, {2, "capture: set 13 to 1 manually"}, {3, ""}};
+  for (const auto& row : rows) {
+    nPid = 0x9E0;
+    journal();
+    SetFlicker(5, row.mode);
+    std::string set;
+    for (const std::string& line : journal()) {
+      if (line.starts_with("capture: set")) set += line;
+    }
+    EXPECT_EQ(set, row.set) << row.mode;
+  }
+}
+
 }  // namespace
 }  // namespace qvx::tests
