@@ -88,6 +88,7 @@ TEST_F(LedState, BridgeCameras) {
       // What the predicates and the board leave, for state 2 of the cameras that go by it.
       ul80 = row.registers.features;
       ul84 = row.registers.board;
+      nTmpIdx = 5;  // whoever was used last
       SEGCount[0] = 1;
       SetLEDState(0, state);
       EXPECT_EQ(traffic(), row.traffic[state]);

@@ -1,6 +1,7 @@
 // The lights of the lighting controller: what each command sends, on every transport.
 #include "controls/lighting.h"
 
+#include <array>
 #include <climits>
 
 #include "qvx64/api.h"
@@ -229,6 +230,45 @@ TEST_F(Lighting, SegmentModeIsAskedOfSevenThousandsOnly) {
     EXPECT_FALSE(isSEGMode());
   }
   EXPECT_EQ(traffic(), "");
+}
+
+// A camera that answers commands with these bytes, one answer after the other.
+class Answers final : public simulator::PropertyNode {
+ public:
+  std::vector<std::array<std::uint8_t, 3>> answers;
+
+  bool supports(const simulator::PropertySetId&) override { return true; }
+  bool set(const simulator::PropertySetId&, std::uint32_t, std::span<const std::uint8_t>) override {
+    return true;
+  }
+  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> data) override {
+    if (answers.empty() || data.size() < 3) return false;
+    std::copy(answers.front().begin(), answers.front().end(), data.begin());
+    answers.erase(answers.begin());
+    return true;
+  }
+};
+
+TEST_F(Lighting, SegmentModeIsOnWhenBothAnswersSaySo) {
+  const struct {
+    std::vector<std::array<std::uint8_t, 3>> answers;
+    bool on;
+    const char* traffic;
+  } rows[] = {
+      {{{0, 1, 0}, {0, 1, 0}}, true, "F2 0 F3 1"},  // asked with what the first answer left
+      {{{0, 0, 1}, {0, 0, 1}}, true, "F2 0 F3 0"},  {{{0, 0, 1}, {0, 0, 0}}, false, "F2 0 F3 0"},
+      {{{0, 0, 0}, {0, 1, 0}}, false, "F2 0 F3 0"}, {{{0, 2, 2}, {0, 2, 2}}, false, "F2 0 F3 2"},
+  };
+  const auto node = std::make_shared<Answers>();
+  machine().videoInputs = {{L"x", L"x", {node}}};
+  etLib2_Init();
+  nPid = 0x960;
+  journal();
+  for (const auto& row : rows) {
+    node->answers = row.answers;
+    EXPECT_EQ(isSEGMode(), row.on);
+    EXPECT_EQ(traffic(), row.traffic);
+  }
 }
 
 TEST_F(Lighting, NothingReachableHarmsNobody) {
