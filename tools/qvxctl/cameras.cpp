@@ -50,6 +50,13 @@ int openCamera(int index) {
   return GetVideoDeviceIndex();
 }
 
+void openWifiCamera(const Options& options) {
+  if (options.device.value_or(wifiIndex) != wifiIndex) {
+    throw Failure(ExitCode::badUsage, options.command + " is for the Wi-Fi camera, --device 90");
+  }
+  openCamera(wifiIndex);
+}
+
 Measurement measure(int index) {
   const double magnification = GetMAG(index);
   return {magnification, magnification > 0 ? FOVx(index, magnification) : 0};

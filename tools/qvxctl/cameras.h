@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "options.h"
+
 namespace qvxctl {
 
 constexpr int firstIndexBeyondUsb = 8;  // USB cameras have the indexes 0 to 7
@@ -23,6 +25,9 @@ Camera describeCamera(int index);
 // Chooses a camera and initialises the library; fails when that finds no camera. Returns the index
 // of the camera, which is another one than asked for when the choice was automatic.
 int openCamera(int index);
+
+// The same for a command that only the Wi-Fi camera understands; another device is bad usage.
+void openWifiCamera(const Options& options);
 
 struct Measurement {
   double magnification;   // 0 while the camera has not reported one

@@ -14,14 +14,6 @@ namespace qvxctl {
 
 namespace {
 
-// The argument of a command that takes one at most.
-std::optional<std::string> argumentOf(const Options& options) {
-  if (options.arguments.empty()) return std::nullopt;
-  if (options.arguments.size() == 1) return options.arguments.front();
-  throw Failure(ExitCode::badUsage,
-                options.command + ": unexpected argument " + quoted(options.arguments[1]));
-}
-
 int open(const Options& options) {
   return openCamera(options.device.value_or(automaticIndex));
 }
@@ -58,7 +50,7 @@ const FlickerMode& flickerModeNamed(const std::string& argument) {
 }  // namespace
 
 void exposeCamera(const Options& options) {
-  const auto argument = argumentOf(options);
+  const auto argument = onlyArgument(options);
   const auto lines = argument ? std::optional(wholeNumber("exposure", *argument)) : std::nullopt;
   const int device = open(options);
   if (lines) SetExposureValue(device, *lines);
@@ -68,7 +60,7 @@ void exposeCamera(const Options& options) {
 }
 
 void adjustAutomaticExposure(const Options& options) {
-  const auto argument = argumentOf(options);
+  const auto argument = onlyArgument(options);
   const auto change = argument ? std::optional(automaticExposureChange(*argument)) : std::nullopt;
   const int device = open(options);
   if (change) change->set(device, change->value);
@@ -83,7 +75,7 @@ void adjustAutomaticExposure(const Options& options) {
 }
 
 void suppressFlicker(const Options& options) {
-  const auto argument = argumentOf(options);
+  const auto argument = onlyArgument(options);
   if (!argument) throw Failure(ExitCode::badUsage, "flicker: auto, 60 or 50 is missing");
   const FlickerMode& chosen = flickerModeNamed(*argument);
   const int device = open(options);

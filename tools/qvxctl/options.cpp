@@ -117,4 +117,11 @@ Options parseOptions(const std::vector<std::string>& words) {
   return Parser(words).parse();
 }
 
+std::optional<std::string> onlyArgument(const Options& options) {
+  if (options.arguments.empty()) return std::nullopt;
+  if (options.arguments.size() == 1) return options.arguments.front();
+  throw Failure(ExitCode::badUsage,
+                options.command + ": unexpected argument " + quoted(options.arguments[1]));
+}
+
 }  // namespace qvxctl

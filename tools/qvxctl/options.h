@@ -33,4 +33,7 @@ std::span<const Option> optionTable();
 // Options may stand anywhere; "--" ends them. Negative numbers are not options. Fails as bad usage.
 Options parseOptions(const std::vector<std::string>& words);
 
+// The argument of a command that takes one at most; more are bad usage.
+std::optional<std::string> onlyArgument(const Options& options);
+
 }  // namespace qvxctl

@@ -29,6 +29,10 @@ std::string utf8(std::wstring_view text) {
   return narrow(CP_UTF8, text);
 }
 
+std::wstring wide(std::string_view utf8Text) {
+  return widen(CP_UTF8, utf8Text);
+}
+
 std::string utf8FromOem(std::string_view text) {
   return utf8(widen(CP_OEMCP, text));
 }

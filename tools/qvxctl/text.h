@@ -8,6 +8,8 @@ namespace qvxctl {
 
 std::string utf8(std::wstring_view text);
 
+std::wstring wide(std::string_view utf8Text);
+
 // Narrow text of the library is in the OEM code page.
 std::string utf8FromOem(std::string_view text);
 

@@ -1,0 +1,107 @@
+#include <algorithm>
+#include <optional>
+
+#include "cameras.h"
+#include "commands.h"
+#include "failure.h"
+#include "json.h"
+#include "numbers.h"
+#include "output.h"
+#include "qvx64/api.h"
+#include "text.h"
+
+namespace qvxctl {
+
+namespace {
+
+constexpr struct Property {
+  std::string_view name;
+  int number;
+} properties[] = {
+    {"brightness", 0}, {"contrast", 1}, {"hue", 2},          {"saturation", 3},
+    {"sharpness", 4},  {"gamma", 5},    {"color-enable", 6}, {"white-balance", 7},
+    {"backlight", 8},  {"gain", 9},     {"power-line", 13},
+};
+
+const Property& propertyNamed(const std::string& name) {
+  const auto* const found = std::ranges::find(properties, name, &Property::name);
+  if (found == std::end(properties)) {
+    throw Failure(ExitCode::badUsage, "amp: unknown property " + quoted(name));
+  }
+  return *found;
+}
+
+struct Setting {
+  const Property* property;
+  qvx_long value, least, most, step, standard;
+};
+
+// Nothing when the camera does not have the property or tells nothing.
+std::optional<Setting> settingOf(const Property& property) {
+  const LibraryOutputAside aside;
+  qvx_long number = property.number;
+  Setting setting{&property, -1, -1, -1, -1, -1};
+  GetVideoProcAmpValueRange(&number, &setting.least, &setting.most, &setting.step,
+                            &setting.standard);
+  // The library's way to say that there is nothing; the variables were preset to the same.
+  if (setting.least == -1 && setting.most == -1 && setting.step == -1) return std::nullopt;
+  setting.value = GetVideoProcAmp(property.number);
+  return setting;
+}
+
+std::string jsonOf(const Setting& setting) {
+  return json::object({{"name", json::text(setting.property->name)},
+                       {"value", json::number(setting.value)},
+                       {"least", json::number(setting.least)},
+                       {"most", json::number(setting.most)},
+                       {"step", json::number(setting.step)},
+                       {"standard", json::number(setting.standard)}});
+}
+
+std::string textOf(const Setting& setting) {
+  constexpr std::size_t nameWidth = 15, valueWidth = 6;
+  std::string name(setting.property->name), value = std::to_string(setting.value);
+  name.resize(std::max(name.size(), nameWidth), ' ');
+  value.insert(0, valueWidth - std::min(valueWidth, value.size()), ' ');
+  return name + value + "   from " + std::to_string(setting.least) + " to " +
+         std::to_string(setting.most) + " in steps of " + std::to_string(setting.step) +
+         ", usually " + std::to_string(setting.standard);
+}
+
+void printAll(bool asJson) {
+  std::vector<std::string> entries;
+  for (const Property& property : properties) {
+    const auto setting = settingOf(property);
+    if (setting) entries.push_back(asJson ? jsonOf(*setting) : textOf(*setting));
+  }
+  if (asJson) return printLine(json::object({{"properties", json::array(entries)}}));
+  if (entries.empty()) printLine("This camera tells of no picture properties.");
+  for (const std::string& entry : entries) printLine(entry);
+}
+
+void setProperty(const Property& property, qvx_long value) {
+  const LibraryOutputAside aside;
+  SetVideoProcAmp(property.number, value);
+}
+
+}  // namespace
+
+void adjustPicture(const Options& options) {
+  const auto& arguments = options.arguments;
+  if (arguments.size() > 2) {
+    throw Failure(ExitCode::badUsage, "amp: unexpected argument " + quoted(arguments[2]));
+  }
+  const Property* const property = arguments.empty() ? nullptr : &propertyNamed(arguments[0]);
+  const auto value =
+      arguments.size() < 2 ? std::nullopt : std::optional(wholeNumber("amp value", arguments[1]));
+  openCamera(options.device.value_or(automaticIndex));
+  if (property == nullptr) return printAll(options.json);
+  if (value) setProperty(*property, *value);
+  const auto setting = settingOf(*property);
+  if (!setting) {
+    throw Failure(ExitCode::badUsage, "amp: this camera tells of no " + arguments[0]);
+  }
+  printLine(options.json ? jsonOf(*setting) : textOf(*setting));
+}
+
+}  // namespace qvxctl

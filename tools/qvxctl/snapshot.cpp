@@ -1,0 +1,70 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "cameras.h"
+#include "commands.h"
+#include "failure.h"
+#include "json.h"
+#include "output.h"
+#include "qvx64/api.h"
+#include "text.h"
+
+namespace qvxctl {
+
+namespace {
+
+namespace files = std::filesystem;
+
+// The library takes a name's characters as bytes: one above 255 cannot be said to it.
+std::string nameForLibrary(const files::path& path) {
+  constexpr std::size_t longest = 255;
+  const std::wstring wide = path.wstring();
+  const bool fits = std::ranges::all_of(wide, [](wchar_t character) { return character < 0x100; });
+  if (fits && wide.size() <= longest) return {wide.begin(), wide.end()};
+  throw Failure(ExitCode::badUsage,
+                "snapshot: the file's name is too long, or has characters beyond ISO 8859-1");
+}
+
+// From its start marker to its end marker: the library does not tell when a camera stops half-way.
+bool isWholeJpeg(const files::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string content{std::istreambuf_iterator<char>(file), {}};
+  return content.starts_with("\xFF\xD8") && content.ends_with("\xFF\xD9");
+}
+
+// The picture takes its name, and the place of an earlier one, only when it is whole.
+void save(const files::path& path) {
+  files::path part = path;
+  part += L".part";
+  const std::string name = nameForLibrary(part);
+  std::error_code error;
+  files::remove(part, error);
+  if (!GetWiFiImage(name.c_str())) {
+    throw Failure(ExitCode::outputLost, "cannot create " + utf8(part.wstring()));
+  }
+  if (!isWholeJpeg(part)) {
+    files::remove(part, error);
+    throw Failure(ExitCode::noCamera, "the camera sent no whole picture");
+  }
+  files::rename(part, path, error);
+  if (error) throw Failure(ExitCode::outputLost, "cannot replace " + utf8(path.wstring()));
+}
+
+}  // namespace
+
+void saveSnapshot(const Options& options) {
+  const auto name = onlyArgument(options);
+  if (!name) throw Failure(ExitCode::badUsage, "snapshot: the name of a file is missing");
+  const files::path path = wide(*name);
+  nameForLibrary(path);
+  openWifiCamera(options);
+  save(path);
+  const std::uintmax_t size = files::file_size(path);
+  printLine(options.json
+                ? json::object({{"file", json::text(*name)}, {"bytes", json::number(size)}})
+                : "Saved " + *name + ", " + std::to_string(size) + " bytes");
+}
+
+}  // namespace qvxctl
