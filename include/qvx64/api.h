@@ -99,8 +99,8 @@ QVX64_API char* GetDeviceIDA(int deviceIndex);
  * GetDeviceId) while the index has none. Worst case: 2 camera accesses. */
 QVX64_API qvx_long GetConfig(int deviceIndex);
 
-/* Asks to be called back when the touch button on the camera's body is pressed, and starts polling it
- * every 250 ms on the calling thread, which must dispatch messages. Nothing is polled until
+/* Asks to be called back when the touch button on the camera's body is pressed, and starts polling
+ * it every 250 ms on the calling thread, which must dispatch messages. Nothing is polled until
  * EnablePressKey(1).
  * func: called on that thread, between other calls; it may call the library. Null for no callback.
  * Every call starts a further timer; none is ever stopped: call it once. Does not block. While
@@ -111,14 +111,14 @@ QVX64_API void SetEventCallback(void (*func)(void));
  * nothing. */
 QVX64_API void FireEvent(void);
 
-/* Switches the polling of the touch button on (bEnableMT exactly 1) or off (anything else). Returns 1
- * or 0, as it now is. Opening a USB 3 camera, which every Init tries, switches it off again. Does not
- * block. */
+/* Switches the polling of the touch button on (bEnableMT exactly 1) or off (anything else). Returns
+ * 1 or 0, as it now is. Opening a USB 3 camera, which every Init tries, switches it off again. Does
+ * not block. */
 QVX64_API int EnablePressKey(int bEnableMT);
 
 /* Returns the magnification at the last measurement, 0 before the first one. A measurement gives at
- * least 1.0, or NaN when the camera's stored calibration is damaged. Every fifth one gives the mean of
- * the last ten samples instead; the very first mean, of five samples only, is half as large.
+ * least 1.0, or NaN when the camera's stored calibration is damaged. Every fifth one gives the mean
+ * of the last ten samples instead; the very first mean, of five samples only, is half as large.
  * Reads nothing from the camera and does not block.
  * deviceIndex: the device that the next measurements read; -1 means 90. */
 QVX64_API double GetMAG(int deviceIndex);
@@ -136,8 +136,8 @@ QVX64_API void SetLensInitPos(int deviceIndex);
 
 /* Moves the focus lens to a position, in units of the lens driver relative to the zero position.
  * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera.
- * Value: cut to the range of GetLensPosLimits (of product id 0x9BF with a position driver: to -15 to
- * 44, although -27 to 71 is reported). On product ids 0x9E0 to 0x9EF the way depends on the last
+ * Value: cut to the range of GetLensPosLimits (of product id 0x9BF with a position driver: to -15
+ * to 44, although -27 to 71 is reported). On product ids 0x9E0 to 0x9EF the way depends on the last
  * magnification, see GetMAG: measure before moving.
  * A position is sent to whatever camera the index names, also to one without a focus lens, which
  * ignores it. Takes 50 ms on a USB 3 camera with a voice coil, else only as long as its accesses.
@@ -147,9 +147,9 @@ QVX64_API void SetLensPos(int deviceIndex, qvx_long Value);
 /* Moves the focus lens in the fine steps of a voice coil, relative to its calibrated offset.
  * deviceIndex: 0 to 7. 90 and -1, the Wi-Fi camera, are read but not moved.
  * Value: cut to -1023 to 1023; so is its sum with the offset. A camera whose offset was never
- * calibrated goes to 0 whatever the value. Lenses without a voice coil are sent to position 0, which
- * is not the zero position: call it only where GetLensFinePosLimits gives a range. Takes 50 ms on a
- * camera with a voice coil. Worst case: 7 camera accesses. */
+ * calibrated goes to 0 whatever the value. Lenses without a voice coil are sent to position 0,
+ * which is not the zero position: call it only where GetLensFinePosLimits gives a range. Takes 50
+ * ms on a camera with a voice coil. Worst case: 7 camera accesses. */
 QVX64_API void SetLensFinePos(int deviceIndex, qvx_long Value);
 
 /* Gives the range of SetLensPos in *UpperLmt and *LowerLmt; either pointer may be null. A camera
@@ -161,8 +161,8 @@ QVX64_API void SetLensFinePos(int deviceIndex, qvx_long Value);
  * accesses. */
 QVX64_API qvx_long GetLensPosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt);
 
-/* The same for SetLensFinePos. -1 in both when the camera has no fine position. Worst case: 6 camera
- * accesses. */
+/* The same for SetLensFinePos. -1 in both when the camera has no fine position. Worst case: 6
+ * camera accesses. */
 QVX64_API qvx_long GetLensFinePosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt);
 
 /* Sets the exposure time. Switch automatic exposure off first, or it takes over again.
@@ -215,22 +215,21 @@ QVX64_API qvx_long GetAutoExposure(int vindex);
  * Worst case: 4 camera accesses. */
 QVX64_API void SetFlicker(int deviceIndex, qvx_long Value);
 
-/* Sets a picture property of the current camera (SetVideoDeviceIndex) and switches its automatic mode
- * off. A value that the camera cannot take is ignored, by the camera.
- * valueIndex: 0 brightness, 1 contrast, 2 hue, 3 saturation, 4 sharpness, 5 gamma; on USB cameras also
- * 6 colour enable, 7 white balance, 8 backlight compensation, 9 gain, 13 power-line frequency. What
- * the camera does not have is ignored.
- * newValue: in the camera's own range, see GetVideoProcAmpValueRange.
- * A USB camera is found by its device path: call GetDeviceId before. Each of the three functions, when
- * it finds the camera, opens its capture filter and leaves that open, with COM, until the process
- * ends. Prints a line to standard output when the system has no video input or the camera no picture
- * properties. Worst case: one time-out of the system's HTTP client on Wi-Fi. */
+/* Sets a picture property of the current camera (SetVideoDeviceIndex) and switches its automatic
+ * mode off. A value that the camera cannot take is ignored, by the camera. valueIndex: 0
+ * brightness, 1 contrast, 2 hue, 3 saturation, 4 sharpness, 5 gamma; on USB cameras also 6 colour
+ * enable, 7 white balance, 8 backlight compensation, 9 gain, 13 power-line frequency. What the
+ * camera does not have is ignored. newValue: in the camera's own range, see
+ * GetVideoProcAmpValueRange. A USB camera is found by its device path: call GetDeviceId before.
+ * Each of the three functions, when it finds the camera, opens its capture filter and leaves that
+ * open, with COM, until the process ends. Prints a line to standard output when the system has no
+ * video input or the camera no picture properties. Worst case: one time-out of the system's HTTP
+ * client on Wi-Fi. */
 QVX64_API void SetVideoProcAmp(int valueIndex, qvx_long newValue);
 
-/* Returns what a picture property stands at. -1 for a property that the camera does not have and for
- * a USB camera that is not there; 0 when the Wi-Fi camera does not answer as it should or the system
- * has no video input at all.
- * valueIndex and worst case: as for SetVideoProcAmp. */
+/* Returns what a picture property stands at. -1 for a property that the camera does not have and
+ * for a USB camera that is not there; 0 when the Wi-Fi camera does not answer as it should or the
+ * system has no video input at all. valueIndex and worst case: as for SetVideoProcAmp. */
 QVX64_API qvx_long GetVideoProcAmp(int valueIndex);
 
 /* Gives the limits, the step and the standard value of a picture property: all -1 for one that the
@@ -242,13 +241,12 @@ QVX64_API qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMi
                                              qvx_long* lSteppomgDelta, qvx_long* lDefault);
 
 /* Switches the camera's illumination to one of its basic states.
- * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Pass 90: under -1 the kind of its ring is not
- * found out, and a ring with quadrants is lit as a plain one.
- * nLedStatus: 0 for off, 1 for on, 2 for the other lighting that the model has: its second ring, its
- * segments or its axial light. Where there is none, 2 changes nothing or, on Wi-Fi cameras, switches
- * off. Other values change nothing on USB cameras; on Wi-Fi cameras they do what suits the model.
- * Lists the cameras when the index has none yet. Takes up to 0.9 s. Worst case: 21 camera
- * accesses. */
+ * deviceIndex: 0 to 7; 90 and -1 for the Wi-Fi camera. Pass 90: under -1 the kind of its ring is
+ * not found out, and a ring with quadrants is lit as a plain one. nLedStatus: 0 for off, 1 for on,
+ * 2 for the other lighting that the model has: its second ring, its segments or its axial light.
+ * Where there is none, 2 changes nothing or, on Wi-Fi cameras, switches off. Other values change
+ * nothing on USB cameras; on Wi-Fi cameras they do what suits the model. Lists the cameras when the
+ * index has none yet. Takes up to 0.9 s. Worst case: 21 camera accesses. */
 QVX64_API void SetLEDState(int deviceIndex, int nLedStatus);
 
 /* Writes the switch register of the lighting controller: which segments of the ring are lit, and
@@ -256,24 +254,23 @@ QVX64_API void SetLEDState(int deviceIndex, int nLedStatus);
  * ID: 0 to 7; 90 and -1 for the Wi-Fi camera.
  * nMode: 0 to 15 light the segments whose bits are set, 16 switches the ring off. 24 and 32 switch
  * the axial light on and off, 40 and 48 the aiming light, where there is one. Of any other value a
- * USB camera gets the low byte; pass none to a Wi-Fi camera, where it could address another register.
- * The first of the four functions SetSEGSwitch, SetSEGLevel, SetAXILevel and SetAimpointLevel that
- * needs it puts the lights of the device into segment mode, by the model of the current device (see
- * SetVideoDeviceIndex). Takes 50 ms. Worst case: 5 camera accesses. */
+ * USB camera gets the low byte; pass none to a Wi-Fi camera, where it could address another
+ * register. The first of the four functions SetSEGSwitch, SetSEGLevel, SetAXILevel and
+ * SetAimpointLevel that needs it puts the lights of the device into segment mode, by the model of
+ * the current device (see SetVideoDeviceIndex). Takes 50 ms. Worst case: 5 camera accesses. */
 QVX64_API void SetSEGSwitch(int ID, qvx_long nMode);
 
 /* Sets the level of the whole ring.
  * ID: as SetSEGSwitch.
- * nLevel: 0 to 6; to 31 on rings whose quadrants can be dimmed. 0 also switches the ring off. Values
- * beyond reach other lights, which share the register; see SetSEGSwitch for those beyond a byte.
- * Takes 100 ms. Worst case: 8 camera accesses. */
+ * nLevel: 0 to 6; to 31 on rings whose quadrants can be dimmed. 0 also switches the ring off.
+ * Values beyond reach other lights, which share the register; see SetSEGSwitch for those beyond a
+ * byte. Takes 100 ms. Worst case: 8 camera accesses. */
 QVX64_API void SetSEGLevel(int ID, qvx_long nLevel);
 
-/* Sets the level of one quadrant of the ring. Does nothing on cameras whose ring has no quadrants to
- * dim (see bit 0x20 of GetConfig).
- * DeviceIndex: 0 to 7, or 90 for the Wi-Fi camera; -1 does nothing.
- * Quadrant: 1 to 4, or 0 for the whole ring. Others do nothing.
- * Value: 0 to 31; of others, see SetSEGSwitch. Takes 50 or 100 ms. Worst case: 8 camera accesses. */
+/* Sets the level of one quadrant of the ring. Does nothing on cameras whose ring has no quadrants
+ * to dim (see bit 0x20 of GetConfig). DeviceIndex: 0 to 7, or 90 for the Wi-Fi camera; -1 does
+ * nothing. Quadrant: 1 to 4, or 0 for the whole ring. Others do nothing. Value: 0 to 31; of others,
+ * see SetSEGSwitch. Takes 50 or 100 ms. Worst case: 8 camera accesses. */
 QVX64_API void SetESEG(int DeviceIndex, qvx_long Quadrant, qvx_long Value);
 
 /* Sets the level of the axial light. The way depends on the model of the current device (see
@@ -290,14 +287,13 @@ QVX64_API void SetAXILevel(int ID, qvx_long nLevel);
  * accesses. */
 QVX64_API void SetAimpointLevel(int ID, qvx_long nLevel);
 
-/* Saves a still of the Wi-Fi camera, whichever device is current, as a JPEG file; a file that exists
- * is replaced.
- * filename: at most 256 characters; characters above 127 are taken as ISO 8859-1, whatever the
- * system's code page. A relative name starts from the process's current folder.
- * Returns false only when the file cannot be created. True does not mean that there is a file: a
- * camera out of reach gives true and none, a camera that stops half-way or a full disk gives true and
- * a part. Worst case: one time-out of the system's HTTP client for the answer, and one for each part
- * of it that is late. */
+/* Saves a still of the Wi-Fi camera, whichever device is current, as a JPEG file; a file that
+ * exists is replaced. filename: at most 256 characters; characters above 127 are taken as ISO
+ * 8859-1, whatever the system's code page. A relative name starts from the process's current
+ * folder. Returns false only when the file cannot be created. True does not mean that there is a
+ * file: a camera out of reach gives true and none, a camera that stops half-way or a full disk
+ * gives true and a part. Worst case: one time-out of the system's HTTP client for the answer, and
+ * one for each part of it that is late. */
 QVX64_API bool GetWiFiImage(const char* filename);
 
 /* Chooses the size of the Wi-Fi camera's video and stills, in pixels; one of GetWiFiVideoCaps.
@@ -306,10 +302,9 @@ QVX64_API bool GetWiFiImage(const char* filename);
 QVX64_API bool SetWiFiVideoRes(qvx_long width, qvx_long height);
 
 /* Lists the sizes of video and stills that the Wi-Fi camera offers, by the product id that Init
- * found: how many in *count, and that many widths and heights. width and height must have room for 5
- * each; any pointer may be null.
- * Returns false, with nothing written, for a camera that is not known to offer any. Worst case: 1
- * camera access. */
+ * found: how many in *count, and that many widths and heights. width and height must have room for
+ * 5 each; any pointer may be null. Returns false, with nothing written, for a camera that is not
+ * known to offer any. Worst case: 1 camera access. */
 QVX64_API bool GetWiFiVideoCaps(qvx_long* count, short* width, short* height);
 
 #ifdef __cplusplus

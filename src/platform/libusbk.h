@@ -65,7 +65,7 @@ struct KUSB_DRIVER_API {
   std::uint8_t Info[8];
   KUSB_BOOL (*Init)(KUSB_HANDLE* interfaceHandle, const KLST_DEVINFO* deviceInfo);
   void* unused_1[20];
-  KUSB_BOOL (*QueryPipe)
+  KUSB_BOOL(*QueryPipe)
   (KUSB_HANDLE interfaceHandle, std::uint8_t alternateSetting, std::uint8_t pipeIndex,
    WINUSB_PIPE_INFORMATION* pipe);
   void* unused_2[41];

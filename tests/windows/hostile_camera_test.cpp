@@ -27,8 +27,8 @@ class Peer {
   }
   ~Peer() {
     ends_ = true;
-    closesocket(listener_);
     thread_.join();
+    closesocket(listener_);  // not while the thread still waits on it
     WSACleanup();
   }
 

@@ -171,7 +171,8 @@ TEST_F(BridgeButton, SevenThousandsAreAskedByCommand) {
   ASSERT_EQ(lines.size(), 5u);
   EXPECT_EQ(lines[2], "set C66D125B/2: F0 F5" + zeros(254));
   EXPECT_EQ(lines[3], "get C66D125B/2 256");
-  EXPECT_TRUE(lines[4].starts_with("set C66D125B/2: F0 F5 00 01 ")) << "acknowledged as it was read";
+  EXPECT_TRUE(lines[4].starts_with("set C66D125B/2: F0 F5 00 01 "))
+      << "acknowledged as it was read";
   EXPECT_EQ(firedIn(), 0) << "the acknowledged press is over";
   camera.chip.releaseButton();
   camera.chip.pressButton();

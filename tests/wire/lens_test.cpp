@@ -107,7 +107,7 @@ TEST_F(Lens, BehindABridge) {
       {0x990, none, none, fine, 5, fineMoving + "w46=00"},
       {0x988, none, none, limits, 0, "r62.CA r62.C2 r62.40 w46=6E"},
       {0x9E0, none, none, limits, 0, "r62.CA r62.C2 r62.50"},
-      {0x9E4, none, none, limits, 0, "r62.CA r62.C2 r62.50 w46=76"},
+      {0x990, none, none, limits, 0, "r62.CA r62.C2 r62.50 w46=76"},
       {0x970, none, none, limits, 0, "r62.CA r62.C2"},
       {0x9E0, none, none, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5F r62.5E"},
   };

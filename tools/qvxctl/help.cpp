@@ -59,7 +59,7 @@ std::string helpText() {
                               {"1", "no camera answers: Init returned 0"},
                               {"2", "wrong usage"},
                               {"3", "QVX64.dll does not have the export"},
-                              {"4", "standard output cannot be written"}});
+                              {"4", "standard output or a file cannot be written"}});
 }
 
 std::string exportHelpText() {

@@ -97,8 +97,8 @@ class ButtonReport {
 
   void check() {
     for (; reported_ < presses; ++reported_) {
-      printLine(asJson_ ? json::object({{"time", json::text(timestamp())},
-                                        {"event", json::text("button")}})
+      printLine(asJson_ ? json::object(
+                              {{"time", json::text(timestamp())}, {"event", json::text("button")}})
                         : localTime() + "  touch button pressed");
     }
   }
