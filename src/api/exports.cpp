@@ -163,6 +163,8 @@ qvx_long GetVideoProcAmp(int valueIndex) {
   return guarded<qvx_long>(0, [=] { return getVideoProcAmp(valueIndex); });
 }
 
+// The property number comes in through a pointer that callers have always passed as writable.
+// NOLINTNEXTLINE(readability-non-const-parameter)
 qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMin, qvx_long* lMax,
                                    qvx_long* lSteppomgDelta, qvx_long* lDefault) {
   if (valueIndex == nullptr) return 0;
