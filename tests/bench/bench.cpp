@@ -2,6 +2,8 @@
 // 8080 and the rights to register a virtual video camera.
 #include <windows.h>
 // The process's own headers follow windows.h.
+#include <json/reader.h>
+#include <json/value.h>
 #include <process.h>
 #include <wininet.h>
 
@@ -9,6 +11,7 @@
 #include <cstdio>
 #include <string>
 
+#include "controls/control_document.h"
 #include "controls/magnification.h"
 #include "etlib2/etLib2.h"
 #include "models/families.h"
@@ -121,6 +124,29 @@ void measureCallLayer() {
   simulator::unregisterCameras();
 }
 
+// Twenty controls, of which the last one is wanted.
+std::string controlDocument() {
+  std::string text = R"({"controls": [)";
+  for (int i = 1; i <= 20; ++i) {
+    text += (i == 1 ? "" : ",") + std::string(R"({"name": "Control )") + std::to_string(i) +
+            R"(", "id": "9963776", "type": "1", "min": "-64", "max": "64", "step": "1",)" +
+            R"( "default": "0", "value": "12", "group": "1"})";
+  }
+  return text + "]}";
+}
+
+void measureControlDocument() {
+  static const std::string text = controlDocument();
+  printRow("control document / jsoncpp alone",
+           medians_us(
+               500, [] { controlIn(text, "Control 20"); },
+               [] {
+                 Json::Value root;
+                 Json::Reader().parse(text.data(), text.data() + text.size(), root);
+               }),
+           1.10);
+}
+
 void measureComputations() {
   constexpr int calls = 1000;
   [[maybe_unused]] static volatile int sink = 0;
@@ -149,6 +175,7 @@ int main() {
   measureWifi();
   measureLoading();
   measureCallLayer();
+  measureControlDocument();
   measureComputations();
   return rowsOverLimit() == 0 ? 0 : 1;
 }

@@ -55,6 +55,33 @@ TEST_F(BridgeCamera, OlderFirmwareIsUnderstood) {
   }
 }
 
+TEST_F(BridgeCamera, SensorLensAndLightsAreDriven) {
+  VirtualCameras cameras({"0998,zoom=63"});
+  openCamera(0);
+  SetExposureValue(0, 700);
+  EXPECT_EQ(GetExposureValue(0), 700);
+  SetAETarget(0, 90);
+  EXPECT_EQ(GetAETarget(0), 90);
+  SetAutoExposure(0, 0);
+  EXPECT_EQ(GetAutoExposure(0), 0);
+  SetAutoExposure(0, 1);
+  EXPECT_EQ(GetAutoExposure(0), 1);
+  SetFlicker(0, 2);
+
+  qvx_long upper = 0, lower = 0;
+  EXPECT_EQ(GetLensPosLimits(0, &upper, &lower), 1);
+  EXPECT_EQ(upper, 71);
+  EXPECT_EQ(lower, -27);
+  SetLensPos(0, 20);
+
+  EXPECT_EQ(GetConfig(0) & 0x42, 0x42);
+  SetSEGLevel(0, 0x15);
+  EXPECT_EQ(cameras.controllerRegister(0, 3), 0x15u);
+  SetLEDState(0, 0);
+  EXPECT_EQ(cameras.controllerRegister(0, 3), 7u);
+  EXPECT_EQ(cameras.violations(0), "");
+}
+
 TEST_F(BridgeCamera, ThatIsUnpluggedLeavesTheLibraryUsable) {
   {
     VirtualCameras cameras({"0970,zoom=63"});

@@ -39,5 +39,22 @@ TEST_F(Usb3Camera, IsFoundOpenedAndMeasured) {
   EXPECT_EQ(Init(), 1) << "by index, now that its product id is known";
 }
 
+TEST_F(Usb3Camera, SensorAndLensAreDriven) {
+  const VirtualCameras cameras({"09b0,unit=plain"});
+  SetVideoDeviceIndex(-1);
+  ASSERT_EQ(Init(), 1);
+  SetAETarget(0, 250);
+  EXPECT_EQ(GetAETarget(0), 208) << "the brightest that the sensor takes";
+  SetExposureValue(0, 100);
+  SetAutoExposure(0, 0);
+  EXPECT_EQ(GetAutoExposure(0), 0);
+  SetLensPos(0, -5);
+  const std::string seen = transfers();
+  EXPECT_NE(seen.find("21 01 0300 0300 4: 78 35 01 06\n21 01 0300 0300 4: 78 35 02 40\n"),
+            std::string::npos)
+      << seen;
+  EXPECT_TRUE(seen.ends_with("3: 62 08 02\n21 01 0302 0300 3: 18 06 91\n")) << seen;
+}
+
 }  // namespace
 }  // namespace qvx::tests
