@@ -14,6 +14,7 @@ camera_log=$logs/demo-camera.log # every request, in words
 camera_errors=$logs/demo-camera-errors.log
 client_errors=$logs/demo-client-errors.log
 watch_log=$logs/demo-watch.log
+still=$logs/demo-still.jpg
 
 title() {
   printf '\n%s\n' "$1"
@@ -87,6 +88,13 @@ watch_zoom() {
   [ "$(grep -c ' x ' "$watch_log")" -ge 2 ] || fail "the magnification did not change"
 }
 
+take_still() {
+  title "Taking a still (qvxctl snapshot $still)"
+  rm -f "$still"
+  client snapshot "$still" || fail "qvxctl snapshot failed: $(last_line "$client_errors")"
+  [ -s "$still" ] || fail "there is no still in $still"
+}
+
 check_camera() {
   kill -0 $camera 2>/dev/null || fail "the camera ended by itself"
   [ ! -s "$camera_errors" ] ||
@@ -121,6 +129,7 @@ start_camera
 open_camera
 show_what_init_asked
 watch_zoom
+take_still
 check_camera
 watch_extension_unit
 watch_hid

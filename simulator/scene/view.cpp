@@ -73,10 +73,29 @@ double exposureOf(Camera& camera) {
   return std::min(sensor.at(row->targetRegister) / row->usualTarget, lightOf(camera) * mostGain);
 }
 
-// A camera without a ring, whose eye nobody turns, is given a usual one.
+// What the optics show at x1, in units of 0.55 mm: the sensor's width.
+constexpr double otherSensor = 640;
+constexpr struct {
+  std::uint16_t first, last;  // product ids
+  double width;
+} widths[] = {
+    {0x870, 0x89F, 0.5555 * 1280}, {0x910, 0x91F, 0.5555 * 1280}, {0x920, 0x92F, 0.2744 * 2592},
+    {0x960, 0x99F, 0.2744 * 2592}, {0x9A0, 0x9AF, 1.19048 * 640}, {0x9B0, 0x9BF, 0.2744 * 2592},
+    {0x9D0, 0x9DF, 1.19048 * 640}, {0x9E0, 0x9E6, 0.5555 * 1280},
+};
+
+double sensorWidth(std::uint16_t productId) {
+  for (const auto& row : widths) {
+    if (productId >= row.first && productId <= row.last) return row.width;
+  }
+  return otherSensor;
+}
+
+// A camera without a ring stands at a usual magnification.
 double fieldWidth_um(const Camera& camera) {
-  constexpr double atOne_um = 352'000, usual = 50;
-  return atOne_um / (camera.hasZoomRing() ? camera.magnification() : usual);
+  constexpr double unit_um = 550, usual = 50;
+  const double magnification = camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
+  return unit_um * sensorWidth(camera.productId()) / magnification;
 }
 
 // A camera without a focus lens was focused by hand.

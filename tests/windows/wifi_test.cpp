@@ -1,5 +1,9 @@
 // The DLL and a Wi-Fi camera over real HTTP: a simulated camera 0x970 whose ring turns is switched
 // on while this runs.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
@@ -35,6 +39,48 @@ TEST(WifiCamera, ButtonIsPolledWithoutHarm) {
   EXPECT_EQ(EnablePressKey(0), 0);
   FireEvent();
   EXPECT_EQ(presses, 1);
+}
+
+TEST(WifiCamera, PicturePropertiesAreSetAndRead) {
+  SetVideoDeviceIndex(90);
+  SetVideoProcAmp(5, 180);
+  EXPECT_EQ(GetVideoProcAmp(5), 180);
+  SetVideoProcAmp(5, 100);
+  qvx_long property = 0, least = 0, most = 0, step = 0, standard = 77;
+  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &least, &most, &step, &standard), 0);
+  EXPECT_EQ(least, -64);
+  EXPECT_EQ(most, 64);
+  EXPECT_EQ(step, 1);
+  EXPECT_EQ(standard, 0);
+}
+
+// The file's content, after which the file is gone.
+std::string taken(const wchar_t* path) {
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
+  const std::string content{std::istreambuf_iterator<char>(file), {}};
+  file.close();
+  DeleteFileW(path);
+  return content;
+}
+
+TEST(WifiCamera, StillsComeWholeAndInTheChosenSize) {
+  SetVideoDeviceIndex(90);
+  ASSERT_EQ(Init(), 1);
+  qvx_long count = 0;
+  short widths[5] = {}, heights[5] = {};
+  ASSERT_TRUE(GetWiFiVideoCaps(&count, widths, heights));
+  ASSERT_EQ(count, 5);
+  std::size_t last = 0;
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_TRUE(SetWiFiVideoRes(widths[i], heights[i]));
+    EXPECT_TRUE(GetWiFiImage("qvx-still-\xE4.jpg"));
+    const std::string still = taken(L"qvx-still-\u00E4.jpg");
+    EXPECT_TRUE(still.starts_with("\xFF\xD8"));
+    EXPECT_TRUE(still.ends_with("\xFF\xD9"));
+    EXPECT_GT(still.size(), last);
+    last = still.size();
+  }
+  EXPECT_FALSE(GetWiFiImage("no-such-folder\\still.jpg"));
 }
 
 TEST(WifiCamera, MayBeOpenedAgainAndAgain) {

@@ -174,8 +174,8 @@ TEST(Still, ShowsTheRulerAtTheMagnificationOfTheRing) {
   setExposure(camera, 500);
   for (const double magnification : {50.0, 100.0, 150.0}) {
     camera.setZoom({magnification, magnification, 0});
-    // The field is 352 mm at x1; there is a mark every 100 um.
-    EXPECT_NEAR(marksIn(takenBy(camera)), 3520 / magnification, 1.5) << magnification;
+    // The field of these cameras is 391.2 mm wide at x1, and there is a mark every 100 um.
+    EXPECT_NEAR(marksIn(takenBy(camera)), 3912 / magnification, 1.5) << magnification;
   }
 }
 
