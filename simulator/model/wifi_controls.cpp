@@ -1,5 +1,7 @@
 #include "simulator/model/wifi_controls.h"
 
+#include <cstdio>
+
 namespace qvx::simulator {
 
 namespace {
@@ -11,19 +13,16 @@ constexpr WifiControl wifiControls[] = {
     {0x980910, "Gamma", pictureControl(5)},      {0x98091B, "Sharpness", pictureControl(4)},
 };
 
-std::string member(const char* name, const std::string& value) {
-  return std::string("\"") + name + "\": \"" + value + "\"";
-}
-
 std::string entry(const WifiControl& described, const PictureControls& controls) {
   const PictureControl& control = *described.control;
-  return "{" + member("name", described.name) + ", " + member("id", std::to_string(described.id)) +
-         ", " + member("type", "1") + ", " + member("min", std::to_string(control.least)) + ", " +
-         member("max", std::to_string(control.most)) + ", " +
-         member("step", std::to_string(control.step)) + ", " +
-         member("default", std::to_string(control.standard)) + ", " +
-         member("value", std::to_string(controls.get(control).value)) + ", " + member("dest", "0") +
-         ", " + member("flags", "0") + ", " + member("group", "1") + "}";
+  char text[256];
+  std::snprintf(text, sizeof text,
+                R"({"name": "%s", "id": "%d", "type": "1", "min": "%d", "max": "%d", )"
+                R"("step": "%d", "default": "%d", "value": "%d", "dest": "0", "flags": "0", )"
+                R"("group": "1"})",
+                described.name, described.id, control.least, control.most, control.step,
+                control.standard, controls.get(control).value);
+  return text;
 }
 
 }  // namespace
