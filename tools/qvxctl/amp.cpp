@@ -7,17 +7,14 @@
 #include "json.h"
 #include "numbers.h"
 #include "output.h"
-#include "qvx64/api.h"
+#include "readings.h"
 #include "text.h"
 
 namespace qvxctl {
 
 namespace {
 
-constexpr struct Property {
-  std::string_view name;
-  int number;
-} properties[] = {
+constexpr Property properties[] = {
     {"brightness", 0}, {"contrast", 1}, {"hue", 2},          {"saturation", 3},
     {"sharpness", 4},  {"gamma", 5},    {"color-enable", 6}, {"white-balance", 7},
     {"backlight", 8},  {"gain", 9},     {"power-line", 13},
@@ -31,25 +28,7 @@ const Property& propertyNamed(const std::string& name) {
   return *found;
 }
 
-struct Setting {
-  const Property* property;
-  qvx_long value, least, most, step, standard;
-};
-
-// Nothing when the camera does not have the property or tells nothing.
-std::optional<Setting> settingOf(const Property& property) {
-  const LibraryOutputAside aside;
-  qvx_long number = property.number;
-  Setting setting{&property, -1, -1, -1, -1, -1};
-  GetVideoProcAmpValueRange(&number, &setting.least, &setting.most, &setting.step,
-                            &setting.standard);
-  // The library's way to say that there is nothing; the variables were preset to the same.
-  if (setting.least == -1 && setting.most == -1 && setting.step == -1) return std::nullopt;
-  setting.value = GetVideoProcAmp(property.number);
-  return setting;
-}
-
-std::string jsonOf(const Setting& setting) {
+std::string jsonOf(const PropertySetting& setting) {
   return json::object({{"name", json::text(setting.property->name)},
                        {"value", json::number(setting.value)},
                        {"least", json::number(setting.least)},
@@ -58,7 +37,7 @@ std::string jsonOf(const Setting& setting) {
                        {"standard", json::number(setting.standard)}});
 }
 
-std::string textOf(const Setting& setting) {
+std::string textOf(const PropertySetting& setting) {
   constexpr std::size_t nameWidth = 15, valueWidth = 6;
   std::string name(setting.property->name), value = std::to_string(setting.value);
   name.resize(std::max(name.size(), nameWidth), ' ');
@@ -85,6 +64,22 @@ void setProperty(const Property& property, qvx_long value) {
 }
 
 }  // namespace
+
+std::span<const Property> propertyTable() {
+  return properties;
+}
+
+std::optional<PropertySetting> settingOf(const Property& property) {
+  const LibraryOutputAside aside;
+  qvx_long number = property.number;
+  PropertySetting setting{&property, -1, -1, -1, -1, -1};
+  GetVideoProcAmpValueRange(&number, &setting.least, &setting.most, &setting.step,
+                            &setting.standard);
+  // The library's way to say that there is nothing; the variables were preset to the same.
+  if (setting.least == -1 && setting.most == -1 && setting.step == -1) return std::nullopt;
+  setting.value = GetVideoProcAmp(property.number);
+  return setting;
+}
 
 void adjustPicture(const Options& options) {
   const auto& arguments = options.arguments;

@@ -31,6 +31,7 @@ void driveLens(const Options& options);
 void setLight(const Options& options);
 void setLeds(const Options& options);
 void showConfig(const Options& options);
+void testCamera(const Options& options);
 void callExport(const Options& options);
 
 std::string helpText();        // the whole client

@@ -6,7 +6,14 @@
 
 namespace qvxctl {
 
-enum class ExitCode { ok = 0, noCamera = 1, badUsage = 2, libraryMismatch = 3, outputLost = 4 };
+enum class ExitCode {
+  ok = 0,
+  noCamera = 1,
+  badUsage = 2,
+  libraryMismatch = 3,
+  outputLost = 4,
+  differs = 5
+};
 
 // Ends the run: main prints the message in one line and exits with the code.
 struct Failure : std::runtime_error {

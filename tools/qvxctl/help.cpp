@@ -59,7 +59,8 @@ std::string helpText() {
                               {"1", "no camera answers: Init returned 0"},
                               {"2", "wrong usage"},
                               {"3", "QVX64.dll does not have the export"},
-                              {"4", "standard output or a file cannot be written"}});
+                              {"4", "standard output or a file cannot be written"},
+                              {"5", "selftest: the camera told another value than it was set to"}});
 }
 
 std::string exportHelpText() {

@@ -7,29 +7,12 @@
 #include "json.h"
 #include "numbers.h"
 #include "output.h"
-#include "qvx64/api.h"
+#include "readings.h"
 #include "text.h"
 
 namespace qvxctl {
 
 namespace {
-
-struct Range {
-  qvx_long lower, upper;
-};
-
-using LimitsFunction = qvx_long (*)(int, qvx_long*, qvx_long*);
-
-std::optional<Range> rangeFrom(LimitsFunction limits, int device) {
-  Range range{};
-  limits(device, &range.upper, &range.lower);
-  if (range.lower == -1 && range.upper == -1) return std::nullopt;  // nothing to move
-  return range;
-}
-
-std::string textOf(const std::optional<Range>& range) {
-  return range ? std::to_string(range->lower) + " to " + std::to_string(range->upper) : "none";
-}
 
 std::string jsonOf(const std::optional<Range>& range) {
   if (!range) return json::null;
@@ -95,6 +78,17 @@ const Action& actionIn(const Options& options) {
 }
 
 }  // namespace
+
+std::optional<Range> rangeFrom(LimitsFunction limits, int device) {
+  Range range{};
+  limits(device, &range.upper, &range.lower);
+  if (range.lower == -1 && range.upper == -1) return std::nullopt;  // nothing to move
+  return range;
+}
+
+std::string textOf(const std::optional<Range>& range) {
+  return range ? std::to_string(range->lower) + " to " + std::to_string(range->upper) : "none";
+}
 
 void driveLens(const Options& options) {
   const Action& action = actionIn(options);

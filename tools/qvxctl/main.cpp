@@ -31,6 +31,7 @@ constexpr Command commands[] = {
      "set a light of the lighting controller", setLight},
     {"led", "off|on|other", "switch the illumination between its basic states", setLeds},
     {"config", "", "tell the features of a camera by name", showConfig},
+    {"selftest", "", "try everything that a camera has, and compare what it tells", testCamera},
     {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
 };
 

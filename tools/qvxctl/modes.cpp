@@ -6,20 +6,12 @@
 #include "json.h"
 #include "numbers.h"
 #include "output.h"
-#include "qvx64/api.h"
+#include "readings.h"
 #include "text.h"
 
 namespace qvxctl {
 
 namespace {
-
-struct Size {
-  qvx_long width, height;
-};
-
-std::string textOf(const Size& size) {
-  return std::to_string(size.width) + 'x' + std::to_string(size.height);
-}
 
 std::string jsonOf(const Size& size) {
   return json::object({{"width", json::number(size.width)}, {"height", json::number(size.height)}});
@@ -33,16 +25,6 @@ Size sizeIn(const std::string& text) {
   }
   return {wholeNumber("width", text.substr(0, cross)),
           wholeNumber("height", text.substr(cross + 1))};
-}
-
-std::vector<Size> sizesOffered() {
-  constexpr std::size_t most = 5;
-  short widths[most] = {}, heights[most] = {};
-  qvx_long count = 0;
-  GetWiFiVideoCaps(&count, widths, heights);
-  std::vector<Size> sizes;
-  for (qvx_long i = 0; i < count; ++i) sizes.push_back({widths[i], heights[i]});
-  return sizes;
 }
 
 void choose(const Size& size, bool asJson) {
@@ -64,6 +46,20 @@ void printOffered(bool asJson) {
 }
 
 }  // namespace
+
+std::string textOf(const Size& size) {
+  return std::to_string(size.width) + 'x' + std::to_string(size.height);
+}
+
+std::vector<Size> sizesOffered() {
+  constexpr std::size_t most = 5;
+  short widths[most] = {}, heights[most] = {};
+  qvx_long count = 0;
+  GetWiFiVideoCaps(&count, widths, heights);
+  std::vector<Size> sizes;
+  for (qvx_long i = 0; i < count; ++i) sizes.push_back({widths[i], heights[i]});
+  return sizes;
+}
 
 void listVideoModes(const Options& options) {
   const auto argument = onlyArgument(options);

@@ -21,7 +21,7 @@ constexpr Option options[] = {
     {"--device", "N", "",
      "the camera: 0 to 7, 90 for Wi-Fi, -1 (default) to let the library choose",
      [](Options& all, const std::string& value) { all.device = wholeNumber("--device", value); }},
-    {"--json", "", "", "print JSON: one object, or one per line from watch",
+    {"--json", "", "", "print JSON: one object, or one per line from watch and selftest",
      [](Options& all, const std::string&) { all.json = true; }},
     {"--seconds", "S", "watch", "stop after S seconds instead of at Ctrl-C",
      [](Options& all, const std::string& value) { all.seconds = secondsIn(value); }},

@@ -9,6 +9,7 @@
 #include "json.h"
 #include "output.h"
 #include "qvx64/api.h"
+#include "stills.h"
 #include "text.h"
 
 namespace qvxctl {
@@ -25,13 +26,6 @@ std::string nameForLibrary(const files::path& path) {
   if (fits && wide.size() <= longest) return {wide.begin(), wide.end()};
   throw Failure(ExitCode::badUsage,
                 "snapshot: the file's name is too long, or has characters beyond ISO 8859-1");
-}
-
-// From its start marker to its end marker: the library does not tell when a camera stops half-way.
-bool isWholeJpeg(const files::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  const std::string content{std::istreambuf_iterator<char>(file), {}};
-  return content.starts_with("\xFF\xD8") && content.ends_with("\xFF\xD9");
 }
 
 // The picture takes its name, and the place of an earlier one, only when it is whole.
@@ -53,6 +47,12 @@ void save(const files::path& path) {
 }
 
 }  // namespace
+
+bool isWholeJpeg(const files::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  const std::string content{std::istreambuf_iterator<char>(file), {}};
+  return content.starts_with("\xFF\xD8") && content.ends_with("\xFF\xD9");
+}
 
 void saveSnapshot(const Options& options) {
   const auto name = onlyArgument(options);

@@ -1,0 +1,120 @@
+#include "selftest.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "cameras.h"
+#include "commands.h"
+#include "failure.h"
+#include "json.h"
+#include "output.h"
+#include "presentation.h"
+#include "text.h"
+
+namespace qvxctl {
+
+namespace {
+
+Findings testSelection(const TestedCamera& camera) {
+  const int index = GetVideoDeviceIndex();
+  return {compared("device index", index == camera.device, std::to_string(camera.device),
+                   std::to_string(index)),
+          {"usb 3 cameras", Outcome::ok, "", std::to_string(GetVideoDeviceCount())}};
+}
+
+// The Wi-Fi camera has none of these: the exports tell its product id nowhere.
+Findings testIdentity(const TestedCamera& camera) {
+  if (camera.device == wifiIndex) return {skipped("name"), skipped("path"), skipped("product id")};
+  const Camera described = describeCamera(camera.device);
+  const bool samePath = utf8FromOem(GetDeviceIDA(camera.device)) == described.path;
+  return {compared("name", !described.name.empty(), "", described.name),
+          compared("path", !described.path.empty() && samePath, "", described.path),
+          compared("product id", described.productId.has_value(), "", productIdText(described))};
+}
+
+Findings testFeatures(const TestedCamera& camera) {
+  char word[16];
+  std::snprintf(word, sizeof word, "0x%02lX", static_cast<unsigned long>(camera.features));
+  return {compared("feature word", camera.features == GetConfig(camera.device), "", word)};
+}
+
+// The magnification first: it decides how some lenses are driven. The lights at the end, when no
+// exposure is measured any more.
+constexpr Step steps[] = {
+    testSelection,      testIdentity, testFeatures,  testMagnification,
+    testFieldOfView,    testLens,     testFineLens,  testAutomaticExposure,
+    testExposureTarget, testExposure, testFlicker,   testPicture,
+    testStills,         testLights,   testQuadrants, testLedStates,
+    testTouchButton,
+};
+
+constexpr std::array<std::string_view, 4> outcomeNames = {"ok", "sent", "differs", "skipped"};
+
+std::string_view nameOf(Outcome outcome) {
+  return outcomeNames[static_cast<std::size_t>(outcome)];
+}
+
+std::string textOrNull(const std::string& text) {
+  return text.empty() ? json::null : json::text(text);
+}
+
+std::string jsonOf(const Finding& finding) {
+  return json::object({{"step", json::text(finding.step)},
+                       {"outcome", json::text(nameOf(finding.outcome))},
+                       {"set", textOrNull(finding.set)},
+                       {"read", textOrNull(finding.read)}});
+}
+
+std::string textOf(const Finding& finding) {
+  constexpr std::size_t outcomeWidth = 9, stepWidth = 20;
+  std::string line(nameOf(finding.outcome));
+  line.resize(outcomeWidth, ' ');
+  line += finding.step;
+  if (finding.set.empty() && finding.read.empty()) return line;
+  line.resize(std::max(line.size() + 1, outcomeWidth + stepWidth), ' ');
+  if (finding.set.empty()) return line + finding.read;
+  return line + "set " + finding.set + (finding.read.empty() ? "" : ", read " + finding.read);
+}
+
+using Counts = std::array<int, outcomeNames.size()>;
+
+Findings run(Step step, const TestedCamera& camera) {
+  const LibraryOutputAside aside;
+  return step(camera);
+}
+
+Counts runAll(const TestedCamera& camera, bool asJson) {
+  Counts counts{};
+  for (const Step step : steps) {
+    for (const Finding& finding : run(step, camera)) {
+      printLine(asJson ? jsonOf(finding) : textOf(finding));
+      ++counts[static_cast<std::size_t>(finding.outcome)];
+    }
+  }
+  return counts;
+}
+
+void printSummary(const Counts& counts, bool asJson) {
+  std::vector<json::Member> members;
+  std::string text;
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    members.push_back({std::string(outcomeNames[i]), json::number(counts[i])});
+    if (i != 0) text += ", ";
+    text += std::to_string(counts[i]) + ' ' + std::string(outcomeNames[i]);
+  }
+  printLine(asJson ? json::object({{"summary", json::object(members)}}) : text);
+}
+
+}  // namespace
+
+void testCamera(const Options& options) {
+  const int device = openCamera(options.device.value_or(automaticIndex));
+  const Counts counts = runAll({device, GetConfig(device)}, options.json);
+  printSummary(counts, options.json);
+  const int differing = counts[static_cast<std::size_t>(Outcome::differs)];
+  if (differing == 0) return;
+  throw Failure(ExitCode::differs, "steps that differ: " + std::to_string(differing));
+}
+
+}  // namespace qvxctl
