@@ -41,6 +41,21 @@ TEST(WifiCamera, ButtonIsPolledWithoutHarm) {
   EXPECT_EQ(presses, 1);
 }
 
+TEST(WifiCamera, SensorAndLightsAreDriven) {
+  SetVideoDeviceIndex(90);
+  ASSERT_EQ(Init(), 1);
+  SetExposureValue(90, 700);
+  EXPECT_EQ(GetExposureValue(90), 700);
+  SetAETarget(90, 90);
+  EXPECT_EQ(GetAETarget(90), 90);
+  SetAutoExposure(90, 0);
+  EXPECT_EQ(GetAutoExposure(90), 0);
+  SetAutoExposure(-1, 1);
+  EXPECT_EQ(GetAutoExposure(90), 1);
+  EXPECT_EQ(GetConfig(90) & 0x46, 0x46);
+  for (const int state : {0, 2, 1}) SetLEDState(90, state);
+}
+
 TEST(WifiCamera, PicturePropertiesAreSetAndRead) {
   SetVideoDeviceIndex(90);
   SetVideoProcAmp(5, 180);
