@@ -4,7 +4,7 @@
 # bridge cameras, by extension unit and by HID. Ends by itself.
 source "$(dirname "$0")/common.sh"
 
-product_id=0x970
+product_id=0x998 # with zoom ring, focus lens and lights
 zoom=1:200/10s
 watch_s=6
 bridge_camera=0970,zoom=5:120/4s,button=2s
@@ -15,6 +15,8 @@ camera_errors=$logs/demo-camera-errors.log
 client_errors=$logs/demo-client-errors.log
 watch_log=$logs/demo-watch.log
 still=$logs/demo-still.jpg
+changed_still=$logs/demo-still-changed.jpg
+lens_position=12 # the simulated object is sharp there
 
 title() {
   printf '\n%s\n' "$1"
@@ -88,11 +90,30 @@ watch_zoom() {
   [ "$(grep -c ' x ' "$watch_log")" -ge 2 ] || fail "the magnification did not change"
 }
 
+# Arguments: a command of the client and what it takes.
+command_camera() {
+  client "$@" || fail "qvxctl $1 failed: $(last_line "$client_errors")"
+}
+
+# Exposure by hand, or the camera would make up for the light.
 take_still() {
   title "Taking a still (qvxctl snapshot $still)"
   rm -f "$still"
-  client snapshot "$still" || fail "qvxctl snapshot failed: $(last_line "$client_errors")"
+  command_camera ae off
+  command_camera snapshot "$still"
   [ -s "$still" ] || fail "there is no still in $still"
+}
+
+take_changed_still() {
+  title "Moving the lens, switching the light off and taking another (qvxctl snapshot $changed_still)"
+  rm -f "$changed_still"
+  command_camera lens pos $lens_position
+  command_camera led off
+  command_camera snapshot "$changed_still"
+  command_camera led on
+  [ -s "$changed_still" ] || fail "there is no still in $changed_still"
+  ! cmp -s "$still" "$changed_still" || fail "lens and light changed nothing in the still"
+  echo "  $(stat -c %s "$still") bytes with light, $(stat -c %s "$changed_still") bytes without: open the two to compare"
 }
 
 check_camera() {
@@ -130,6 +151,7 @@ open_camera
 show_what_init_asked
 watch_zoom
 take_still
+take_changed_still
 check_camera
 watch_extension_unit
 watch_hid
