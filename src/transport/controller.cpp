@@ -42,8 +42,8 @@ bool hasBridgeController(int pid) {
 }  // namespace
 
 std::uint32_t ReadFromPIC(int deviceNumber, std::uint32_t reg) {
-  // -1 is not the Wi-Fi camera here, and USB 3 is this one product id, although writes go to the
-  // whole block: the firmware of the others answers reads through the bridge.
+  // -1 is not the Wi-Fi camera here, and only this one product id is read over USB 3, although the
+  // whole block is written that way: applications rely on both.
   if (deviceNumber == wifiDeviceIndex) return ReadPIC(reg);
   if (nPid == usb3ControllerPid) return readOverUsb3(reg);
   return readOverBridge(static_cast<std::uint32_t>(deviceNumber), reg);

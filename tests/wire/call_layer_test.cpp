@@ -307,6 +307,7 @@ TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
 class CallLayerThreads : public CallLayer {
  protected:
   static constexpr int threads = 8, roundsPerThread = 1250;
+  static constexpr std::uint8_t ringOn = 15;
 
   CallLayerThreads() { machine().videoInputs.push_back(bridgeInput(other, "2")); }
 
@@ -323,6 +324,9 @@ class CallLayerThreads : public CallLayer {
     lost += etLib2_I2cRead_DevNum(device, 0x62, 1, &sub, 1, &data) != 0;
     lost += data != own.camera.controller().at(0x80);
     lost += etLib2_Custom_CMD_Read(device, 0xF0, 40, block.data()) != 0;
+    lost += etLib2_Custom_CMD_Write(device, 0xF0, 40, block.data()) != 0;
+    std::uint8_t lightSwitch = 0x04;
+    lost += etLib2_I2cWrite_DevNum(device, 0x62, 1, &lightSwitch, 1, &ringOn) != 0;
     return lost;
   }
 

@@ -1,5 +1,6 @@
 // Init: every step, in order, as the cameras and the system see it; and every exit.
 #include <climits>
+#include <iterator>
 
 #include "api/events.h"
 #include "controls/magnification.h"
@@ -70,9 +71,16 @@ TEST_F(InitTest, BuildsTheReadUrlsBeforeItAsksAnyone) {
   const struct {
     const std::string* url;
     int reg;
-  } rows[] = {{&sReg00, 0x00}, {&sReg02, 0x02}, {&sRegC0, 0xC0}, {&sRegC5, 0xC5}, {&sReg60, 0x60},
-              {&sReg6F, 0x6F}, {&sReg40, 0x40}, {&sReg4B, 0x4B}, {&sReg80, 0x80}, {&sReg81, 0x81},
-              {&sReg83, 0x83}, {&sReg84, 0x84}, {&sReg50, 0x50}};
+  } rows[] = {{&sReg00, 0x00}, {&sReg01, 0x01}, {&sReg02, 0x02}, {&sRegC0, 0xC0}, {&sRegC1, 0xC1},
+              {&sRegC2, 0xC2}, {&sRegC3, 0xC3}, {&sRegC4, 0xC4}, {&sRegC5, 0xC5}, {&sReg60, 0x60},
+              {&sReg61, 0x61}, {&sReg62, 0x62}, {&sReg63, 0x63}, {&sReg64, 0x64}, {&sReg65, 0x65},
+              {&sReg66, 0x66}, {&sReg67, 0x67}, {&sReg68, 0x68}, {&sReg69, 0x69}, {&sReg6A, 0x6A},
+              {&sReg6B, 0x6B}, {&sReg6C, 0x6C}, {&sReg6D, 0x6D}, {&sReg6E, 0x6E}, {&sReg6F, 0x6F},
+              {&sReg40, 0x40}, {&sReg41, 0x41}, {&sReg42, 0x42}, {&sReg43, 0x43}, {&sReg44, 0x44},
+              {&sReg45, 0x45}, {&sReg46, 0x46}, {&sReg47, 0x47}, {&sReg48, 0x48}, {&sReg49, 0x49},
+              {&sReg4A, 0x4A}, {&sReg4B, 0x4B}, {&sReg80, 0x80}, {&sReg81, 0x81}, {&sReg83, 0x83},
+              {&sReg84, 0x84}, {&sReg50, 0x50}};
+  static_assert(std::size(rows) == 42);
   for (const auto& row : rows) EXPECT_EQ(*row.url, readUrlOf(row.reg));
   for (const auto* unused : {&sReg4C, &sReg4D, &sReg4E, &sReg82}) EXPECT_EQ(*unused, "");
   EXPECT_EQ(getsIn(journal()), Journal{});
