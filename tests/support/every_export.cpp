@@ -1,0 +1,138 @@
+#include "tests/support/every_export.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+
+namespace qvx::tests {
+
+namespace {
+
+std::string text(long long number) {
+  return std::to_string(number);
+}
+
+std::string text(double number) {
+  char digits[40];
+  std::snprintf(digits, sizeof digits, "%.9g", number);
+  return digits;
+}
+
+// Wide strings belong to nobody in particular: the library allocates one per call.
+std::string text(wchar_t* allocated) {
+  const std::unique_ptr<wchar_t[]> owner(allocated);
+  std::string narrow;
+  for (const wchar_t* at = allocated; *at != 0; ++at) narrow += static_cast<char>(*at);
+  return narrow;
+}
+
+template <class... Numbers>
+std::string texts(long long first, Numbers... others) {
+  std::string all = text(first);
+  ((all += ' ' + text(static_cast<long long>(others))), ...);
+  return all;
+}
+
+std::string limits(qvx_long (*ask)(int, qvx_long*, qvx_long*), int index) {
+  qvx_long upper = leftAlone, lower = leftAlone;
+  const qvx_long result = ask(index, &upper, &lower);
+  return texts(result, upper, lower);
+}
+
+std::string pictureRange(const Arguments& given) {
+  auto property = static_cast<qvx_long>(given.index);
+  qvx_long least = leftAlone, most = leftAlone, step = leftAlone, standard = leftAlone;
+  const qvx_long result = GetVideoProcAmpValueRange(&property, &least, &most, &step, &standard);
+  return texts(result, least, most, step, standard);
+}
+
+std::string videoCaps(const Arguments&) {
+  qvx_long count = 0;
+  std::array<short, 5> widths{}, heights{};
+  const bool known = GetWiFiVideoCaps(&count, widths.data(), heights.data());
+  std::string all = texts(known ? 1 : 0, count);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+    all += ' ' + text(static_cast<long long>(widths.at(i))) + 'x' +
+           text(static_cast<long long>(heights.at(i)));
+  return all;
+}
+
+// An export with a result, and one without.
+#define GIVES(name, ...)                                                          \
+  {                                                                               \
+#name, [](const Arguments& a) { static_cast<void>(a); return text(__VA_ARGS__); } \
+  }
+#define DOES(name, ...)           \
+  {                               \
+#name, [](const Arguments& a) { \
+      static_cast<void>(a);         \
+      __VA_ARGS__;                  \
+      return std::string();         \
+    } \
+  }
+
+long long number(long long value) {
+  return value;
+}
+
+const ExportedCall table[] = {
+    GIVES(Init, number(Init())),
+    GIVES(GetVideoDeviceCount, number(GetVideoDeviceCount())),
+    GIVES(GetVideoDeviceIndex, number(GetVideoDeviceIndex())),
+    DOES(SetVideoDeviceIndex, SetVideoDeviceIndex(a.index)),
+    GIVES(GetVideoDeviceName, GetVideoDeviceName(a.index)),
+    GIVES(GetDeviceId, GetDeviceId(a.index)),
+    {"GetDeviceIDA", [](const Arguments& a) { return std::string(GetDeviceIDA(a.index)); }},
+    GIVES(GetConfig, number(GetConfig(a.index))),
+    DOES(SetEventCallback, SetEventCallback(a.callback)),
+    DOES(FireEvent, FireEvent()),
+    GIVES(EnablePressKey, number(EnablePressKey(a.index))),
+    GIVES(GetMAG, GetMAG(a.index)),
+    GIVES(FOVx, FOVx(a.index, a.magnification)),
+    DOES(SetLensInitPos, SetLensInitPos(a.index)),
+    DOES(SetLensPos, SetLensPos(a.index, a.value)),
+    DOES(SetLensFinePos, SetLensFinePos(a.index, a.value)),
+    {"GetLensPosLimits", [](const Arguments& a) { return limits(GetLensPosLimits, a.index); }},
+    {"GetLensFinePosLimits",
+     [](const Arguments& a) { return limits(GetLensFinePosLimits, a.index); }},
+    DOES(SetExposureValue, SetExposureValue(a.index, a.value)),
+    GIVES(GetExposureValue, number(GetExposureValue(a.index))),
+    DOES(SetAETarget, SetAETarget(a.index, a.value)),
+    GIVES(GetAETarget, number(GetAETarget(a.index))),
+    DOES(SetAutoExposure, SetAutoExposure(a.index, a.value)),
+    GIVES(GetAutoExposure, number(GetAutoExposure(a.index))),
+    DOES(SetFlicker, SetFlicker(a.index, a.value)),
+    DOES(SetVideoProcAmp, SetVideoProcAmp(a.index, a.value)),
+    GIVES(GetVideoProcAmp, number(GetVideoProcAmp(a.index))),
+    {"GetVideoProcAmpValueRange", pictureRange},
+    DOES(SetLEDState, SetLEDState(a.index, static_cast<int>(a.value))),
+    DOES(SetSEGSwitch, SetSEGSwitch(a.index, a.value)),
+    DOES(SetSEGLevel, SetSEGLevel(a.index, a.value)),
+    DOES(SetESEG, SetESEG(a.index, a.value, a.second)),
+    DOES(SetAXILevel, SetAXILevel(a.index, a.value)),
+    DOES(SetAimpointLevel, SetAimpointLevel(a.index, a.value)),
+    GIVES(GetWiFiImage, number(GetWiFiImage(a.file))),
+    GIVES(SetWiFiVideoRes, number(SetWiFiVideoRes(a.value, a.second))),
+    {"GetWiFiVideoCaps", videoCaps},
+};
+#undef GIVES
+#undef DOES
+
+static_assert(std::size(table) == 37);
+
+}  // namespace
+
+std::span<const ExportedCall> everyExport() {
+  return table;
+}
+
+const ExportedCall& exportNamed(const std::string& name) {
+  const auto found = std::find_if(std::begin(table), std::end(table),
+                                  [&](const ExportedCall& call) { return call.name == name; });
+  if (found == std::end(table)) throw std::invalid_argument("no export " + name);
+  return *found;
+}
+
+}  // namespace qvx::tests
