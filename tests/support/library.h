@@ -7,11 +7,9 @@
 #include <vector>
 
 #include "simulator/platform/world.h"
+#include "tests/support/reset_library.h"
 
 namespace qvx::tests {
-
-// Puts every global back to its initial value.
-void resetLibrary();
 
 using Journal = std::vector<std::string>;
 

@@ -1,4 +1,4 @@
-#include "tests/support/library.h"
+#include "tests/support/reset_library.h"
 
 #include "api/events.h"
 #include "controls/led_state.h"

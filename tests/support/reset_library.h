@@ -1,0 +1,9 @@
+// The library as it is just after loading.
+#pragma once
+
+namespace qvx::tests {
+
+// Puts every global back to its initial value.
+void resetLibrary();
+
+}  // namespace qvx::tests
