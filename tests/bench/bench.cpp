@@ -1,25 +1,30 @@
-// What the library costs beyond the system calls it makes. Needs a simulated Wi-Fi camera on port
-// 8080 and the rights to register a virtual video camera.
+// What the library costs beyond the system calls it makes, one table: bench.exe [section...]
+// Needs a simulated Wi-Fi camera on port 8080 and the rights to plug virtual cameras in; section
+// usb3, the stand-in libusbK.dll beside the program, which must not be there for the others.
 #include <windows.h>
 // The process's own headers follow windows.h.
 #include <json/reader.h>
 #include <json/value.h>
-#include <process.h>
-#include <wininet.h>
 
-#include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
 #include <string>
 
 #include "controls/control_document.h"
+#include "controls/feature_word.h"
 #include "controls/magnification.h"
 #include "etlib2/etLib2.h"
 #include "models/families.h"
 #include "platform/com.h"
-#include "platform/topology.h"
+#include "qvx64/api.h"
 #include "simulator/capture_filter/camera_registry.h"
+#include "simulator/hid_bridge/virtual_hid_devices.h"
 #include "state/device_state.h"
+#include "tests/bench/bare_calls.h"
 #include "tests/bench/measure.h"
+#include "transport/controller.h"
 #include "transport/wifi.h"
 
 namespace {
@@ -27,101 +32,143 @@ namespace {
 using namespace qvx;
 using namespace qvx::bench;
 
-const std::string readUrl = CMD_I2C_R(wifiBaseUrl(), 0x62, 0x01, 1, 1);
+constexpr int calls = 1000;
+constexpr int callRounds = 200;
 
-// The request and its one read; like the library's, both handles stay open.
-void bareWifiRead() {
-  static const std::wstring url = widen(readUrl);
-  const HINTERNET session = InternetOpenW(L"HTTP Downloader", 0, nullptr, nullptr, 0);
-  const HINTERNET request =
-      InternetOpenUrlW(session, url.c_str(), nullptr, 0, INTERNET_FLAG_RELOAD, 0);
-  char answer[8192];
-  DWORD received = 0;
-  InternetReadFile(request, answer, sizeof answer, &received);
+// Three points of calibration in single bytes: Init reads 16 controller registers and makes one
+// pause on a bridge; over Wi-Fi it reads 25 and pauses after each.
+constexpr char bridgeCamera[] = "0890";
+constexpr int controllerReadsOfInit = 16, wifiReadsOfInit = 25;
+constexpr unsigned pauseOfInit_ms = 100, pauseOfWifiRead_ms = 5, pauseOfWifiWrite_ms = 10;
+
+// The one USB 3 camera whose controller is read over USB 3 has its calibration in 16 registers with
+// a pause after each.
+constexpr int usb3ReadsOfInit = 27, calibrationRegisters = 16;
+constexpr unsigned pauseOfCalibration_ms = 50;
+
+void require(bool done, const std::string& problem) {
+  if (!done) throw std::runtime_error(problem);
 }
 
-void measureWifi() {
-  constexpr int rounds = 300;
-  printRow("Wi-Fi register read, without its pauses",
-           medians_us(
-               rounds,
-               [] {
-                 const auto answer = fetchOnce(readUrl, 0);
-                 if (answer) resultIn(*answer);
-               },
-               bareWifiRead),
-           1.05);
+void initialize(int deviceIndex) {
+  SetVideoDeviceIndex(deviceIndex);
+  require(Init() == 1, "no camera at device index " + std::to_string(deviceIndex));
 }
 
-void loadAndFree(const wchar_t* name) {
-  FreeLibrary(LoadLibraryW(name));
-}
-
-void measureLoading() {
-  printRow("LoadLibrary and FreeLibrary",
-           medians_us(
-               100, [] { loadAndFree(L"QVX64.dll"); }, [] { loadAndFree(L"qvx_bench_bare.dll"); }),
-           0);
-}
-
-// A thread that does one thing, waited for.
-void onBareThread(unsigned(__stdcall* body)(void*), void* argument) {
-  const auto thread =
-      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, body, argument, 0, nullptr));
-  WaitForSingleObject(thread, 500);
-  DWORD code = 0;
-  GetExitCodeThread(thread, &code);
-  CloseHandle(thread);
-}
-
-unsigned __stdcall doNothing(void*) {
-  return 0;
-}
-
-constexpr platform::PropertySet registerSet = {
-    0x5A215226, 0x3289, 0x4156, {0x89, 0x4A, 0x5C, 0x55, 0x7C, 0xDF, 0x96, 0x64}};
-
-struct BareCamera {
-  std::shared_ptr<platform::TopologyFilter> filter;
-  std::uint32_t node;
+class PluggedCamera {
+ public:
+  explicit PluggedCamera(const std::string& text) {
+    std::string problem;
+    require(simulator::registerCameras(std::span(&text, 1), simulator::Naming::devicePath,
+                                       simulator::filterBesideProgram(), problem),
+            problem);
+  }
+  ~PluggedCamera() { simulator::unregisterCameras(); }
+  PluggedCamera(const PluggedCamera&) = delete;
+  PluggedCamera& operator=(const PluggedCamera&) = delete;
 };
 
-unsigned __stdcall readProperty(void* argument) {
-  const auto& camera = *static_cast<BareCamera*>(argument);
-  std::array<std::uint8_t, 32> request = {0x85, 0x00, 0x01}, reply{};
-  camera.filter->setProperty(camera.node, registerSet, 26, request.data(), request.size());
-  camera.filter->getProperty(camera.node, registerSet, 26, reply.data(), reply.size());
-  return 0;
+class PluggedHid {
+ public:
+  explicit PluggedHid(const std::string& text) {
+    std::string problem;
+    require(
+        simulator::plugHidDevices(std::span(&text, 1), simulator::driverBesideProgram(), problem),
+        problem);
+  }
+  ~PluggedHid() { simulator::unplugHidDevices(); }
+  PluggedHid(const PluggedHid&) = delete;
+  PluggedHid& operator=(const PluggedHid&) = delete;
+};
+
+void measureWifi() {
+  const std::string base = wifiBaseUrl();
+  const std::wstring read = widen(CMD_I2C_R(base, 0x62, 0x80, 1, 1));
+  const std::string write = CMD_GPIO_W(base, 0, 0x02, 0x02);  // the lights are on pins
+  initialize(wifiDeviceIndex);
+  compare(
+      {"Wi-Fi register read, us", 300, 1.05, pauseOfWifiRead_ms}, [] { ReadPIC(0x80); },
+      [&] {
+        bareWifiCommand(read);
+        barePause(pauseOfWifiRead_ms);
+      });
+  compare(
+      {"Wi-Fi register write, us", 300, 1.05, pauseOfWifiWrite_ms}, [&] { loadUrlwWininet(write); },
+      [&] {
+        barePause(pauseOfWifiWrite_ms);
+        bareWifiCommand(widen(write));
+      });
+  compare(
+      {"Init, Wi-Fi, us", 25, 1.15, pauseOfInit_ms + wifiReadsOfInit * pauseOfWifiRead_ms},
+      [] { initialize(wifiDeviceIndex); },
+      [&] {
+        bareWifiSearch(widen(base));
+        for (int i = 0; i < wifiReadsOfInit; ++i) {
+          bareWifiCommand(read);
+          barePause(pauseOfWifiRead_ms);
+        }
+        barePause(pauseOfInit_ms);
+      });
 }
 
-void measureCallLayer() {
-  constexpr int rounds = 2000;
-  constexpr std::uint32_t nobody = 99;
-  std::string problem;
-  const std::string text = "0970";
-  if (!simulator::registerCameras(std::span(&text, 1), simulator::Naming::devicePath,
-                                  simulator::filterBesideProgram(), problem)) {
-    std::printf("no virtual camera: %s\n", problem.c_str());
-    return;
-  }
-  platform::initializeCom();
+void measureBridge(const char* path, std::unique_ptr<BareBridge> (*open)(), double accessLimit,
+                   double initLimit) {
   static std::uint32_t value = 0;
-  if (etLib2_Init() != 0) {
-    printRow("etLib2 call / thread start and wait",
-             medians_us(
-                 rounds, [] { etLib2_RegRead_DevNum(nobody, 0x85, 1, &value); },
-                 [] { onBareThread(doNothing, nullptr); }),
-             1.20);
-    BareCamera camera{platform::openTopologyFilters().at(0), 0};
-    camera.node = camera.filter->vendorNodes().at(0);
-    printRow("bridge register read / thread and property",
-             medians_us(
-                 rounds, [] { etLib2_RegRead_DevNum(0, 0x85, 1, &value); },
-                 [&camera] { onBareThread(readProperty, &camera); }),
-             1.20);
-  }
-  etLib2_Release();
-  simulator::unregisterCameras();
+  initialize(0);
+  const auto bare = open();
+  const std::string name = path;
+  compare(
+      {(name + " register read, us").c_str(), 1500, accessLimit},
+      [] { etLib2_RegRead_DevNum(0, 0x0006, 1, &value); }, [&] { bare->readRegister(); });
+  compare(
+      {(name + " controller read, us").c_str(), 500, accessLimit}, [] { ReadFromPIC(0, 0x80); },
+      [&] { bare->readController(); });
+  compare(
+      {("Init, " + name + ", us").c_str(), 25, initLimit, pauseOfInit_ms}, [] { initialize(0); },
+      [&] {
+        const auto camera = open();
+        bareListing();
+        barePause(pauseOfInit_ms);
+        for (int i = 0; i < controllerReadsOfInit; ++i) camera->readController();
+      });
+}
+
+void measureExtensionUnit() {
+  const PluggedCamera camera(bridgeCamera);
+  measureBridge("extension unit", openBareExtensionUnit, 1.15, 1.25);
+}
+
+void measureHid() {
+  const PluggedCamera video(std::string(bridgeCamera) + ",unit=plain");
+  const PluggedHid device(bridgeCamera);
+  measureBridge("HID", openBareHid, 1.15, 1.25);
+}
+
+void measureGetConfig() {
+  const PluggedCamera camera("0970");
+  initialize(0);
+  const auto bare = openBareExtensionUnit();
+  compare(
+      {"GetConfig, extension unit, us", 500, 1.15}, [] { GetConfig(0); },
+      [&] { bare->readController(); });
+}
+
+void measureUsb3() {
+  _putenv("QVX_VIRTUAL_USB3=0x9B0");
+  const PluggedCamera camera("09b0,unit=plain");
+  initialize(chooseAutomatically);
+  compare(
+      {"USB 3 register read, us", 3000, 1.15}, [] { ReadFromPIC(0, 0x80); }, bareUsb3Read);
+  compare(
+      {"Init, USB 3, us", 7, 1.25, pauseOfInit_ms + calibrationRegisters * pauseOfCalibration_ms},
+      [] { initialize(0); },
+      [] {
+        bareUsb3Open();
+        bareListing();
+        barePause(pauseOfInit_ms);
+        for (int i = 0; i < usb3ReadsOfInit; ++i) bareUsb3Read();
+        for (int i = 0; i < calibrationRegisters; ++i) barePause(pauseOfCalibration_ms);
+      });
 }
 
 // Twenty controls, of which the last one is wanted.
@@ -135,47 +182,78 @@ std::string controlDocument() {
   return text + "]}";
 }
 
-void measureControlDocument() {
-  static const std::string text = controlDocument();
-  printRow("control document / jsoncpp alone",
-           medians_us(
-               500, [] { controlIn(text, "Control 20"); },
-               [] {
-                 Json::Value root;
-                 Json::Reader().parse(text.data(), text.data() + text.size(), root);
-               }),
-           1.10);
-}
-
 void measureComputations() {
-  constexpr int calls = 1000;
+  static const std::string text = controlDocument();
+  compare(
+      {"control document / jsoncpp alone, us", 500, 1.10}, [] { controlIn(text, "Control 20"); },
+      [] {
+        Json::Value root;
+        Json::Reader().parse(text.data(), text.data() + text.size(), root);
+      });
   [[maybe_unused]] static volatile int sink = 0;
-  printRow("predicate over a range (isVK7xxxSeries)", median_us(200, [] {
-                                                        for (int i = 0; i < calls; ++i)
-                                                          sink = isVK7xxxSeries(0x900 + (i & 0xFF));
-                                                      }) / calls);
-  printRow("predicate over a list (isVK4xxx_2Series)", median_us(200, [] {
-                                                         for (int i = 0; i < calls; ++i)
-                                                           sink =
-                                                               isVK4xxx_2Series(0x870 + (i & 0x3F));
-                                                       }) / calls);
-  // With no device its register reads end at once: what remains is the computation.
+  printValue("predicate over a range (isVK7xxxSeries), us",
+             median_us(callRounds, calls, [](int i) { sink = isVK7xxxSeries(0x900 + (i & 0xFF)); }),
+             0.02);
+  printValue(
+      "predicate over a list (isVK4xxx_2Series), us",
+      median_us(callRounds, calls, [](int i) { sink = isVK4xxx_2Series(0x870 + (i & 0x3F)); }),
+      0.05);
+  // With no camera its register reads end at once: what remains is the computation.
+  etLib2_Release();
   nTmpIdx = 0;
   ulC5 = 3;
   fabc = {1.0F, 0.5F, 0.25F, 0.125F};
-  printRow("rate computation (cubic, smoothed)", median_us(200, [] {
-                                                   for (int i = 0; i < calls; ++i) Count890Rate();
-                                                 }) / calls);
+  printValue("rate computation (cubic, smoothed), us",
+             median_us(callRounds, calls, [](int) { Count890Rate(); }), 1);
+}
+
+void loadAndFree(const wchar_t* name) {
+  FreeLibrary(LoadLibraryW(name));
+}
+
+double sizeOfDll_KiB() {
+  const HMODULE module = LoadLibraryW(L"QVX64.dll");
+  wchar_t path[MAX_PATH] = L"";
+  GetModuleFileNameW(module, path, MAX_PATH);
+  FreeLibrary(module);
+  return static_cast<double>(std::filesystem::file_size(path)) / 1024;
+}
+
+void measureDll() {
+  compare(
+      {"load and free the DLL / an empty DLL, us", 100, 3}, [] { loadAndFree(L"QVX64.dll"); },
+      [] { loadAndFree(L"qvx_bench_bare.dll"); });
+  printValue("DLL size, KiB", sizeOfDll_KiB(), 1536);
+}
+
+const struct {
+  const char* name;
+  void (*run)();
+} sections[] = {{"head", printHead},
+                {"wifi", measureWifi},
+                {"bridge", measureExtensionUnit},
+                {"hid", measureHid},
+                {"usb3", measureUsb3},
+                {"config", measureGetConfig},
+                {"computations", measureComputations},
+                {"dll", measureDll}};
+
+void runSection(const std::string& name) {
+  for (const auto& section : sections) {
+    if (section.name == name) return section.run();
+  }
+  throw std::runtime_error("no section " + name);
 }
 
 }  // namespace
 
-int main() {
-  printHead();
-  measureWifi();
-  measureLoading();
-  measureCallLayer();
-  measureControlDocument();
-  measureComputations();
+int main(int count, char** arguments) {
+  openTable();
+  try {
+    for (int i = 1; i < count; ++i) runSection(arguments[i]);
+  } catch (const std::exception& problem) {
+    std::fprintf(stderr, "bench: %s\n", problem.what());
+    return 2;
+  }
   return rowsOverLimit() == 0 ? 0 : 1;
 }

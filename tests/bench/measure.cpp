@@ -1,5 +1,6 @@
 #include "tests/bench/measure.h"
 
+#include <io.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -11,8 +12,9 @@ namespace qvx::bench {
 namespace {
 
 int overLimit = 0;
+std::FILE* table = nullptr;
 
-double timeOf_us(const std::function<void()>& operation) {
+double timeOf_us(const Operation& operation) {
   LARGE_INTEGER frequency, start, end;
   QueryPerformanceFrequency(&frequency);
   QueryPerformanceCounter(&start);
@@ -28,39 +30,53 @@ double medianOf(std::vector<double>& times) {
   return *middle;
 }
 
-}  // namespace
-
-double median_us(int rounds, const std::function<void()>& operation) {
-  std::vector<double> times;
-  for (int i = 0; i < rounds; ++i) times.push_back(timeOf_us(operation));
-  return medianOf(times);
+void endRow(double value, double limit) {
+  const bool over = value > limit;
+  if (over) ++overLimit;
+  std::fprintf(table, " %8.2f%s\n", limit, over ? "  OVER" : "");
+  std::fflush(table);
 }
 
-Pair medians_us(int rounds, const std::function<void()>& ours, const std::function<void()>& bare) {
-  std::vector<double> oursTimes, bareTimes;
-  for (int i = 0; i < rounds; ++i) {
-    oursTimes.push_back(timeOf_us(ours));
-    bareTimes.push_back(timeOf_us(bare));
-  }
-  return {medianOf(oursTimes), medianOf(bareTimes)};
+}  // namespace
+
+void openTable() {
+  table = _fdopen(_dup(_fileno(stdout)), "w");
+  std::freopen("NUL", "w", stdout);
 }
 
 void printHead() {
-  std::printf("%-44s %12s %12s %7s %6s\n", "operation (median)", "ours, us", "bare, us", "ratio",
-              "limit");
+  std::fprintf(table, "%-44s %12s %12s %8s %8s\n", "median of", "ours", "bare calls", "ratio",
+               "limit");
+  std::fflush(table);
 }
 
-void printRow(const char* operation, Pair times, double limit) {
-  const double ratio = times.ours_us / times.bare_us;
-  const bool over = limit != 0 && ratio > limit;
-  if (over) ++overLimit;
-  std::printf("%-44s %12.2f %12.2f %7.3f", operation, times.ours_us, times.bare_us, ratio);
-  if (limit != 0) std::printf(" %6.2f%s", limit, over ? "  OVER" : "");
-  std::printf("\n");
+void compare(const Comparison& comparison, const Operation& ours, const Operation& bare) {
+  std::vector<double> oursTimes, bareTimes;
+  for (int i = 0; i < comparison.rounds; ++i) {
+    oursTimes.push_back(timeOf_us(ours));
+    bareTimes.push_back(timeOf_us(bare));
+  }
+  const double pauses_us = comparison.pauses_ms * 1000.0;
+  const double ours_us = medianOf(oursTimes) - pauses_us;
+  const double bare_us = medianOf(bareTimes) - pauses_us;
+  std::fprintf(table, "%-44s %12.2f %12.2f %8.3f", comparison.operation, ours_us, bare_us,
+               ours_us / bare_us);
+  endRow(ours_us / bare_us, comparison.limit);
 }
 
-void printRow(const char* operation, double ours_us) {
-  std::printf("%-44s %12.4f\n", operation, ours_us);
+void printValue(const char* operation, double value, double limit) {
+  std::fprintf(table, "%-44s %12.4g %12s %8s", operation, value, "", "");
+  endRow(value, limit);
+}
+
+double median_us(int rounds, int calls, const std::function<void(int)>& operation) {
+  std::vector<double> times;
+  for (int i = 0; i < rounds; ++i) {
+    times.push_back(timeOf_us([&] {
+      for (int call = 0; call < calls; ++call) operation(call);
+    }));
+  }
+  return medianOf(times) / calls;
 }
 
 int rowsOverLimit() {

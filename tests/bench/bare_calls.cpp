@@ -1,0 +1,204 @@
+#include "tests/bench/bare_calls.h"
+
+#include <windows.h>
+// The process's own headers follow windows.h.
+#include <process.h>
+#include <wininet.h>
+
+#include <array>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/hid.h"
+#include "platform/libusbk.h"
+#include "platform/topology.h"
+#include "platform/video_inputs.h"
+#include "transport/usb3.h"
+
+namespace qvx::bench {
+
+namespace {
+
+constexpr std::uint32_t propertySize = 32, headerSize = 5, reportSize = 65;
+using Property = std::array<std::uint8_t, propertySize>;
+using Header = std::array<std::uint8_t, headerSize>;
+using Report = std::array<std::uint8_t, reportSize>;
+
+constexpr platform::PropertySet registerSet = {
+    0x5A215226, 0x3289, 0x4156, {0x89, 0x4A, 0x5C, 0x55, 0x7C, 0xDF, 0x96, 0x64}};
+constexpr platform::PropertySet commandSet = {
+    0xC66D125B, 0x0480, 0x0844, {0x8C, 0x26, 0xB8, 0x36, 0x3A, 0x84, 0xDE, 0x63}};
+
+HINTERNET openSession() {
+  return InternetOpenW(L"HTTP Downloader", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
+}
+
+HINTERNET openUrl(HINTERNET session, const std::wstring& url) {
+  return InternetOpenUrlW(session, url.c_str(), nullptr, 0, INTERNET_FLAG_RELOAD, 0);
+}
+
+class ExtensionUnit final : public BareBridge {
+ public:
+  ExtensionUnit(std::shared_ptr<platform::TopologyFilter> filter, std::uint32_t node)
+      : filter_(std::move(filter)), node_(node) {}
+
+ protected:
+  void registerRead() override { exchange(26, {0x06, 0x00, 1}); }
+  void registerWrite() override { send(27, {0x06, 0x00, 1, 0x04}); }
+  void i2cRead() override { exchange(20, {0, 0x62, 1, 1, 0x80, 1}); }
+
+ private:
+  void send(std::uint32_t selector, const Property& request) {
+    filter_->setProperty(node_, registerSet, selector, request.data(), propertySize);
+  }
+  void exchange(std::uint32_t selector, const Property& request) {
+    Property reply;
+    send(selector, request);
+    filter_->getProperty(node_, registerSet, selector, reply.data(), propertySize);
+  }
+
+  std::shared_ptr<platform::TopologyFilter> filter_;
+  std::uint32_t node_;
+};
+
+class Hid final : public BareBridge {
+ public:
+  explicit Hid(std::unique_ptr<platform::HidDevice> device) : device_(std::move(device)) {}
+
+ protected:
+  void registerRead() override {
+    sendHeader({0x87, 0x00, 0x06, 1, 0});
+    fetch();
+  }
+  void registerWrite() override {
+    sendHeader({0x87, 0x01, 0, 0, 0});
+    send({0x93, 0x06, 1, 0x04});
+  }
+  void i2cRead() override {
+    send({0x97, 0x0C, 0, 0x62, 1, 1, 0x80, 1});
+    fetch();
+  }
+
+ private:
+  void sendHeader(const Header& header) { device_->setFeature(header.data(), headerSize); }
+  void send(const Report& report) { device_->setFeature(report.data(), reportSize); }
+  void fetch() {
+    Report reply{0x93};
+    device_->getFeature(reply.data(), reportSize);
+  }
+
+  std::unique_ptr<platform::HidDevice> device_;
+};
+
+struct Transfer {
+  BareBridge* camera;
+  void (BareBridge::*run)();
+};
+
+// The mutex that all processes with a bridge camera share.
+HANDLE sharedMutex() {
+  static const HANDLE mutex = CreateMutexA(nullptr, FALSE, "Empia VideoClass HidClass Library");
+  return mutex;
+}
+
+unsigned __stdcall runTransfer(void* argument) {
+  const auto& transfer = *static_cast<Transfer*>(argument);
+  WaitForSingleObject(sharedMutex(), 1000);
+  (transfer.camera->*transfer.run)();
+  ReleaseMutex(sharedMutex());
+  return 0;
+}
+
+}  // namespace
+
+void barePause(unsigned milliseconds) {
+  Sleep(milliseconds);
+}
+
+void bareWifiCommand(const std::wstring& url) {
+  const HINTERNET request = openUrl(openSession(), url);
+  char answer[8192];
+  DWORD received = 0;
+  InternetReadFile(request, answer, sizeof answer, &received);
+}
+
+void bareWifiSearch(const std::wstring& baseUrl) {
+  HINTERNET session = openSession();
+  DWORD limit_ms = 2000;
+  InternetSetOptionW(session, INTERNET_OPTION_CONNECT_TIMEOUT, &limit_ms, sizeof limit_ms);
+  InternetSetOptionW(session, INTERNET_OPTION_RECEIVE_TIMEOUT, &limit_ms, sizeof limit_ms);
+  openUrl(session, baseUrl);
+  InternetCloseHandle(session);
+
+  platform::openTopologyFilters();
+  platform::listHidInterfaces();
+
+  session = openSession();
+  const HINTERNET request = openUrl(session, baseUrl + L"usbdevlist.json");
+  char chunk[8192];
+  DWORD received = 0;
+  while (InternetReadFile(request, chunk, sizeof chunk, &received) && received != 0) continue;
+  InternetCloseHandle(request);
+  InternetCloseHandle(session);
+}
+
+void bareListing() {
+  platform::listVideoInputs();
+}
+
+void BareBridge::onWorker(void (BareBridge::*transfer)()) {
+  Transfer work{this, transfer};
+  const auto thread =
+      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, runTransfer, &work, 0, nullptr));
+  DWORD code = 0;
+  WaitForSingleObject(thread, 500);
+  GetExitCodeThread(thread, &code);
+  CloseHandle(thread);
+}
+
+void BareBridge::readController() {
+  onWorker(&BareBridge::registerRead);
+  onWorker(&BareBridge::registerRead);
+  onWorker(&BareBridge::registerWrite);
+  onWorker(&BareBridge::i2cRead);
+}
+
+std::unique_ptr<BareBridge> openBareExtensionUnit() {
+  for (const auto& filter : platform::openTopologyFilters()) {
+    for (const std::uint32_t node : filter->vendorNodes()) {
+      filter->supports(node, commandSet);
+      if (filter->supports(node, registerSet)) return std::make_unique<ExtensionUnit>(filter, node);
+    }
+  }
+  throw std::runtime_error("no camera with an extension unit");
+}
+
+std::unique_ptr<BareBridge> openBareHid() {
+  platform::openTopologyFilters();
+  const auto paths = platform::listHidInterfaces().value();
+  for (const std::string& path : paths) platform::describeHidFeatures(path);
+  return std::make_unique<Hid>(platform::openHid(paths.at(0)));
+}
+
+void bareUsb3Read() {
+  std::uint8_t request[2] = {0x62, 0x80}, value = 0;
+  std::uint32_t moved = 0;
+  platform::UsbK_ControlTransfer(handle, {0x21, 0x01, 0x0303, 0x0300, 2}, request, 2, &moved);
+  platform::UsbK_ControlTransfer(handle, {0xA1, 0x81, 0x0303, 0x0300, 1}, &value, 1, &moved);
+}
+
+void bareUsb3Open() {
+  platform::KLST_HANDLE devices = nullptr;
+  platform::KUSB_HANDLE opened = nullptr;
+  std::uint32_t count = 0, moved = 0;
+  std::uint8_t descriptor[18];
+  platform::openTopologyFilters();
+  platform::listHidInterfaces();
+  platform::LstK_Init(&devices, 0);
+  platform::LstK_Count(devices, &count);
+  Usb.Init(&opened, deviceInfo);
+  platform::UsbK_ControlTransfer(opened, {0x80, 0x06, 0x0100, 0, sizeof descriptor}, descriptor,
+                                 sizeof descriptor, &moved);
+}
+
+}  // namespace qvx::bench
