@@ -22,6 +22,7 @@ std::string text(double number) {
 
 // Wide strings belong to nobody in particular: the library allocates one per call.
 std::string text(wchar_t* allocated) {
+  if (allocated == nullptr) return "null";
   const std::unique_ptr<wchar_t[]> owner(allocated);
   std::string narrow;
   for (const wchar_t* at = allocated; *at != 0; ++at) narrow += static_cast<char>(*at);

@@ -22,7 +22,8 @@ struct Arguments {
 struct ExportedCall {
   const char* name;
   // Calls it and says what came back: the result, then what was written through pointers, parted by
-  // blanks: "1 44 -15". "-7" stands for an output that was left alone. Empty for no result.
+  // blanks: "1 44 -15". "-7" stands for an output that was left alone, "null" for a null text.
+  // Empty for no result.
   std::string (*call)(const Arguments& arguments);
 };
 
