@@ -13,7 +13,7 @@ status=0
 measure() {
   "$@" | sed -u 's/\r$//'
   local result=${PIPESTATUS[0]}
-  [ "$result" -le $status ] || status=$result
+  [ "$result" -le "$status" ] || status=$result
 }
 
 measure tests/windows/with_wifi_camera.sh build/simulator/qvx-wifi-camera --pid 0x890 -- \
@@ -21,4 +21,4 @@ measure tests/windows/with_wifi_camera.sh build/simulator/qvx-wifi-camera --pid 
 measure scripts/run-wine.sh build/windows/qvx_bench.exe bridge hid
 measure scripts/run-wine.sh build/windows/usb3/qvx_bench.exe usb3
 measure scripts/run-wine.sh build/windows/qvx_bench.exe config computations dll
-exit $status
+exit "$status"
