@@ -23,13 +23,15 @@ std::wstring folderOf(const std::wstring& path) {
 }  // namespace
 
 FileHandle createFile(const std::wstring& path) {
-  if (path.empty() || !world().folders.contains(folderOf(path))) return nullptr;
+  const bool exists = !path.empty() && world().folders.contains(folderOf(path));
+  if (!exists || !world().grants()) return nullptr;
   world().files[path].clear();
   ++world().open.files;
   return new FileObject{world().files[path]};
 }
 
 bool writeFile(FileHandle file, const void* data, std::uint32_t size) {
+  if (!world().grants()) return false;
   auto& room = world().diskRoom;
   const std::size_t written = room ? std::min<std::size_t>(*room, size) : size;
   if (room) *room -= written;

@@ -10,6 +10,7 @@ namespace qvx::platform {
 
 struct InternetObject {
   bool isRequest;
+  unsigned connection;  // of the cameras, when it was opened
   simulator::HttpAnswer answer{};
   std::size_t nextChunk = 0, taken = 0;  // and how much of it
 };
@@ -29,50 +30,44 @@ int& openCountOf(const InternetObject& object) {
 }
 
 InternetHandle opened(InternetObject object) {
-  auto* const handle = new InternetObject(std::move(object));
-  ++openCountOf(*handle);
-  return handle;
-}
-
-// Handles that the library leaves open are kept reachable here, as the system keeps them.
-std::vector<std::unique_ptr<InternetObject>>& leftOpen() {
-  static std::vector<std::unique_ptr<InternetObject>> objects;
-  return objects;
+  ++openCountOf(object);
+  return world().keep(std::move(object));
 }
 
 }  // namespace
 
 InternetHandle openInternetSession(const wchar_t* agent) {
-  if (std::wstring(agent) != L"HTTP Downloader") world().note("session as " + narrow(agent));
-  const InternetHandle session = opened({false});
-  leftOpen().emplace_back(session);
-  return session;
+  if (std::wstring(agent) != L"HTTP Downloader") {
+    world().note([=] { return "session as " + narrow(agent); });
+  }
+  return world().grants() ? opened({false, world().connection()}) : nullptr;
 }
 
 InternetHandle openDirectInternetSession(const wchar_t* agent) {
-  world().note("session past proxies");
+  world().note([] { return "session past proxies"; });
   return openInternetSession(agent);
 }
 
 void setInternetTimeouts(InternetHandle /*session*/, std::uint32_t connect_ms,
                          std::uint32_t receive_ms) {
-  world().note("time-outs " + std::to_string(connect_ms) + " " + std::to_string(receive_ms));
+  world().note(
+      [=] { return "time-outs " + std::to_string(connect_ms) + " " + std::to_string(receive_ms); });
 }
 
 InternetHandle openUrl(InternetHandle session, const std::wstring& url) {
   if (session == nullptr) return nullptr;
   const std::string text = narrow(url);
-  if (!world().operate("GET " + text) || !world().wifi) return nullptr;
+  const bool sent = world().operate([&] { return "GET " + text; });
+  if (!sent || !world().pluggedIn() || !world().wifi) return nullptr;
   simulator::HttpAnswer answer = world().wifi(text);
   if (!answer.reachable) return nullptr;
-  const InternetHandle request = opened({true, std::move(answer), 0});
-  leftOpen().emplace_back(request);
-  return request;
+  return opened({true, world().connection(), std::move(answer)});
 }
 
 bool readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
              std::uint32_t& received) {
   received = 0;
+  if (!world().grants() || request->connection != world().connection()) return false;
   if (request->nextChunk == request->answer.chunks.size()) return !request->answer.breaksOff;
   const std::string& chunk = request->answer.chunks[request->nextChunk];
   const std::size_t left = chunk.size() - request->taken;
@@ -89,7 +84,7 @@ bool readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
 void closeInternetHandle(InternetHandle handle) {
   if (handle == nullptr) return;
   --openCountOf(*handle);
-  std::erase_if(leftOpen(), [handle](const auto& object) { return object.get() == handle; });
+  world().drop(handle);
 }
 
 }  // namespace qvx::platform

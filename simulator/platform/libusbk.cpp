@@ -28,6 +28,7 @@ struct DeviceList {
 
 struct OpenedDevice {
   std::size_t device;
+  unsigned connection;  // of the cameras, when it was opened
 };
 
 template <std::size_t size>
@@ -47,48 +48,29 @@ KLST_DEVINFO recordOf(const UsbDevice& device, std::size_t index) {
   return record;
 }
 
-// Lists and handles that the library leaves behind stay valid, as with the genuine library.
-std::vector<std::unique_ptr<DeviceList>>& lists() {
-  static std::vector<std::unique_ptr<DeviceList>> all;
-  return all;
-}
-
-DeviceList* listOf(KLST_HANDLE handle) {
-  const auto found = std::find_if(lists().begin(), lists().end(),
-                                  [handle](const auto& list) { return list.get() == handle; });
-  return found == lists().end() ? nullptr : found->get();
-}
-
-std::vector<std::unique_ptr<OpenedDevice>>& openedDevices() {
-  static std::vector<std::unique_ptr<OpenedDevice>> all;
-  return all;
-}
-
+// Null for a handle that is none and for a device that is gone.
 UsbDevice* deviceOf(KUSB_HANDLE handle) {
-  for (const auto& opened : openedDevices()) {
-    if (opened.get() == handle && opened->device < world().usbDevices.size()) {
-      return &world().usbDevices[opened->device];
-    }
-  }
-  return nullptr;
+  const auto* const opened = world().kept<OpenedDevice>(handle);
+  const bool isThere = opened != nullptr && opened->connection == world().connection() &&
+                       opened->device < world().usbDevices.size();
+  return isThere ? &world().usbDevices[opened->device] : nullptr;
 }
 
 KUSB_BOOL openDevice(KUSB_HANDLE* handle, const KLST_DEVINFO* record) {
   const auto index = static_cast<std::size_t>(record->BusNumber);
-  if (!world().operate("usb open " + std::to_string(index)) ||
-      !world().usbDevices.at(index).opens) {
+  if (!world().operate([=] { return "usb open " + std::to_string(index); }) ||
+      !world().pluggedIn() || !world().usbDevices.at(index).opens) {
     setLastError(openFailed);
     return 0;
   }
-  openedDevices().push_back(std::make_unique<OpenedDevice>(OpenedDevice{index}));
-  *handle = openedDevices().back().get();
+  *handle = world().keep(OpenedDevice{index, world().connection()});
   ++world().open.usbHandles;
   return 1;
 }
 
 KUSB_BOOL queryPipe(KUSB_HANDLE handle, std::uint8_t alternateSetting, std::uint8_t pipeIndex,
                     WINUSB_PIPE_INFORMATION* pipe) {
-  const UsbDevice* const device = deviceOf(handle);
+  const UsbDevice* const device = world().grants() ? deviceOf(handle) : nullptr;
   if (device == nullptr || alternateSetting != 0 || pipeIndex >= device->pipes.size()) return 0;
   const simulator::UsbPipe& found = device->pipes[pipeIndex];
   *pipe = {found.type, found.id, static_cast<std::uint16_t>(found.maximumPacketSize),
@@ -107,27 +89,27 @@ std::string lineOf(const WINUSB_SETUP_PACKET& setup, std::span<const std::uint8_
 }  // namespace
 
 bool LstK_Init(KLST_HANDLE* deviceList, int /*flags*/) {
-  if (!world().libusbkInstalled) return false;
-  auto list = std::make_unique<DeviceList>();
+  if (!world().libusbkInstalled || !world().grants()) return false;
+  DeviceList list;
   for (const UsbDevice& device : world().usbDevices) {
-    list->records.push_back(recordOf(device, list->records.size()));
+    if (world().pluggedIn()) list.records.push_back(recordOf(device, list.records.size()));
   }
-  *deviceList = list.get();
-  lists().push_back(std::move(list));
+  *deviceList = world().keep(std::move(list));
   ++world().open.deviceLists;
   return true;
 }
 
 bool LstK_Count(KLST_HANDLE deviceList, std::uint32_t* count) {
-  const DeviceList* const list = listOf(deviceList);
-  if (list == nullptr) return false;
+  const auto* const list = world().kept<DeviceList>(deviceList);
+  if (list == nullptr || !world().grants()) return false;
   *count = static_cast<std::uint32_t>(list->records.size());
   return true;
 }
 
 bool LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid, KLST_DEVINFO** deviceInfo) {
   *deviceInfo = nullptr;
-  for (KLST_DEVINFO& record : listOf(deviceList)->records) {
+  if (!world().grants()) return false;
+  for (KLST_DEVINFO& record : world().kept<DeviceList>(deviceList)->records) {
     if (record.Common.Vid == vid && record.Common.Pid == pid) {
       *deviceInfo = &record;
       return true;
@@ -137,7 +119,7 @@ bool LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid, KLST_DEVINFO** 
 }
 
 bool LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
-  DeviceList& list = *listOf(deviceList);
+  DeviceList& list = *world().kept<DeviceList>(deviceList);
   const bool pastEnd = list.cursor == list.records.size();
   *deviceInfo = pastEnd ? nullptr : &list.records[list.cursor];
   list.cursor = pastEnd ? 0 : list.cursor + 1;
@@ -145,14 +127,13 @@ bool LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
 }
 
 bool LstK_Free(KLST_HANDLE deviceList) {
-  const auto removed =
-      std::erase_if(lists(), [deviceList](const auto& list) { return list.get() == deviceList; });
-  world().open.deviceLists -= static_cast<int>(removed);
-  return removed != 0;
+  const bool removed = world().drop(static_cast<DeviceList*>(deviceList));
+  if (removed) --world().open.deviceLists;
+  return removed;
 }
 
 bool LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int requestedDriver) {
-  if (requestedDriver != driverId) return false;
+  if (requestedDriver != driverId || !world().grants()) return false;
   driverApi->Init = openDevice;
   driverApi->QueryPipe = queryPipe;
   return true;
@@ -160,11 +141,10 @@ bool LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int requestedDriver) {
 
 bool UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACKET setup,
                           std::uint8_t* buffer, std::uint32_t length, std::uint32_t* transferred) {
-  UsbDevice* const device = deviceOf(interfaceHandle);
   const std::span bytes(buffer, length);
-  if (!world().operate(lineOf(setup, bytes)) || device == nullptr || device->endpoint == nullptr) {
-    return false;
-  }
+  const bool sent = world().operate([&] { return lineOf(setup, bytes); });
+  UsbDevice* const device = deviceOf(interfaceHandle);
+  if (!sent || device == nullptr || device->endpoint == nullptr) return false;
   const auto moved = device->endpoint->transfer(
       {setup.RequestType, setup.Request, setup.Value, setup.Index, setup.Length}, bytes);
   if (!moved) return false;

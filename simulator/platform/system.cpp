@@ -35,22 +35,27 @@ void uninitializeCom() {
 }
 
 void pause(std::uint32_t milliseconds) {
-  world().note("pause " + std::to_string(milliseconds));
+  world().note([=] { return "pause " + std::to_string(milliseconds); });
   world().clock.sleep(milliseconds);
 }
 
 void startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms,
                       TimerProcedure procedure) {
-  world().note("timer " + std::to_string(identifier) + " every " + std::to_string(period_ms));
+  world().note([=] {
+    return "timer " + std::to_string(identifier) + " every " + std::to_string(period_ms);
+  });
+  if (!world().grants()) return;
   world().timers.push_back({period_ms, world().clock.now_ms() + period_ms,
                             [procedure, identifier] { procedure(nullptr, 0x113, identifier, 0); }});
 }
 
 std::uint32_t floatingPointControl(std::uint32_t value, std::uint32_t mask) {
   constexpr std::uint32_t usual = 0x9001F;
-  char line[64];
-  std::snprintf(line, sizeof line, "floating point %X mask %X", value, mask);
-  world().note(line);
+  world().note([=] {
+    char line[64];
+    std::snprintf(line, sizeof line, "floating point %X mask %X", value, mask);
+    return std::string(line);
+  });
   return usual;
 }
 

@@ -42,6 +42,7 @@ class SimulatedFilter final : public TopologyFilter {
 
   std::vector<std::uint32_t> vendorNodes() override {
     std::vector<std::uint32_t> ids;
+    if (!world().grants()) return ids;
     for (std::uint32_t id = 0; id < nodes_.size(); ++id) {
       if (nodes_[id] != nullptr) ids.push_back(id);
     }
@@ -49,25 +50,28 @@ class SimulatedFilter final : public TopologyFilter {
   }
 
   bool supports(std::uint32_t node, const PropertySet& set) override {
-    return nodes_.at(node)->supports(idOf(set));
+    return world().grants() && isThere() && nodes_.at(node)->supports(idOf(set));
   }
 
   bool getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, void* data,
                    std::uint32_t size) override {
-    const std::string line = lineOf("get", set, id) + " " + std::to_string(size);
-    return world().operate(line) &&
+    const auto line = [&] { return lineOf("get", set, id) + " " + std::to_string(size); };
+    return world().operate(line) && isThere() &&
            nodes_.at(node)->get(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
   }
 
   bool setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, const void* data,
                    std::uint32_t size) override {
     const std::span bytes(static_cast<const std::uint8_t*>(data), size);
-    return world().operate(lineOf("set", set, id) + ": " + hex(bytes)) &&
-           nodes_.at(node)->set(idOf(set), id, bytes);
+    const auto line = [&] { return lineOf("set", set, id) + ": " + hex(bytes); };
+    return world().operate(line) && isThere() && nodes_.at(node)->set(idOf(set), id, bytes);
   }
 
  private:
+  bool isThere() const { return connection_ == world().connection(); }
+
   std::vector<std::shared_ptr<PropertyNode>> nodes_;
+  const unsigned connection_ = world().connection();  // of the cameras, when it was opened
 };
 
 class SimulatedHidDevice final : public HidDevice {
@@ -83,20 +87,27 @@ class SimulatedHidDevice final : public HidDevice {
 
   bool setFeature(const std::uint8_t* report, std::uint32_t size) override {
     const std::span bytes(report, size);
-    return world().operate("set feature " + hex(bytes)) && device_ != nullptr &&
+    return world().operate([&] { return "set feature " + hex(bytes); }) && isThere() &&
            device_->set(bytes);
   }
   bool getFeature(std::uint8_t* report, std::uint32_t size) override {
     const std::span bytes(report, size);
-    return world().operate("get feature " + hex(bytes.first(1)) + " " + std::to_string(size)) &&
-           device_ != nullptr && device_->get(bytes);
+    const auto line = [&] {
+      return "get feature " + hex(bytes.first(1)) + " " + std::to_string(size);
+    };
+    return world().operate(line) && isThere() && device_->get(bytes);
   }
 
  private:
+  bool isThere() const { return device_ != nullptr && connection_ == world().connection(); }
+
   std::shared_ptr<FeatureDevice> device_;
+  const unsigned connection_ = world().connection();  // of the cameras, when it was opened
 };
 
+// Null for one that is not there, or that the system does not open.
 const simulator::HidInterface* hidInterfaceAt(const std::string& path) {
+  if (!world().grants() || !world().pluggedIn()) return nullptr;
   for (const auto& interface : *world().hidInterfaces) {
     if (interface.path == path) return &interface;
   }
@@ -107,6 +118,7 @@ const simulator::HidInterface* hidInterfaceAt(const std::string& path) {
 
 std::vector<VideoInput> listVideoInputs() {
   std::vector<VideoInput> list;
+  if (!world().grants() || !world().pluggedIn()) return list;
   for (const auto& input : world().videoInputs) {
     if (input.name) list.push_back({input.path, *input.name});
   }
@@ -115,15 +127,18 @@ std::vector<VideoInput> listVideoInputs() {
 
 std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters() {
   std::vector<std::shared_ptr<TopologyFilter>> filters;
+  if (!world().grants() || !world().pluggedIn()) return filters;
   for (const auto& input : world().videoInputs) {
-    if (!input.nodes.empty()) filters.push_back(std::make_shared<SimulatedFilter>(input.nodes));
+    const bool opens = !input.nodes.empty() && world().grants();
+    if (opens) filters.push_back(std::make_shared<SimulatedFilter>(input.nodes));
   }
   return filters;
 }
 
 std::optional<std::vector<std::string>> listHidInterfaces() {
-  if (!world().hidInterfaces) return std::nullopt;
+  if (!world().hidInterfaces || !world().grants()) return std::nullopt;
   std::vector<std::string> paths;
+  if (!world().pluggedIn()) return paths;
   for (const auto& interface : *world().hidInterfaces) paths.push_back(interface.path);
   return paths;
 }

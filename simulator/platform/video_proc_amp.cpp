@@ -17,43 +17,57 @@ struct CaptureBuilder {};
 struct StreamConfig {};
 struct VideoProcAmp {
   simulator::PictureControls& controls;
+  unsigned connection;  // of the cameras, when it was opened
 };
 
 namespace {
 
 using simulator::world;
 
-// What the library leaves open is kept reachable, as the system keeps it. Each object is counted.
 template <class Object>
 Object* opened(int& count, Object object) {
-  static std::vector<std::unique_ptr<Object>> all;
   ++count;
-  all.push_back(std::make_unique<Object>(std::move(object)));
-  return all.back().get();
+  return world().keep(std::move(object));
 }
 
-bool step(const std::string& line) {
-  return world().operate("capture: " + line);
+template <class Object>
+void released(int& count, Object* object) {
+  --count;
+  world().drop(object);
+}
+
+bool step(const char* line) {
+  return world().operate([line] { return std::string("capture: ") + line; });
+}
+
+bool step(const char* verb, std::int32_t property, const std::string& more = "") {
+  return world().operate(
+      [&] { return std::string("capture: ") + verb + std::to_string(property) + more; });
+}
+
+// False while the camera is gone, and for what was opened before it went.
+bool isThere(const VideoProcAmp& amplifier) {
+  return amplifier.connection == world().connection();
 }
 
 }  // namespace
 
 InputList* openInputList() {
-  if (!step("list inputs") || world().videoInputs.empty()) return nullptr;
+  if (!step("list inputs") || !world().pluggedIn() || world().videoInputs.empty()) return nullptr;
   return opened(world().open.inputLists, InputList{});
 }
 
 void release(InputList* list) {
   if (list == nullptr) return;
-  world().note("capture: release list");
-  --world().open.inputLists;
+  world().note([] { return "capture: release list"; });
+  released(world().open.inputLists, list);
 }
 
 CaptureFilter* openFilter(InputList& /*list*/,
                           const std::function<bool(const std::wstring& displayName)>& isWanted) {
   for (const auto& input : world().videoInputs) {
     if (!isWanted(input.path)) continue;
-    if (!step("open filter") || !input.opens) return nullptr;
+    if (!step("open filter") || !world().pluggedIn() || !input.opens) return nullptr;
     return opened(world().open.captureFilters, CaptureFilter{input});
   }
   return nullptr;
@@ -65,8 +79,8 @@ FilterGraph* createFilterGraph() {
 
 void release(FilterGraph* graph) {
   if (graph == nullptr) return;
-  world().note("capture: release graph");
-  --world().open.filterGraphs;
+  world().note([] { return "capture: release graph"; });
+  released(world().open.filterGraphs, graph);
 }
 
 CaptureBuilder* createCaptureBuilder() {
@@ -84,25 +98,26 @@ void countCapabilities(StreamConfig& /*config*/) {
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   simulator::PictureControls* const controls = filter.input.picture;
   if (!step("query amplifier") || controls == nullptr) return nullptr;
-  return opened(world().open.videoProcAmps, VideoProcAmp{*controls});
+  return opened(world().open.videoProcAmps, VideoProcAmp{*controls, world().connection()});
 }
 
 void setProperty(VideoProcAmp& amplifier, std::int32_t property, std::int32_t value) {
   const auto* const control = simulator::pictureControl(property);
   const bool reached =
-      step("set " + std::to_string(property) + " to " + std::to_string(value) + " manually");
+      step("set ", property, " to " + std::to_string(value) + " manually") && isThere(amplifier);
   if (reached && control != nullptr) amplifier.controls.set(*control, {value, false});
 }
 
 std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, std::int32_t property) {
   const auto* const control = simulator::pictureControl(property);
-  if (!step("get " + std::to_string(property)) || control == nullptr) return std::nullopt;
+  if (!step("get ", property) || !isThere(amplifier) || control == nullptr) return std::nullopt;
   return amplifier.controls.get(*control).value;
 }
 
-std::optional<PropertyRange> getPropertyRange(VideoProcAmp& /*amplifier*/, std::int32_t property) {
+std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, std::int32_t property) {
   const auto* const control = simulator::pictureControl(property);
-  if (!step("range of " + std::to_string(property)) || control == nullptr) return std::nullopt;
+  const bool answers = step("range of ", property) && isThere(amplifier);
+  if (!answers || control == nullptr) return std::nullopt;
   return PropertyRange{control->least, control->most, control->step, control->standard};
 }
 

@@ -32,7 +32,7 @@ class SimulatedMutex final : public NamedMutex {
 
   bool acquire(std::uint32_t limit_ms) override {
     const auto self = std::this_thread::get_id();
-    return world().clock.waitFor(limit_ms, [this, self] {
+    return world().grants() && world().clock.waitFor(limit_ms, [this, self] {
       if (state_->owner == std::thread::id()) state_->owner = self;
       if (state_->owner != self) return false;
       return true;
@@ -49,16 +49,27 @@ class SimulatedMutex final : public NamedMutex {
   std::shared_ptr<MutexState> state_;
 };
 
+std::optional<std::uint32_t> runInline(const std::function<std::uint32_t()>& task,
+                                       std::uint32_t limit_ms) {
+  const bool late = world().workerIsLate && world().workerIsLate();
+  const std::uint32_t result = task();
+  if (!late) return result;
+  world().clock.sleep(limit_ms);
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
                                          std::uint32_t limit_ms) {
   simulator::World& machine = world();
+  if (!machine.grants()) return std::nullopt;
   {
     const std::lock_guard<std::mutex> lock(machine.guard);
     if (!machine.threadsStart) return std::nullopt;
     ++machine.threadsStarted;
   }
+  if (machine.workersInline) return runInline(task, limit_ms);
   auto result = std::make_shared<std::optional<std::uint32_t>>();
   machine.clock.startThread([&machine, result, task = std::move(task)]() mutable {
     const std::uint32_t value = task();
@@ -72,6 +83,7 @@ std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
 }
 
 std::shared_ptr<NamedMutex> openNamedMutex(const char* name) {
+  if (!world().grants()) return nullptr;
   static std::mutex guard;
   static std::map<std::string, std::weak_ptr<MutexState>> states;
   const std::lock_guard<std::mutex> lock(guard);

@@ -1,38 +1,42 @@
 #include "simulator/platform/world.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace qvx::simulator {
 
 namespace {
 
-// Machines are never destroyed, not even at the end of the process: a worker's last step may still
-// be on its way out of one.
-std::vector<World*>& worlds() {
-  static auto* const all = new std::vector<World*>{new World};
-  return *all;
+Clock& newClock() {
+  static auto* const all = new std::vector<std::unique_ptr<Clock>>;
+  return *all->emplace_back(std::make_unique<Clock>());
+}
+
+// Not destroyed at the end of the process: the library's globals may still need it.
+std::unique_ptr<World>& current() {
+  static auto* const machine = new std::unique_ptr<World>(new World);
+  return *machine;
 }
 
 }  // namespace
 
 World& world() {
-  return *worlds().back();
+  return *current();
 }
 
 void resetWorld() {
   world().clock.waitForOthers();
-  worlds().push_back(new World);
+  current() = std::make_unique<World>();
 }
+
+World::World() : clock(newClock()) {}
 
 std::vector<std::string> World::takeJournal() {
   const std::lock_guard<std::mutex> lock(guard);
   return std::exchange(journal_, {});
 }
 
-std::uint64_t World::operations() const {
+std::uint64_t World::operations(Operation kind) const {
   const std::lock_guard<std::mutex> lock(guard);
-  return operations_;
+  const auto found = operations_.find(kind);
+  return found == operations_.end() ? 0 : found->second;
 }
 
 void World::set(Fault fault) {
@@ -41,23 +45,30 @@ void World::set(Fault fault) {
   faultCounted_ = 0;
 }
 
-void World::note(std::string line) {
+void World::write(std::string line) {
   const std::lock_guard<std::mutex> lock(guard);
   journal_.push_back(std::move(line));
 }
 
-bool World::operate(std::string line) {
-  Fault fault;
-  {
-    const std::lock_guard<std::mutex> lock(guard);
-    journal_.push_back(std::move(line));
-    ++operations_;
-    ++faultCounted_;
-    if (faultCounted_ >= fault_.first && faultCounted_ - fault_.first < fault_.count)
-      fault = fault_;
+// What this operation suffers.
+Fault World::countedFault(Operation kind) {
+  const std::lock_guard<std::mutex> lock(guard);
+  ++operations_[kind];
+  if (fault_.only && fault_.only != kind) return {};
+  ++faultCounted_;
+  const bool inRange = faultCounted_ >= fault_.first && faultCounted_ - fault_.first < fault_.count;
+  return inRange && (fault_.percent >= 100 || dice_() % 100 < fault_.percent) ? fault_ : Fault{};
+}
+
+bool World::proceeds(Operation kind) {
+  const Fault fault = countedFault(kind);
+  if (fault.kind == Fault::stalls) {
+    if (std::this_thread::get_id() == maker_) stalled_ms += fault.stall_ms;
+    clock.sleep(fault.stall_ms);
   }
-  if (fault.kind == Fault::stalls) clock.sleep(fault.stall_ms);
-  return fault.kind != Fault::fails;
+  if (fault.kind == Fault::unplugs) unplug();
+  if (fault.kind != Fault::none && fault.kind != Fault::stalls) return false;
+  return !permits || permits();
 }
 
 void World::pumpMessages(std::uint64_t milliseconds) {

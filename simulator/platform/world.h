@@ -3,15 +3,24 @@
 // seen.
 #pragma once
 
+#include <algorithm>
+#include <atomic>
+#include <concepts>
 #include <cstdint>
+#include <deque>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <random>
 #include <set>
 #include <span>
 #include <string>
+#include <thread>
+#include <typeindex>
+#include <utility>
 #include <vector>
 
 #include "simulator/model/bridge_chip_extension_unit.h"
@@ -88,12 +97,20 @@ struct UsbDevice {
   std::shared_ptr<ControlEndpoint> endpoint;
 };
 
-// What goes wrong, counted in device operations from the moment it is set: number 1 is the next.
+// What the library does to the machine, as faults count it.
+enum class Operation {
+  access,      // of a device; the journal has them all
+  systemCall,  // that the system may refuse; not in the journal
+};
+
+// What goes wrong, counted in operations from the moment it is set: number 1 is the next.
 struct Fault {
-  enum Kind { none, fails, stalls } kind = none;
+  enum Kind { none, fails, stalls, unplugs } kind = none;
   std::uint64_t first = 1;
   std::uint64_t count = Clock::forever;
   std::uint64_t stall_ms = 0;
+  std::optional<Operation> only = Operation::access;  // nothing: operations of either kind
+  unsigned percent = 100;  // of these operations suffer, as the machine's own dice have it
 };
 
 // Objects that are open at the moment.
@@ -112,7 +129,9 @@ struct OpenCounts {
 
 class World {
  public:
-  Clock clock;
+  World();
+
+  Clock& clock;  // outlives the machine: a worker's last step may still be on its way out of it
 
   // Furniture.
   HttpServer wifi;  // none: nothing answers
@@ -129,17 +148,66 @@ class World {
   int threadsStarted = 0;
   std::map<std::wstring, std::string> files;
   std::vector<std::string> takeJournal();
-  std::uint64_t operations() const;
+  std::uint64_t operations(Operation kind = Operation::access) const;
+  std::uint64_t stalled_ms = 0;  // what stalls have cost the thread that made the machine
 
-  // From the next device operation on.
+  // From the next operation on.
   void set(Fault fault);
+
+  // All cameras come and go together. What was opened while they were there stays dead afterwards.
+  // Odd while they are gone.
+  unsigned connection() const { return connection_; }
+  bool pluggedIn() const { return connection_ % 2 == 0; }
+  void unplug() { connection_ += pluggedIn() ? 1 : 0; }
+  void plugIn() { connection_ += pluggedIn() ? 0 : 1; }
+
+  // For long runs. No journal; of the objects that the library leaves open only so many of each
+  // kind are kept, the others merely counted; workers run on their caller's thread, which is the
+  // same as long as nothing stalls.
+  bool keepsJournal = true;
+  std::size_t objectsKept = std::numeric_limits<std::size_t>::max();
+  bool workersInline = false;
+
+  // For fuzzing. Asked at every operation whether it may succeed, and with workersInline at every
+  // worker whether it comes late; may also throw.
+  std::function<bool()> permits, workerIsLate;
 
   // Lets the message loop run: dispatches the timers that fall due.
   void pumpMessages(std::uint64_t milliseconds);
 
   // For the platform's functions: notes what is done, and says whether it may succeed.
-  void note(std::string line);
-  bool operate(std::string line);
+  template <std::invocable Line>
+  void note(const Line& line) {
+    if (keepsJournal) write(line());
+  }
+  template <std::invocable Line>
+  bool operate(const Line& line) {
+    note(line);
+    return proceeds(Operation::access);
+  }
+  bool grants() { return proceeds(Operation::systemCall); }
+
+  // Objects that the library has opened, kept reachable as the system keeps them.
+  template <class Object>
+  Object* keep(Object object) {
+    auto kept = std::make_shared<Object>(std::move(object));
+    std::deque<std::shared_ptr<void>>& all = opened_[typeid(Object)];
+    if (all.size() >= objectsKept) all.pop_front();
+    all.push_back(kept);
+    return kept.get();
+  }
+  template <class Object>
+  Object* kept(const void* handle) {
+    const auto& all = opened_[typeid(Object)];
+    const auto found = std::find_if(
+        all.rbegin(), all.rend(), [handle](const auto& object) { return object.get() == handle; });
+    return found == all.rend() ? nullptr : static_cast<Object*>(found->get());
+  }
+  template <class Object>
+  bool drop(const Object* object) {
+    return std::erase_if(opened_[typeid(Object)],
+                         [object](const auto& other) { return other.get() == object; }) != 0;
+  }
 
   struct Timer {
     std::uint64_t period_ms, due_ms;
@@ -151,15 +219,24 @@ class World {
   mutable std::mutex guard;
 
  private:
+  void write(std::string line);
+  bool proceeds(Operation kind);
+  Fault countedFault(Operation kind);
+
+  const std::thread::id maker_ = std::this_thread::get_id();
   std::vector<std::string> journal_;
   Fault fault_;
-  std::uint64_t operations_ = 0, faultCounted_ = 0;
+  std::map<Operation, std::uint64_t> operations_;
+  std::uint64_t faultCounted_ = 0;
+  std::mt19937 dice_;
+  std::atomic<unsigned> connection_ = 0;
+  std::map<std::type_index, std::deque<std::shared_ptr<void>>> opened_;
 };
 
 // The one machine of this process.
 World& world();
 
-// Lets late workers finish and makes a new, empty machine.
+// Lets late workers finish and makes a new, empty machine; the old one is gone.
 void resetWorld();
 
 // Bytes as a person writes them: "62 80".

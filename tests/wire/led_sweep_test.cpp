@@ -24,7 +24,7 @@ std::uint32_t note(const char* what, std::uint32_t device, std::uint32_t first,
                    std::uint32_t second) {
   char line[64];
   std::snprintf(line, sizeof line, "%s %u %X %X", what, device, first, second);
-  simulator::world().note(line);
+  simulator::world().note([&] { return std::string(line); });
   return 0;
 }
 
