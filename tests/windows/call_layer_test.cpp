@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/windows/fixtures/resources.h"
 #include "tests/windows/fixtures/virtual_cameras.h"
 #include "tests/windows/support.h"
 
@@ -15,12 +16,6 @@ namespace {
 
 constexpr char mutexName[] = "Empia VideoClass HidClass Library";
 constexpr wchar_t holdArgument[] = L"--hold-mutex";
-
-DWORD handleCount() {
-  DWORD count = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &count);
-  return count;
-}
 
 std::uint32_t readStatus(std::uint32_t device) {
   std::uint32_t value = 0;
@@ -43,12 +38,14 @@ TEST(CallLayer, EightThreadsLeaveNoThreadAndNoHandle) {
     }
   };
   work(0, 1);  // whatever is set up once
-  const DWORD before = handleCount();
+  const Resources before = resources();
   std::vector<std::thread> threads;
   for (std::uint32_t i = 0; i < 8; ++i) threads.emplace_back(work, i & 1, 50);
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(lost, 0);
-  EXPECT_LE(handleCount(), before + 2);
+  const Resources left = resources() - before;
+  EXPECT_LE(left.handles, 2);
+  EXPECT_LE(left.threads, 0);
   EXPECT_EQ(cameras.violations(0) + cameras.violations(1), "");
   etLib2_Release();
 }
@@ -57,14 +54,14 @@ TEST(CallLayer, OpeningAndClosingLeavesNoHandle) {
   VirtualCameras cameras({"0970"});
   etLib2_Init();
   etLib2_Release();
-  const DWORD before = handleCount();
+  const Resources before = resources();
   for (int i = 0; i < 20; ++i) {
     EXPECT_EQ(etLib2_Init(), 1);
     EXPECT_EQ(readStatus(0), 0u);
     if (i % 2 == 0) etLib2_Release();
   }
   etLib2_Release();
-  EXPECT_LE(handleCount(), before + 2);
+  EXPECT_LE((resources() - before).handles, 2);
 }
 
 TEST(CallLayer, LateAnswerCostsItsLimit) {

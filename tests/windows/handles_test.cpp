@@ -1,0 +1,211 @@
+// What calls leave behind: every export is called again and again on one kind of camera, and the
+// process's handles, threads and heap may grow only by what is left open on purpose. For each
+// export 1,000 calls, or as many as fit into its time: QVX_MS_PER_EXPORT in the environment. The
+// suite says how many there were.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+
+#include "tests/support/every_export.h"
+#include "tests/windows/fixtures/resources.h"
+#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/fixtures/virtual_hid.h"
+#include "tests/windows/support.h"
+
+namespace qvx::tests {
+namespace {
+
+constexpr int firstCalls = 3, leastCalls = 8, mostCalls = 1000;
+constexpr int mostHandles = 400;  // that one export may leave: connections are files of the host
+constexpr int slackHandles = 3, slackBytes = 4096;  // what the system's libraries keep for a while
+constexpr int wifiIndex = 90;
+constexpr char stillName[] = "qvx-handles.jpg";
+
+ULONGLONG limit_ms() {
+  const char* const text = std::getenv("QVX_MS_PER_EXPORT");
+  return text == nullptr ? 250 : std::strtoull(text, nullptr, 10);
+}
+
+// The address of a function that the DLL has imported, in its own table.
+void** importedFunction(const char* name) {
+  auto* const image = reinterpret_cast<char*>(GetModuleHandleW(L"QVX64.dll"));
+  const auto at = [image](ULONGLONG offset) { return image + offset; };
+  const auto& header = *reinterpret_cast<const IMAGE_NT_HEADERS*>(
+      at(static_cast<ULONGLONG>(reinterpret_cast<const IMAGE_DOS_HEADER*>(image)->e_lfanew)));
+  const auto& imports = header.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(at(imports.VirtualAddress));
+       library->Name != 0; ++library) {
+    auto* import = reinterpret_cast<IMAGE_THUNK_DATA*>(at(library->OriginalFirstThunk));
+    auto* address = reinterpret_cast<IMAGE_THUNK_DATA*>(at(library->FirstThunk));
+    for (; import->u1.AddressOfData != 0; ++import, ++address) {
+      const char* const imported =
+          reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(at(import->u1.AddressOfData))->Name;
+      if (std::strcmp(imported, name) == 0) return reinterpret_cast<void**>(&address->u1.Function);
+    }
+  }
+  return nullptr;
+}
+
+// The DLL's pauses cost nothing while this lives: they leave nothing behind.
+class NoPauses {
+ public:
+  NoPauses() : import_(importedFunction("Sleep")), sleep_(*import_) {
+    DWORD protection = 0;
+    VirtualProtect(import_, sizeof *import_, PAGE_READWRITE, &protection);
+    *import_ = reinterpret_cast<void*>(&pass);
+  }
+  ~NoPauses() { *import_ = sleep_; }
+  NoPauses(const NoPauses&) = delete;
+  NoPauses& operator=(const NoPauses&) = delete;
+
+ private:
+  static void WINAPI pass(DWORD) {}
+
+  void** import_;
+  void* sleep_;
+};
+
+// What one call leaves open on purpose.
+struct Kept {
+  const char* name;
+  int handles = 0;                        // of the kernel, at most
+  int leastHeapBytes = 0, heapBytes = 0;  // and at most
+};
+
+// A read over Wi-Fi keeps its session and its request, with the connection if that is not closed
+// yet. A command whose answer is not read keeps its request.
+constexpr Kept overWifi(const char* name, int reads, int unread = 0) {
+  constexpr int handlesPerRead = 2, leastPerRead = 9000, mostPerRead = 12000;  // bytes
+  constexpr int leastPerCommand = 100, mostPerCommand = 200;
+  return {name, handlesPerRead * reads, leastPerRead * reads + leastPerCommand * unread,
+          mostPerRead * reads + mostPerCommand * unread};
+}
+
+// A picture property of a USB camera keeps four objects of the capture driver.
+constexpr Kept picture(const char* name) {
+  constexpr int handles = 1, leastBytes = 300, mostBytes = 400;
+  return {name, handles, leastBytes, mostBytes};
+}
+
+constexpr int timerBytes = 8, deviceListBytes = 16;
+
+constexpr Kept keptOverWifi[] = {
+    overWifi("Init", 36),
+    overWifi("GetConfig", 2),
+    {"SetEventCallback", 0, timerBytes, timerBytes},
+    overWifi("SetLensInitPos", 2),
+    overWifi("SetLensPos", 5),
+    overWifi("SetLensFinePos", 5),
+    overWifi("GetLensPosLimits", 4),
+    overWifi("GetLensFinePosLimits", 6),
+    overWifi("SetExposureValue", 5),
+    overWifi("GetExposureValue", 5),
+    overWifi("SetAETarget", 0, 4),
+    overWifi("GetAETarget", 1),
+    overWifi("SetAutoExposure", 3),
+    overWifi("GetAutoExposure", 2),
+    overWifi("SetFlicker", 2),
+    overWifi("SetVideoProcAmp", 0, 1),
+    overWifi("GetVideoProcAmp", 1),
+    overWifi("GetVideoProcAmpValueRange", 1),
+    overWifi("SetLEDState", 5),
+    overWifi("SetSEGSwitch", 1),
+    overWifi("SetSEGLevel", 1),
+    overWifi("SetESEG", 3),
+    overWifi("SetAXILevel", 2),
+    overWifi("SetAimpointLevel", 1),
+    overWifi("GetWiFiImage", 0, 1),
+    overWifi("SetWiFiVideoRes", 2),
+};
+
+constexpr Kept keptOverUsb[] = {
+    {"Init", 0, 0, timerBytes + deviceListBytes},
+    {"SetEventCallback", 0, timerBytes, timerBytes},
+    picture("SetVideoProcAmp"),
+    picture("GetVideoProcAmp"),
+    picture("GetVideoProcAmpValueRange"),
+};
+
+Kept keptBy(const char* name, std::span<const Kept> rows) {
+  const auto row = std::find_if(rows.begin(), rows.end(), [name](const Kept& kept) {
+    return std::strcmp(kept.name, name) == 0;
+  });
+  return row == rows.end() ? Kept{name} : *row;
+}
+
+Arguments argumentsFor(const std::string& name, int index) {
+  Arguments arguments{.index = index, .value = 1, .second = 1, .file = stillName};
+  if (name.find("VideoProcAmp") != std::string::npos) arguments.index = 0;
+  if (name == "SetWiFiVideoRes") arguments.value = 640, arguments.second = 480;
+  return arguments;
+}
+
+// Says how often it was called and what a call left.
+std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kept) {
+  const bool opens = std::strcmp(call.name, "Init") == 0;
+  const Arguments arguments = argumentsFor(call.name, std::max(chosenIndex, 0));
+  const auto once = [&] {
+    if (opens) SetVideoDeviceIndex(chosenIndex);
+    call.call(arguments);
+  };
+  for (int i = 0; i < firstCalls; ++i) once();  // whatever is set up once
+  const Resources before = resources();
+  const ULONGLONG end = GetTickCount64() + limit_ms();
+  int calls = 0;
+  while (calls < leastCalls ||
+         (calls < mostCalls && kept.handles * calls < mostHandles && GetTickCount64() < end)) {
+    once();
+    ++calls;
+  }
+  const Resources left = resources() - before;
+  EXPECT_LE(left.handles, kept.handles * calls + slackHandles) << call.name;
+  EXPECT_LE(left.threads, 0) << call.name;
+  EXPECT_GE(left.heapBytes, kept.leastHeapBytes * calls) << call.name;
+  EXPECT_LE(left.heapBytes, kept.heapBytes * calls + slackBytes) << call.name;
+  char line[128];
+  std::snprintf(line, sizeof line, "%-26s %4d calls leave %ld handles, %ld threads, %lld bytes\n",
+                call.name, calls, left.handles, left.threads, left.heapBytes);
+  return line;
+}
+
+// On the camera of that index, -1 for the automatic choice.
+void callEverything(int chosenIndex, std::span<const Kept> rows) {
+  const NoPauses quick;
+  std::string report;
+  testing::internal::CaptureStdout();  // the DLL prints what it finds
+  for (const ExportedCall& call : everyExport()) {
+    const bool elsewhere = chosenIndex != wifiIndex && std::strcmp(call.name, "GetWiFiImage") == 0;
+    if (!elsewhere) report += callOften(call, chosenIndex, keptBy(call.name, rows));
+  }
+  testing::internal::GetCapturedStdout();
+  std::fputs(report.c_str(), stdout);
+}
+
+TEST(Handles, OfAWifiCamera) {
+  callEverything(wifiIndex, keptOverWifi);
+  DeleteFileA(stillName);
+}
+
+TEST(Handles, OfAnExtensionUnit) {
+  VirtualCameras cameras({"0998"});
+  callEverything(0, keptOverUsb);
+  EXPECT_EQ(cameras.violations(0), "");
+}
+
+TEST(Handles, OfAHidBridge) {
+  const VirtualCameras video({"0960,unit=plain"});
+  VirtualHid devices({"0960"});
+  callEverything(0, keptOverUsb);
+  EXPECT_EQ(devices.violations(0), "");
+}
+
+TEST(Handles, OfAUsb3Camera) {
+  const VirtualCameras video({"09b0,unit=plain"});
+  _putenv("QVX_VIRTUAL_USB3=0x9B0");
+  callEverything(-1, keptOverUsb);
+}
+
+}  // namespace
+}  // namespace qvx::tests
