@@ -6,6 +6,7 @@
 #include "controls/device_selection.h"
 #include "controls/family_rows.h"
 #include "controls/sensor_registers.h"
+#include "etlib2/bytes.h"
 #include "etlib2/etLib2.h"
 #include "models/families.h"
 #include "state/device_state.h"
@@ -31,19 +32,15 @@ int linesFor(int shutter) {
                           0.3);
 }
 
-std::array<std::uint8_t, 2> bytesOf(std::uint16_t reg) {
-  return {static_cast<std::uint8_t>(reg >> 8), static_cast<std::uint8_t>(reg)};
-}
-
 void write34(int deviceNumber, std::uint16_t reg, int value) {
-  auto address = bytesOf(reg);
+  auto address = highByteFirst(reg);
   const auto data = static_cast<std::uint8_t>(value);
   etLib2_I2cWrite_DevNum(static_cast<std::uint32_t>(deviceNumber), sensor34::slave, address.size(),
                          address.data(), 1, &data);
 }
 
 int read34(int deviceNumber, std::uint16_t reg) {
-  auto address = bytesOf(reg);
+  auto address = highByteFirst(reg);
   std::uint8_t data = 0;
   etLib2_I2cRead_DevNum(static_cast<std::uint32_t>(deviceNumber), sensor34::slave, address.size(),
                         address.data(), 1, &data);

@@ -4,6 +4,7 @@
 #include <span>
 #include <utility>
 
+#include "etlib2/bytes.h"
 #include "platform/topology.h"
 
 namespace qvx {
@@ -65,14 +66,6 @@ class Payload {
 using OneShot = Payload<32>;
 using Legacy = Payload<3 + 2 * i2cFieldSize>;
 using Command = Payload<256>;
-
-std::uint8_t low(std::uint16_t value) {
-  return static_cast<std::uint8_t>(value);
-}
-
-std::uint8_t high(std::uint16_t value) {
-  return static_cast<std::uint8_t>(value >> 8);
-}
 
 std::array<std::uint8_t, 4> bytesOf(std::uint32_t value) {
   return {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
@@ -152,16 +145,16 @@ std::optional<std::uint8_t> ExtensionUnitBridge::readChipGeneration() {
 
 bool ExtensionUnitBridge::readRegister(RegisterTransfer& transfer) {
   const std::uint16_t address = transfer.address;
-  const OneShot request{low(address), high(address), transfer.length};
+  const OneShot request{lowByte(address), highByte(address), transfer.length};
   std::array<std::uint8_t, 32> reply{};
   if (set(registerReadOneShot, request.whole()) && get(registerReadOneShot, reply)) {
     transfer.value = valueOf(std::span(reply).first(transfer.length));
     return true;
   }
-  const std::optional<bool> wide =
-      readRegisterLegacy(registerRead16, {low(address), high(address), transfer.length}, transfer);
+  const std::optional<bool> wide = readRegisterLegacy(
+      registerRead16, {lowByte(address), highByte(address), transfer.length}, transfer);
   if (!wide || *wide) return wide.has_value();
-  return readRegisterLegacy(registerRead8, {low(address), transfer.length}, transfer)
+  return readRegisterLegacy(registerRead8, {lowByte(address), transfer.length}, transfer)
       .value_or(false);
 }
 
@@ -179,7 +172,8 @@ std::optional<bool> ExtensionUnitBridge::readRegisterLegacy(Selector selector, c
 bool ExtensionUnitBridge::writeRegister(const RegisterTransfer& transfer) {
   const auto bytes = bytesOf(transfer.value);
   const auto value = std::span(bytes).first(transfer.length);
-  const std::uint8_t addressLow = low(transfer.address), addressHigh = high(transfer.address);
+  const std::uint8_t addressLow = lowByte(transfer.address),
+                     addressHigh = highByte(transfer.address);
 
   OneShot request{addressLow, addressHigh, transfer.length};
   request.append(value);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "etlib2/bytes.h"
+
 namespace qvx {
 
 namespace {
@@ -28,14 +30,6 @@ enum OneShotCode : std::uint8_t {
 };
 
 constexpr std::size_t oneShotOverhead = 6;
-
-std::uint8_t low(std::uint16_t value) {
-  return static_cast<std::uint8_t>(value);
-}
-
-std::uint8_t high(std::uint16_t value) {
-  return static_cast<std::uint8_t>(value >> 8);
-}
 
 // Appends bytes to a block that is known to have room for them.
 class Writer {
@@ -94,8 +88,8 @@ bool HidBridge::readRegister(RegisterTransfer& transfer) {
   const std::uint16_t address = transfer.address;
   const bool asked =
       usesWideAddress(address)
-          ? sendHeader({registerRead16, low(address), high(address), transfer.length})
-          : sendHeader({registerRead8, low(address), transfer.length, 0});
+          ? sendHeader({registerRead16, lowByte(address), highByte(address), transfer.length})
+          : sendHeader({registerRead8, lowByte(address), transfer.length, 0});
   DataBlock block;
   if (!asked || !fetch(block)) return false;
   transfer.value = block[0] | static_cast<std::uint32_t>(block[1]) << 8 |
@@ -108,8 +102,8 @@ bool HidBridge::writeRegister(const RegisterTransfer& transfer) {
   const bool wide = usesWideAddress(transfer.address);
   DataBlock block{};
   Writer writer(block);
-  writer.put(low(transfer.address));
-  if (wide) writer.put(high(transfer.address));
+  writer.put(lowByte(transfer.address));
+  if (wide) writer.put(highByte(transfer.address));
   writer.put(transfer.length);
   for (unsigned i = 0; i < transfer.length; ++i) {
     writer.put(static_cast<std::uint8_t>(transfer.value >> (8 * i)));

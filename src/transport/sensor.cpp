@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "etlib2/bytes.h"
 #include "etlib2/etLib2.h"
 #include "models/families.h"
 #include "state/device_state.h"
@@ -26,18 +27,9 @@ constexpr Sensor sensor42 = {0x42, 1};
 
 enum BusSpeed : std::uint32_t { standard = 0, fast = 1 };
 
-constexpr std::uint8_t highByte(std::uint32_t number) {
-  return static_cast<std::uint8_t>(number >> 8);
-}
-
-constexpr std::uint8_t lowByte(std::uint32_t number) {
-  return static_cast<std::uint8_t>(number);
-}
-
-// As it goes over the bus: the high byte first.
 std::array<std::uint8_t, 2> registerAddress(const Sensor& sensor, std::uint32_t reg) {
   if (sensor.registerBytes == 1) return {lowByte(reg)};
-  return {highByte(reg), lowByte(reg)};
+  return highByteFirst(reg);
 }
 
 std::uint32_t readOverBridge(int deviceNumber, const Sensor& sensor, std::uint32_t reg,
