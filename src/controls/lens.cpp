@@ -8,6 +8,7 @@
 #include "controls/magnification.h"
 #include "controls/single_precision.h"
 #include "controls/truncation.h"
+#include "etlib2/bytes.h"
 #include "etlib2/etLib2.h"
 #include "models/families.h"
 #include "platform/timers.h"
@@ -129,16 +130,12 @@ int selectCameraOfLimits(int deviceIndex) {
   return selectCamera(deviceIndex < 0 ? wifiDeviceIndex : deviceIndex);
 }
 
-std::uint8_t lowByte(std::int32_t value) {
-  return static_cast<std::uint8_t>(value);
-}
-
 struct CoilMove {
   Direction direction;
   std::int32_t steps;
 
-  std::uint8_t highByte() const { return lowByte(steps / 16); }
-  std::uint8_t lastByte() const { return lowByte(steps % 16 * 16 + 1); }
+  std::uint8_t firstByte() const { return lowByte(steps / 16); }
+  std::uint8_t secondByte() const { return lowByte(steps % 16 * 16 + 1); }
 };
 
 // Below zero is backward.
@@ -150,7 +147,7 @@ void sendCoilMoveOverUsb3(const CoilMove& move) {
   constexpr auto selector = Usb3Selector::lensDriver;
   sendUsb3(selector, {controllerAddress, directionSwitch, move.direction});
   platform::pause(pauseAfterDirection_ms);
-  sendUsb3(selector, {voiceCoil, move.highByte(), move.lastByte()});
+  sendUsb3(selector, {voiceCoil, move.firstByte(), move.secondByte()});
 }
 
 void sendPositionOverUsb3(std::int32_t position) {
@@ -166,7 +163,7 @@ void writeOnBridge(int deviceIndex, std::uint8_t slave, std::uint8_t reg, std::u
 void sendCoilMoveOverBridge(int deviceIndex, const CoilMove& move, std::uint32_t pause_ms) {
   writeOnBridge(deviceIndex, controllerAddress, directionSwitch, move.direction);
   if (pause_ms != 0) platform::pause(pause_ms);
-  writeOnBridge(deviceIndex, voiceCoil, move.highByte(), move.lastByte());
+  writeOnBridge(deviceIndex, voiceCoil, move.firstByte(), move.secondByte());
 }
 
 // The lens controller behind a bridge has a single register and takes no address for it.
@@ -176,8 +173,9 @@ void sendPositionOverBridge(int deviceIndex, std::int32_t position) {
                          &value);
 }
 
+// The register is named, but of no length: on the camera's bus, too, the byte goes out without one.
 void sendPositionOverWifi(std::uint8_t reg, std::int32_t position) {
-  loadUrlwWininet(CMD_I2C_W(s_mainhttp, lensController, reg, 1, position, 1));
+  loadUrlwWininet(CMD_I2C_W(s_mainhttp, lensController, reg, 0, position, 1));
 }
 
 // The zero position under the number of the controller's own register.

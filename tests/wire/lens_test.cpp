@@ -185,9 +185,11 @@ Journal wifiReads(std::initializer_list<int> registers) {
   return lines;
 }
 
-// To slave 0x46, with one register byte.
+// To slave 0x46, without a register byte.
+constexpr int lensWrite = 4422;
+
 Journal wifiPosition(int reg, int position) {
-  return {"pause 10", wifiLine(5446, reg * 65536 | position)};
+  return {"pause 10", wifiLine(lensWrite, reg * 65536 | position)};
 }
 
 TEST_F(Lens, OverWifi) {
@@ -255,7 +257,7 @@ TEST_F(Lens, RangesAndZeroPositions) {
         {INT_MAX, row.moved.upper}, {INT_MIN, row.moved.lower}, {7, 7}};
     for (const auto& [asked, got] : moves) {
       SetLensPos(90, asked);
-      EXPECT_EQ(journal().back(), wifiLine(5446, row.zero + got));
+      EXPECT_EQ(journal().back(), wifiLine(lensWrite, row.zero + got));
     }
   }
 }
