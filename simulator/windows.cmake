@@ -3,7 +3,8 @@ add_library(
   qvx_virtual_camera_registry STATIC
   capture_filter/camera_registry.cpp
   capture_filter/child_program.cpp
-  capture_filter/registry_key.cpp)
+  capture_filter/registry_key.cpp
+  capture_filter/tool.cpp)
 target_link_libraries(
   qvx_virtual_camera_registry
   PUBLIC qvx_simulator_bridge qvx_options

@@ -7,39 +7,21 @@ namespace qvx::simulator {
 
 namespace {
 
-class Pins final : public ComObject<IEnumPins> {
+class Pins final : public OneItem<IEnumPins, IPin> {
  public:
-  Pins(IPin& pin, bool done) : pin_(pin), done_(done) { pin_.AddRef(); }
-
-  STDMETHODIMP Next(ULONG count, IPin** pins, ULONG* fetched) override {
-    const ULONG given = !done_ && count != 0 ? 1 : 0;
-    if (given != 0) {
-      *pins = &pin_;
-      pin_.AddRef();
-      done_ = true;
-    }
-    if (fetched != nullptr) *fetched = given;
-    return given == count ? S_OK : S_FALSE;
-  }
-  STDMETHODIMP Skip(ULONG count) override {
-    const bool enough = count == 0 || (count == 1 && !done_);
-    done_ = done_ || count != 0;
-    return enough ? S_OK : S_FALSE;
-  }
-  STDMETHODIMP Reset() override {
-    done_ = false;
-    return S_OK;
-  }
-  STDMETHODIMP Clone(IEnumPins** copy) override {
-    *copy = new Pins(pin_, done_);
-    return S_OK;
-  }
+  explicit Pins(IPin& pin, bool done = false) : OneItem(done), pin_(pin) { pin_.AddRef(); }
 
  private:
   ~Pins() override { pin_.Release(); }
 
+  HRESULT give(IPin** pin) override {
+    *pin = &pin_;
+    pin_.AddRef();
+    return S_OK;
+  }
+  IEnumPins* cloneAt(bool done) override { return new Pins(pin_, done); }
+
   IPin& pin_;
-  bool done_;
 };
 
 std::wstring instanceIn(IPropertyBag& properties) {
@@ -132,7 +114,7 @@ STDMETHODIMP CaptureFilter::GetSyncSource(IReferenceClock** clock) {
 }
 
 STDMETHODIMP CaptureFilter::EnumPins(IEnumPins** pins) {
-  *pins = new Pins(pin_, false);
+  *pins = new Pins(pin_);
   return S_OK;
 }
 

@@ -51,32 +51,13 @@ HRESULT allocateMediaType(AM_MEDIA_TYPE** result) {
   return type.pbFormat != nullptr && *result != nullptr ? S_OK : E_OUTOFMEMORY;
 }
 
-class MediaTypes final : public ComObject<IEnumMediaTypes> {
+class MediaTypes final : public OneItem<IEnumMediaTypes, AM_MEDIA_TYPE> {
  public:
-  explicit MediaTypes(bool done = false) : done_(done) {}
-
-  STDMETHODIMP Next(ULONG count, AM_MEDIA_TYPE** types, ULONG* fetched) override {
-    const ULONG given = !done_ && count != 0 && SUCCEEDED(allocateMediaType(types)) ? 1 : 0;
-    if (given != 0) done_ = true;
-    if (fetched != nullptr) *fetched = given;
-    return given == count ? S_OK : S_FALSE;
-  }
-  STDMETHODIMP Skip(ULONG count) override {
-    const bool enough = count == 0 || (count == 1 && !done_);
-    done_ = done_ || count != 0;
-    return enough ? S_OK : S_FALSE;
-  }
-  STDMETHODIMP Reset() override {
-    done_ = false;
-    return S_OK;
-  }
-  STDMETHODIMP Clone(IEnumMediaTypes** copy) override {
-    *copy = new MediaTypes(done_);
-    return S_OK;
-  }
+  explicit MediaTypes(bool done = false) : OneItem(done) {}
 
  private:
-  bool done_;
+  HRESULT give(AM_MEDIA_TYPE** type) override { return allocateMediaType(type); }
+  IEnumMediaTypes* cloneAt(bool done) override { return new MediaTypes(done); }
 };
 
 }  // namespace

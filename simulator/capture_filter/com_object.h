@@ -75,6 +75,40 @@ class ComPart : public First, public Others... {
   IUnknown& whole_;
 };
 
+// An enumerator of a single item.
+template <class Enumerator, class Item>
+class OneItem : public ComObject<Enumerator> {
+ public:
+  explicit OneItem(bool done) : done_(done) {}
+
+  STDMETHODIMP Next(ULONG count, Item** items, ULONG* fetched) override {
+    const ULONG given = !done_ && count != 0 && SUCCEEDED(give(items)) ? 1 : 0;
+    if (given != 0) done_ = true;
+    if (fetched != nullptr) *fetched = given;
+    return given == count ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Skip(ULONG count) override {
+    const bool enough = count == 0 || (count == 1 && !done_);
+    done_ = done_ || count != 0;
+    return enough ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Reset() override {
+    done_ = false;
+    return S_OK;
+  }
+  STDMETHODIMP Clone(Enumerator** copy) override {
+    *copy = cloneAt(done_);
+    return S_OK;
+  }
+
+ protected:
+  virtual HRESULT give(Item** item) = 0;
+  virtual Enumerator* cloneAt(bool done) = 0;
+
+ private:
+  bool done_;
+};
+
 // Hands out a new object's interface, or frees the object when it has none of that kind.
 template <class Object>
 HRESULT handOut(Object* object, REFIID iid, void** result) {
