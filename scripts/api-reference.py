@@ -1,0 +1,147 @@
+#!/usr/bin/env python3
+"""Writes docs/api.md from the comments of include/qvx64/api.h: api-reference.py [--check]
+
+With --check, writes nothing and fails when the document is not what the header says. Either way every
+function must say all that a caller needs: each parameter, what it returns, what failure looks like,
+the thread and the worst case.
+"""
+
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).parents[1]
+HEADER = ROOT / "include/qvx64/api.h"
+DOCUMENT = ROOT / "docs/api.md"
+
+INTRODUCTION = """# API reference
+
+What `include/qvx64/api.h` declares, from its comments (`scripts/api-reference.py` writes this file).
+What looks odd on purpose is in the [compatibility notes](compatibility.md).
+"""
+TERMS = r"(?:listing|\d+ ms|1 access|\d+ accesses)"
+WORST_CASE = re.compile(rf"(does not block|{TERMS}(?: \+ {TERMS})*)(, .*)?\.")
+
+
+class Function:
+    def __init__(self, comment, declaration):
+        self.declaration = re.sub(r"\s+", " ", declaration)
+        self.name = re.search(r"(\w+)\(", self.declaration).group(1)
+        inside = self.declaration[self.declaration.index("(") + 1:self.declaration.rindex(")")]
+        callback = re.match(r"void \(\*(\w+)\)\(void\)$", inside)
+        self.parameters = [callback.group(1)] if callback else re.findall(r"(\w+)(?:,|$)", inside)
+        if inside == "void":
+            self.parameters = []
+        self.returns = not self.declaration.startswith("void ")
+        self.text, self.labels = split_labels(comment, self.wanted())
+
+    def wanted(self):
+        return self.parameters + ["Result"] * self.returns + ["Failure", "Thread", "Worst case"]
+
+    def faults(self):
+        if list(self.labels) != self.wanted():
+            yield f"{self.name}: says {list(self.labels)} instead of {self.wanted()}"
+        elif not WORST_CASE.fullmatch(self.labels["Worst case"]):
+            yield f'{self.name}: worst case "{self.labels["Worst case"]}"'
+
+
+def lines_of(comment):
+    return [re.sub(r"^ \* ?", "", line).rstrip() for line in comment.strip().splitlines()]
+
+
+def split_labels(comment, wanted):
+    """The text before the first label, and what stands behind each label."""
+    text, labels = [], {}
+    for line in lines_of(comment):
+        label = re.match(r"([A-Z]\w*|Worst case|\w+): (.*)", line)
+        if label and label.group(1) in wanted:
+            labels[label.group(1)] = label.group(2)
+        elif labels:
+            labels[next(reversed(labels))] += " " + line.strip()
+        else:
+            text.append(line)
+    return text, {label: said.strip() for label, said in labels.items()}
+
+
+def read_header(text):
+    """The opening comment, and (title, functions) of each group."""
+    opening = re.match(r"/\* (.*?)\*/", text, re.DOTALL).group(1)
+    groups = []
+    for title, comment, declaration in re.findall(
+            r"/\* ==== (.*?) ==== \*/|/\* ((?:(?!\*/).)*?)\*/\nQVX64_API ([^;]*;)", text, re.DOTALL):
+        if title:
+            groups.append((title, []))
+        else:
+            groups[-1][1].append(Function(comment, declaration))
+    return opening, groups
+
+
+def marked(text):
+    """Numbers and names as code, so that they stand out and no underscore is taken for emphasis."""
+    return re.sub(r"(?<![\w`])((?:Get|Set)[A-Z]\w+|FOVx|Init|FireEvent|EnablePressKey)(?![\w`])(\(1\))?",
+                  r"`\1\2`", text)
+
+
+def paragraphs(lines):
+    """Prose as paragraphs of one line; lines that are indented, as a list."""
+    blocks = [""]
+    for line in lines:
+        if line.startswith("  "):
+            word, *meaning = line.split()
+            blocks += [f"- `{word}` {' '.join(meaning)}"]
+        elif not line or blocks[-1].startswith("- "):
+            blocks += [line]
+        else:
+            blocks[-1] += " " * bool(blocks[-1]) + line
+    text = "\n\n".join(block if block.startswith("- ") else marked(block) for block in blocks)
+    return re.sub(r"(?m)^(- .*)\n\n(?=- )", r"\1\n", text) + "\n"
+
+
+def opening_text(comment):
+    """What a paragraph is about stands before a colon, and gets bold."""
+    return re.sub(r"(?m)^([A-Z][a-z]+(?: [a-z]+)?): ", r"**\1**: ", paragraphs(lines_of(comment)))
+
+
+def anchor(title):
+    return re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-")
+
+
+def overview(groups):
+    yield "| Function | Worst case |\n|---|---|\n"
+    for title, functions in groups:
+        yield f"| **[{title}](#{anchor(title)})** | |\n"
+        for function in functions:
+            time = WORST_CASE.fullmatch(function.labels["Worst case"]).group(1)
+            yield f"| [`{function.name}`](#{anchor(function.name)}) | {time} |\n"
+
+
+def section(function):
+    yield f"\n### {function.name}\n\n```c\n{function.declaration}\n```\n\n{paragraphs(function.text)}\n"
+    for label, said in function.labels.items():
+        name = f"`{label}`" if label in function.parameters else f"**{label}**"
+        yield f"- {name}: {marked(said)}\n"
+
+
+def document(opening, groups):
+    yield INTRODUCTION + "\n" + opening_text(opening) + "\n"
+    yield from overview(groups)
+    for title, functions in groups:
+        yield f"\n## {title}\n"
+        for function in functions:
+            yield from section(function)
+
+
+def main():
+    opening, groups = read_header(HEADER.read_text())
+    faults = [fault for _, functions in groups for f in functions for fault in f.faults()]
+    text = "".join(document(opening, groups)) if not faults else ""
+    if not faults and sys.argv[1:] != ["--check"]:
+        DOCUMENT.write_text(text)
+    elif not faults and (not DOCUMENT.exists() or DOCUMENT.read_text() != text):
+        faults.append("docs/api.md is not what api.h says: run scripts/api-reference.py")
+    print(*faults, sep="\n", end="\n" if faults else "")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
