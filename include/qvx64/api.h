@@ -413,7 +413,7 @@ QVX64_API void SetESEG(int DeviceIndex, qvx_long Quadrant, qvx_long Value);
  * nLevel: 0 to 6; 0 switches it off. Of others, see SetSEGLevel.
  * Failure: none is told.
  * Thread: camera thread.
- * Worst case: 150 ms + 6 accesses. */
+ * Worst case: 150 ms + 8 accesses. */
 QVX64_API void SetAXILevel(int ID, qvx_long nLevel);
 
 /* Sets the level of the aiming light of product ids 0x9B0 to 0x9BF, 0x9C0 to 0x9C7 and 0x9E0 to
