@@ -33,7 +33,7 @@ struct HidDeviceState {
   std::uint32_t violationCount;
   std::uint8_t controller[256];
   BridgeRegister bridge[4];
-  char violations[600];  // the first ones, a line each, terminated
+  char violations[600];  // each kind once, a line each, as many as fit; terminated
 };
 static_assert(sizeof(HidDeviceState) == 892);
 

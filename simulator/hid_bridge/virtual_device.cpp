@@ -78,8 +78,8 @@ bool VirtualHidDevice::getFeature(std::span<std::uint8_t> report) {
 }
 
 void VirtualHidDevice::describe(HidDeviceState& state) {
-  Violations& violations = device_.camera.violations();
-  state.violationCount = static_cast<std::uint32_t>(violations.count());
+  collectViolations();
+  state.violationCount = violationCount_;
   for (unsigned i = 0; i < std::size(state.controller); ++i) {
     state.controller[i] = device_.camera.controller().at(static_cast<std::uint8_t>(i));
   }
@@ -88,13 +88,25 @@ void VirtualHidDevice::describe(HidDeviceState& state) {
     state.bridge[i] = {address, device_.chip.peek(static_cast<std::uint16_t>(address))};
   }
   std::fill(std::begin(state.violations), std::end(state.violations), '\0');
-  std::span<char> room(state.violations);
+  const std::string_view lines = violations_.view();
+  std::copy(lines.begin(), lines.end(), std::begin(state.violations));
+}
+
+bool VirtualHidDevice::wasTold(std::string_view line) const {
+  const std::string_view lines = violations_.view();
+  return std::search(lines.begin(), lines.end(), line.begin(), line.end()) != lines.end();
+}
+
+// However often a client repeats itself, what else it does is seen, too.
+void VirtualHidDevice::collectViolations() {
+  Violations& violations = device_.camera.violations();
+  violationCount_ += static_cast<std::uint32_t>(violations.count());
   for (std::size_t i = 0; i < violations.count(); ++i) {
-    const std::string_view line = violations[i];
-    if (line.size() + 2 > room.size()) return;
-    *std::copy(line.begin(), line.end(), room.begin()) = '\n';
-    room = room.subspan(line.size() + 1);
+    if (wasTold(violations[i])) continue;
+    violations_.append(violations[i]);
+    violations_.append("\n");
   }
+  violations.clear();
 }
 
 void VirtualHidDevice::obey() {

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "simulator/hid_bridge/device_settings.h"
 #include "simulator/model/bridge_chip_device.h"
 #include "simulator/model/bridge_chip_hid.h"
+#include "simulator/model/text.h"
 
 namespace qvx::simulator {
 
@@ -39,10 +41,14 @@ class VirtualHidDevice {
  private:
   void obey();
   bool isBridge() const;
+  bool wasTold(std::string_view line) const;
+  void collectViolations();
 
   HidDeviceSettings settings_;
   BridgeDevice device_;
   HidFunction function_;
+  std::uint32_t violationCount_ = 0;
+  FixedText<sizeof HidDeviceState::violations - 1> violations_;  // a line of each kind
 };
 
 }  // namespace qvx::simulator

@@ -1,0 +1,71 @@
+// What the processes of the test have in common: the bridges, who owns which bytes of their
+// EEPROMs, and a record of every owner's writes in shared memory.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <optional>
+
+namespace qvx::tests {
+
+constexpr int processCount = 2, threadsPerProcess = 8;
+constexpr int ownerCount = processCount * threadsPerProcess;
+
+// The two ways in which bridges take transfers. The paths of the virtual devices stand in the same
+// order.
+struct SharedBridge {
+  const char* text;
+  std::uint32_t identity;  // of the chip
+  bool lowAddressFirst;    // the call layer swaps the bytes of the EEPROM's address
+  bool takesCustomCommands;
+};
+constexpr SharedBridge bridges[] = {
+    {"0970,chip=2,firmware=wide", 0x000160B2, false, false},  // several reports in a row
+    {"0971", 0x00016028, true, true},                         // one-shot requests, and a bus switch
+};
+constexpr std::size_t bridgeCount = std::size(bridges);
+
+// An owner's bytes in each EEPROM: who and how often, and what follows from the two.
+constexpr std::size_t blockSize = 24;
+using Block = std::array<std::uint8_t, blockSize>;
+
+Block blockOf(int owner, std::uint32_t write);
+std::uint16_t addressOf(int owner);
+
+// Which write of the owner this is; nothing when it is none.
+std::optional<std::uint32_t> writeIn(const Block& block, int owner);
+
+struct Owner {
+  std::atomic<std::uint32_t> tried[bridgeCount], confirmed[bridgeCount];  // the last write
+  std::atomic<std::uint64_t> seen_ms;                                     // 0: not at work
+  std::atomic<std::uint32_t> succeeded, failed;                           // calls
+};
+
+struct Shared {
+  std::atomic<std::uint32_t> parent;  // the test's process
+  Owner owners[ownerCount];
+  std::atomic<bool> atWork[processCount];  // has opened the bridges
+  std::atomic<bool> ends;
+  std::atomic<std::uint32_t> mistakes;
+  char mistake[200];  // the first one
+};
+
+// The test's process makes it before all others.
+Shared& shared();
+
+void report(const char* what, int owner, std::size_t bridge, std::uint32_t number);
+
+// Reads the bytes of an owner. A read that succeeds gives a write of his, neither older than the
+// last one confirmed before nor newer than the last one tried until then.
+bool readAndCheck(int owner, std::size_t bridge);
+
+// A new write of the owner, and what is to be read back at once.
+bool writeAndCheck(int owner, std::size_t bridge);
+
+// What the processes do: threads that own bytes and read those of all, until the end.
+int work(int process, unsigned seed);
+
+}  // namespace qvx::tests

@@ -1,0 +1,181 @@
+// Two processes drive the same bridges over the system's HID stack while they are killed in the
+// middle of their transfers and started anew. Linked with the library's parts: the call layer is
+// what takes calls from any thread. QVX_SECONDS and QVX_SEED in the environment change how long and
+// how.
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "etlib2/etLib2.h"
+#include "tests/windows/fixtures/virtual_hid.h"
+#include "tests/windows/support.h"
+#include "tests/windows/two_processes/shared.h"
+
+namespace qvx::tests {
+namespace {
+
+unsigned numberFrom(const char* variable, unsigned otherwise) {
+  const char* const text = std::getenv(variable);
+  return text == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
+}
+
+// Another process of this program.
+class Worker {
+ public:
+  explicit Worker(int number) : number_(number) {}
+  ~Worker() { kill(); }
+  Worker(const Worker&) = delete;
+  Worker& operator=(const Worker&) = delete;
+
+  void start(unsigned seed) {
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::wstring line = L"\"" + std::wstring(program) + L"\" --work " + std::to_wstring(number_) +
+                        L" " + std::to_wstring(seed);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    ASSERT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                               &startup, &process_));
+    CloseHandle(process_.hThread);
+  }
+
+  void kill() {
+    if (process_.hProcess == nullptr) return;
+    TerminateProcess(process_.hProcess, 9);
+    end(INFINITE);
+  }
+
+  // Its exit code, or nothing when it does not end in time.
+  std::optional<DWORD> end(DWORD limit_ms) {
+    DWORD code = 0;
+    if (WaitForSingleObject(process_.hProcess, limit_ms) != WAIT_OBJECT_0 ||
+        !GetExitCodeProcess(process_.hProcess, &code)) {
+      return std::nullopt;
+    }
+    CloseHandle(process_.hProcess);
+    process_ = {};
+    return code;
+  }
+
+ private:
+  int number_;
+  PROCESS_INFORMATION process_{};
+};
+
+class TwoProcesses : public testing::Test {
+ protected:
+  void startWorker(int number) {
+    for (int i = 0; i < threadsPerProcess; ++i) {
+      shared().owners[number * threadsPerProcess + i].seen_ms = GetTickCount64();
+    }
+    shared().atWork[number] = false;
+    workers_[number].start(random_());
+  }
+
+  // Kills one after another, mostly at work and sometimes while it starts.
+  void disturb(unsigned seconds) {
+    constexpr unsigned mostPause_ms = 500, oneInSo = 5;
+    const ULONGLONG end = GetTickCount64() + seconds * 1000;
+    while (GetTickCount64() < end && shared().mistakes == 0 && !HasFailure()) {
+      const int victim = static_cast<int>(random_() % processCount);
+      if (random_() % oneInSo != 0) awaitWork(victim);
+      Sleep(random_() % mostPause_ms);
+      workers_[victim].kill();
+      ++kills_;
+      startWorker(victim);
+    }
+  }
+
+  void awaitWork(int number) {
+    while (!shared().atWork[number] && !HasFailure()) {
+      expectNobodyHangs();
+      Sleep(1);
+    }
+  }
+
+  // Every call takes 1.5 s at most, and a process that starts soon gets its turn.
+  static void expectNobodyHangs() {
+    constexpr ULONGLONG limit_ms = 15000;
+    for (int owner = 0; owner < ownerCount; ++owner) {
+      const ULONGLONG seen_ms = shared().owners[owner].seen_ms, now_ms = GetTickCount64();
+      EXPECT_TRUE(seen_ms == 0 || now_ms < seen_ms + limit_ms) << "owner " << owner << " hangs";
+    }
+  }
+
+  void expectAllEnd() {
+    shared().ends = true;
+    for (Worker& worker : workers_) EXPECT_EQ(worker.end(15000), 0u);
+  }
+
+  void expectMuchWasDone() const {
+    unsigned succeeded = 0, failed = 0;
+    for (const Owner& owner : shared().owners) {
+      EXPECT_GT(owner.succeeded, 0u);
+      succeeded += owner.succeeded;
+      failed += owner.failed;
+    }
+    EXPECT_GT(succeeded, 3 * failed);
+    std::printf("%u kills; %u calls succeeded, %u came too late\n", kills_, succeeded, failed);
+  }
+
+  // A transfer that was cut off is dropped when the next one begins. Nothing else may be wrong.
+  void expectOnlyCutTransfers(VirtualHid& devices) const {
+    unsigned cut = 0;
+    for (std::size_t bridge = 0; bridge < bridgeCount; ++bridge) {
+      const auto state = devices.state(bridge);
+      cut += state.violationCount;
+      std::istringstream lines(state.violations);
+      for (std::string line; std::getline(lines, line);) {
+        EXPECT_TRUE(line == "HID: exchange not finished before report 0x87" ||
+                    line == "HID: exchange not finished before report 0x97")
+            << line;
+      }
+    }
+    std::printf("%u transfers cut off\n", cut);
+    EXPECT_GT(cut, 0u) << "nobody was killed in the middle";
+    EXPECT_LE(cut, kills_);
+  }
+
+  const unsigned seed_ = numberFrom("QVX_SEED", static_cast<unsigned>(GetTickCount64()));
+  std::minstd_rand random_{seed_};
+  Worker workers_[processCount] = {Worker(0), Worker(1)};
+  unsigned kills_ = 0;
+};
+
+TEST_F(TwoProcesses, KilledAtAnyMomentNeitherHangNorMixTheirBytes) {
+  std::printf("seed %u\n", seed_);
+  std::vector<std::string> texts;
+  for (const SharedBridge& bridge : bridges) texts.emplace_back(bridge.text);
+  VirtualHid devices(texts);
+  shared().parent = GetCurrentProcessId();
+  for (int i = 0; i < processCount; ++i) startWorker(i);
+  disturb(numberFrom("QVX_SECONDS", 60));
+  expectAllEnd();
+  EXPECT_EQ(shared().mistakes, 0u) << shared().mistake;
+  expectMuchWasDone();
+  expectOnlyCutTransfers(devices);
+
+  ASSERT_EQ(etLib2_Init(), 1);
+  for (int owner = 0; owner < ownerCount; ++owner) {
+    for (std::size_t bridge = 0; bridge < bridgeCount; ++bridge) {
+      EXPECT_TRUE(readAndCheck(owner, bridge));
+      EXPECT_TRUE(writeAndCheck(owner, bridge));
+    }
+  }
+  EXPECT_EQ(shared().mistakes, 0u) << shared().mistake;
+  etLib2_Release();
+}
+
+}  // namespace
+}  // namespace qvx::tests
+
+int main(int argc, char** argv) {
+  if (argc == 4 && std::string(argv[1]) == "--work") {
+    return qvx::tests::work(std::atoi(argv[2]), static_cast<unsigned>(std::atoll(argv[3])));
+  }
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
