@@ -21,13 +21,13 @@ constexpr std::uint32_t variantBit = 0x04;      // of the feature register, on m
 
 struct Range {
   constexpr Range() = default;
-  constexpr Range(int id) : first(id), last(id) {}
-  constexpr Range(int from, int to) : first(from), last(to) {}
+  consteval Range(int id) : first(id), last(id) {}
+  consteval Range(int from, int to) : first(from), last(to) {}
 
   int first = 0, last = -1;  // the default holds no product id
 };
 
-constexpr Range to(int first, int last) {
+consteval Range to(int first, int last) {
   return {first, last};
 }
 

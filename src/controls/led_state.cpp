@@ -41,25 +41,25 @@ struct Step {
   std::uint8_t target = 0, value = 0;
 };
 
-constexpr Step S(std::uint8_t reg, std::uint8_t value) {
+consteval Step S(std::uint8_t reg, std::uint8_t value) {
   return {Step::setRegister, reg, value};
 }
-constexpr Step R80(std::uint8_t value) {
+consteval Step R80(std::uint8_t value) {
   return {Step::setBridge, 0, value};
 }
-constexpr Step Switch(std::uint8_t value) {
+consteval Step Switch(std::uint8_t value) {
   return {Step::setSwitch, 0, value};
 }
-constexpr Step Level(std::uint8_t level) {
+consteval Step Level(std::uint8_t level) {
   return {Step::setLevel, 0, level};
 }
-constexpr Step AXI(std::uint8_t level) {
+consteval Step AXI(std::uint8_t level) {
   return {Step::setAxial, 0, level};
 }
-constexpr Step read(ControllerRegister reg) {
+consteval Step read(ControllerRegister reg) {
   return {Step::readRegister, reg, 0};
 }
-constexpr Step command(SegmentFunction function) {
+consteval Step command(SegmentFunction function) {
   return {Step::command, 0, static_cast<std::uint8_t>(function)};
 }
 constexpr Step ringCommand = command(SegmentFunction::ring);

@@ -31,13 +31,13 @@ struct Step {
   int target = 0, value = 0;
 };
 
-constexpr Step W(int reg, int value) {
+consteval Step W(int reg, int value) {
   return {Step::setRegister, reg, value};
 }
-constexpr Step pins(int mask, int levels) {
+consteval Step pins(int mask, int levels) {
   return {Step::setPins, mask, levels};
 }
-constexpr Step keep(int state) {
+consteval Step keep(int state) {
   return {Step::keepState, 0, state};
 }
 constexpr Step segments{Step::setSegments}, progress{Step::setProgress};
