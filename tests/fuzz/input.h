@@ -1,0 +1,51 @@
+// What the fuzzer makes up. The script (which machine, which calls with which arguments) is taken
+// from the end of its bytes, what devices answer from their beginning: a changed answer leaves the
+// script as it was. When the bytes are used up, everything is 0.
+#pragma once
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstdint>
+#include <mutex>
+#include <span>
+
+namespace qvx::fuzz {
+
+class Input {
+ public:
+  Input(const std::uint8_t* bytes, std::size_t size) : provider_(bytes, size) {}
+
+  bool isOver() {
+    const std::lock_guard<std::mutex> lock(guard_);
+    return provider_.remaining_bytes() == 0;
+  }
+
+  // For the script.
+  template <class Number>
+  Number number(Number least, Number most) {
+    const std::lock_guard<std::mutex> lock(guard_);
+    return provider_.ConsumeIntegralInRange<Number>(least, most);
+  }
+  bool oneIn(int chances) { return number(1, chances) == chances; }
+  template <class Choice, std::size_t count>
+  const Choice& oneOf(const Choice (&choices)[count]) {
+    return choices[number<std::size_t>(0, count - 1)];
+  }
+
+  // For answers; workers ask, too.
+  std::uint8_t byte() {
+    std::uint8_t byte = 0;
+    fill({&byte, 1});
+    return byte;
+  }
+  void fill(std::span<std::uint8_t> bytes) {
+    const std::lock_guard<std::mutex> lock(guard_);
+    provider_.ConsumeData(bytes.data(), bytes.size());
+  }
+
+ private:
+  std::mutex guard_;
+  FuzzedDataProvider provider_;
+};
+
+}  // namespace qvx::fuzz

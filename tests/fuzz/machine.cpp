@@ -1,0 +1,277 @@
+#include "tests/fuzz/machine.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cwchar>
+#include <new>
+
+namespace qvx::fuzz {
+
+namespace {
+
+using simulator::HttpAnswer;
+using simulator::world;
+
+constexpr std::uint64_t longStall_ms = 1000;  // two make up the time a camera access may take
+constexpr std::size_t readCapacity = 8192;
+
+// A few bytes say enough: the last of them fills the reply. One pattern stands for memory that is
+// exhausted on the way.
+void answer(Input& input, std::span<std::uint8_t> reply) {
+  std::array<std::uint8_t, 4> head{};
+  input.fill(head);
+  constexpr std::array<std::uint8_t, 4> exhausted = {0xFE, 0xFE, 0xFE, 0xFE};
+  if (head == exhausted) throw std::bad_alloc();
+  std::fill(reply.begin(), reply.end(), head.back());
+  std::copy_n(head.begin(), std::min(head.size(), reply.size()), reply.begin());
+}
+
+class Node final : public simulator::PropertyNode {
+ public:
+  explicit Node(Input& input) : input_(input), sets_(input.number(0, 7)) {}
+
+  bool supports(const simulator::PropertySetId& set) override {
+    constexpr const simulator::PropertySetId* known[] = {
+        &simulator::bridgeRegisterSet, &simulator::bridgeCommandSet, &simulator::bridgeVariant1Set};
+    for (unsigned i = 0; i < std::size(known); ++i) {
+      if (*known[i] == set) return (static_cast<unsigned>(sets_) >> i & 1) != 0;
+    }
+    return false;
+  }
+  bool set(const simulator::PropertySetId&, std::uint32_t, std::span<const std::uint8_t>) override {
+    return true;
+  }
+  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> bytes) override {
+    answer(input_, bytes);
+    return true;
+  }
+
+ private:
+  Input& input_;
+  int sets_;
+};
+
+class Reports final : public simulator::FeatureDevice {
+ public:
+  explicit Reports(Input& input) : input_(input) {}
+
+  bool set(std::span<const std::uint8_t>) override { return true; }
+  bool get(std::span<std::uint8_t> report) override {
+    answer(input_, report);
+    return true;
+  }
+
+ private:
+  Input& input_;
+};
+
+class Endpoint final : public simulator::ControlEndpoint {
+ public:
+  explicit Endpoint(Input& input) : input_(input) {}
+
+  std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
+                                      std::span<std::uint8_t> buffer) override {
+    if (setup.requestType < 0x80) return buffer.size();
+    answer(input_, buffer);
+    const std::uint8_t outcome = input_.byte();
+    if (outcome == 0xFF) world().clock.sleep(longStall_ms);
+    if (outcome >= 0xF0) return std::nullopt;
+    return outcome < 0x80 ? buffer.size() : outcome;
+  }
+
+ private:
+  Input& input_;
+};
+
+std::vector<std::string> pieces(const std::string& text, std::size_t length) {
+  std::vector<std::string> parts;
+  for (std::size_t at = 0; at < text.size(); at += length) parts.push_back(text.substr(at, length));
+  return parts;
+}
+
+}  // namespace
+
+Machine::Machine(Input& input) : input_(input) {
+  simulator::resetWorld();
+  simulator::World& machine = world();
+  machine.keepsJournal = false;
+  machine.workersInline = true;
+  machine.permits = [this] { return permits(); };
+  machine.workerIsLate = [this] { return isLate(); };
+  furnish();
+}
+
+void Machine::changeMood() {
+  mood_ = static_cast<Mood>(input_.number(0, 3));
+}
+
+bool Machine::permits() {
+  if (mood_ != Mood::capricious) return mood_ != Mood::refusing;
+  const std::uint8_t whim = input_.byte();
+  const bool onWorker = std::this_thread::get_id() != applicationThread_;
+  if (whim >= 0xF0 && onWorker) world().clock.sleep(longStall_ms);
+  return whim < 0xD0;
+}
+
+bool Machine::isLate() {
+  return mood_ == Mood::silent || (mood_ == Mood::capricious && input_.byte() >= 0xE0);
+}
+
+int Machine::productId() {
+  constexpr int blocks[] = {0x9E0, 0x9C0, 0x9B0, 0x9D0, 0x9A0, 0x990, 0x980, 0x970,
+                            0x960, 0x920, 0x910, 0x890, 0x870, 0x880, 0x840, 0x000};
+  return input_.oneOf(blocks) + input_.number(0, 15);
+}
+
+std::wstring Machine::path() {
+  constexpr std::size_t markerPositions[] = {20, 20, 20, 20, 0, 1, 600, 601, 3000};
+  wchar_t marker[32];
+  std::swprintf(marker, std::size(marker), L"vid_3c7e&pid_%04x&mi_00#", productId());
+  std::wstring path = std::wstring(input_.oneOf(markerPositions), L'A') + marker;
+  if (input_.oneIn(8)) path.resize(input_.number<std::size_t>(0, path.size()));
+  if (input_.oneIn(8) && !path.empty()) {
+    path[input_.number<std::size_t>(0, path.size() - 1)] = input_.number<wchar_t>(0, 0x10FFFF);
+  }
+  return path;
+}
+
+simulator::VideoInput Machine::videoInput() {
+  simulator::VideoInput input{path(), L"Microscope", {}, nullptr, !input_.oneIn(8)};
+  if (input_.oneIn(8)) input.name = std::nullopt;
+  const int nodes = input_.number(0, 3);
+  for (int i = 0; i < nodes; ++i) {
+    input.nodes.push_back(input_.oneIn(4) ? nullptr : std::make_shared<Node>(input_));
+  }
+  if (!input_.oneIn(4)) input.picture = &picture_;
+  return input;
+}
+
+simulator::HidInterface Machine::hidInterface(std::size_t number) {
+  simulator::HidInterface interface {
+    "hid#" + std::to_string(number), 2, {0x87, 0x93, 0x97}, std::make_shared<Reports>(input_)
+  };
+  if (input_.oneIn(4)) interface.device = nullptr;
+  if (input_.oneIn(4)) interface.featureItems = input_.number<std::size_t>(0, 4);
+  if (input_.oneIn(8)) interface.featureItems = std::nullopt;
+  if (input_.oneIn(8)) interface.featureReportIds.resize(input_.number<std::size_t>(0, 3));
+  return interface;
+}
+
+simulator::UsbDevice Machine::usbDevice() {
+  constexpr std::size_t textLengths[] = {4, 0, 255, 256, 1000};
+  constexpr std::size_t pipeCounts[] = {2, 0, 1, 300};
+  const auto text = [&] { return std::string(input_.oneOf(textLengths), '%'); };
+  simulator::UsbDevice device;
+  device.vendorId = input_.oneIn(8) ? 0 : 0x3C7E;
+  device.productId = productId();
+  device.instance = text();
+  device.description = text();
+  device.maker = text();
+  device.pipes.resize(input_.oneOf(pipeCounts), {0x81, 2, 255, 65535});
+  device.opens = !input_.oneIn(4);
+  if (!input_.oneIn(4)) device.endpoint = std::make_shared<Endpoint>(input_);
+  return device;
+}
+
+void Machine::furnish() {
+  constexpr std::size_t counts[] = {1, 0, 2, 10}, hidCounts[] = {1, 0, 2, 30};
+  simulator::World& machine = world();
+  machine.wifi = nullptr;
+  if (!input_.oneIn(4)) machine.wifi = [this](const std::string& url) { return answerTo(url); };
+  machine.videoInputs.clear();
+  for (std::size_t count = input_.oneOf(counts); count > 0; --count) {
+    machine.videoInputs.push_back(videoInput());
+  }
+  machine.hidInterfaces.emplace();
+  for (std::size_t count = input_.oneOf(hidCounts); count > 0; --count) {
+    machine.hidInterfaces->push_back(hidInterface(count));
+  }
+  if (input_.oneIn(8)) machine.hidInterfaces = std::nullopt;
+  machine.usbDevices.clear();
+  for (int count = input_.number(0, 2); count > 0; --count) {
+    machine.usbDevices.push_back(usbDevice());
+  }
+  machine.libusbkInstalled = !input_.oneIn(8);
+  machine.threadsStart = !input_.oneIn(8);
+  machine.diskRoom = std::nullopt;
+  if (input_.oneIn(8)) machine.diskRoom = input_.number<std::size_t>(0, 5000);
+}
+
+std::string Machine::rawText() {
+  std::string text(input_.byte() % 64, '\0');
+  for (char& character : text) character = static_cast<char>(input_.byte());
+  return text;
+}
+
+// One or two controls; their values are texts, numbers or something else.
+std::string Machine::controlDocument() {
+  constexpr const char* names[] = {"Brightness", "Contrast", "Hue", "Saturation"};
+  constexpr const char* values[] = {"\"%d\"", "%d", "null", "{}", "-1e99", "\"%d", "99999999999%d"};
+  constexpr const char* members[] = {"value", "min", "max", "step", "default"};
+  std::string document = R"({"controls":[)";
+  for (int count = 1 + input_.byte() % 2; count > 0; --count) {
+    document += std::string(R"({"name":")") + names[input_.byte() % std::size(names)] + '"';
+    for (const char* const member : members) {
+      char value[40];
+      const std::uint8_t kind = input_.byte();
+      std::snprintf(value, sizeof value, values[kind % std::size(values)], kind);
+      document += std::string(",\"") + member + "\":" + value;
+    }
+    document += count > 1 ? "}," : "}";
+  }
+  return document + "]}";
+}
+
+// As the camera writes them, the product id's digits stand 25 characters behind the vendor id.
+std::string Machine::deviceList() {
+  std::string list;
+  for (int count = (input_.byte() + 1) % 3; count > 0; --count) {
+    char entry[64];
+    std::snprintf(entry, sizeof entry, "\"0x3c7e\", \"idProduct\": \"0x0%c%02x\"",
+                  "9890"[input_.byte() % 4], input_.byte());
+    list += entry;
+  }
+  return list;
+}
+
+std::string Machine::bodyFor(const std::string& url) {
+  if (url.ends_with("usbdevlist.json")) return deviceList();
+  if (url.ends_with("input_0_control.json")) return controlDocument();
+  if (url.ends_with("snapshot")) return rawText();
+  return "res:" + std::to_string(input_.byte());
+}
+
+HttpAnswer Machine::answerTo(const std::string& url) {
+  std::string body = bodyFor(url);
+  const std::uint8_t way = input_.byte();
+  if (way < 0xC0) return {true, {body}};
+  switch (way % 10) {
+    case 0:
+      return {false, {}};
+    case 1:
+      return {true, {}, input_.byte() % 2 == 0};
+    case 2:
+      return {true, pieces(body, 1 + input_.byte() % 64), input_.byte() % 2 == 0};
+    case 3:
+      return {true, {rawText()}};
+    case 4:
+      return {true, {std::string(readCapacity - 100 + input_.byte(), '[') + body}};
+    case 5:
+      body.insert(input_.byte() % (body.size() + 1), 1, '\0');
+      break;
+    case 6:
+      body.insert(std::min<std::size_t>(4, body.size()), "-4294967296");
+      break;
+    case 7:
+      body.resize(std::min<std::size_t>(4, body.size()));
+      break;
+    case 8:
+      throw std::bad_alloc();
+    default:
+      world().clock.sleep(longStall_ms);
+  }
+  return {true, {body}};
+}
+
+}  // namespace qvx::fuzz

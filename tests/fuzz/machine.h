@@ -1,0 +1,46 @@
+// A simulated machine on which every device answers what the fuzzer makes up.
+#pragma once
+
+#include <string>
+#include <thread>
+
+#include "simulator/platform/world.h"
+#include "tests/fuzz/input.h"
+
+namespace qvx::fuzz {
+
+class Machine {
+ public:
+  explicit Machine(Input& input);
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  // Exchanges all devices; those in use stay as they are.
+  void furnish();
+
+  // Whether devices are well, refuse, or do as the answers have it, from now on.
+  void changeMood();
+
+ private:
+  enum class Mood { well, capricious, refusing, silent };
+
+  bool permits();
+  bool isLate();
+  int productId();
+  std::wstring path();
+  simulator::VideoInput videoInput();
+  simulator::HidInterface hidInterface(std::size_t number);
+  simulator::UsbDevice usbDevice();
+  simulator::HttpAnswer answerTo(const std::string& url);
+  std::string bodyFor(const std::string& url);
+  std::string controlDocument();
+  std::string deviceList();
+  std::string rawText();
+
+  Input& input_;
+  Mood mood_ = Mood::well;
+  std::thread::id applicationThread_ = std::this_thread::get_id();
+  simulator::PictureControls picture_;
+};
+
+}  // namespace qvx::fuzz
