@@ -3,7 +3,7 @@
 # The output of every stage stays in build/logs; that of a failing one is shown.
 source "$(dirname "$0")/common.sh"
 
-stages=(format scripts native tsan windows release)
+stages=(format scripts native tsan fuzz windows demo docs release)
 
 stage_format() {
   git ls-files -z '*.h' '*.c' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
@@ -22,8 +22,18 @@ stage_native() { build_and_test native; }
 
 stage_tsan() { build_and_test tsan; }
 
+# A minute of what scripts/fuzz.sh does for as long as it is given.
+stage_fuzz() { scripts/fuzz.sh 60; }
+
 # Under Wine, with the programs that use the installed package, and a camera beside it.
 stage_windows() { build_preset simulator qvx-wifi-camera && build_and_test windows; }
+
+stage_demo() { scripts/demo.sh; }
+
+# The documents' samples, tables and links.
+stage_docs() {
+  build_preset native && build_preset simulator && build_preset windows && python3 tests/docs/check_docs.py
+}
 
 # Never run: it would look for a camera's access point.
 stage_release() {

@@ -1,0 +1,289 @@
+#!/usr/bin/env python3
+"""Checks that the documents are true: check_docs.py [DOCUMENT...]
+
+Samples between code fences are run or compiled, what a transcript shows has to come out, the tables of
+options are those of the programs, and links lead somewhere. Needs build/native, build/simulator and
+build/windows.
+"""
+
+import concurrent.futures
+import contextlib
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import threading
+
+import markdown
+
+ROOT = pathlib.Path(__file__).parents[2]
+TEST_SCRIPT = ROOT / "scripts/test.sh"
+
+WINE = "scripts/run-wine.sh "
+CLIENT = "build/windows/qvxctl.exe"
+BRIDGE_CAMERA = "build/windows/qvx-virtual-cameras.exe run 0970,zoom=63 -- "
+WIFI_CAMERA = "build/simulator/qvx-wifi-camera"
+LIMIT_S = 120
+
+# Documents are checked side by side; one sample at a time has the Wi-Fi camera's port, and one the
+# machine's list of cameras.
+PORT, REGISTRY = threading.Lock(), threading.Lock()
+
+# What is a whole run, and the stage of the test script that makes it.
+STAGES = {
+    "scripts/demo.sh": "demo",
+    "cmake --preset native && cmake --build --preset native": "native",
+}
+# What differs from run to run in what a program prints.
+VARYING = {
+    r"\.\.\.": r".*",
+    r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z": r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z",
+    r"^\d\d:\d\d:\d\d": r"\d\d:\d\d:\d\d",
+    r"^ +\d+\.\d{3} s": r" +\d+\.\d{3} s",
+}
+UNBUFFERED = "#include <cstdio>\nstatic const int unbuffered = std::setvbuf(stdout, nullptr, _IONBF, 0);\n"
+
+
+class Camera:
+    """A simulated Wi-Fi camera that is switched on; the port must be free."""
+
+    def __init__(self, options):
+        self.process = subprocess.Popen(
+            [WIFI_CAMERA, *options.split()], cwd=ROOT, stdout=subprocess.PIPE, text=True)
+        self.ready = self.process.stdout.readline()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.printed = self.ready + self.process.communicate(timeout=LIMIT_S)[0]
+
+
+def shell(command, **options):
+    return subprocess.run(["bash", "-c", command], cwd=ROOT, stdin=subprocess.DEVNULL, text=True,
+                          capture_output=True, timeout=LIMIT_S, **options)
+
+
+def wants_port(command):
+    return "--device 90" in command or command.startswith(WIFI_CAMERA)
+
+
+def as_run(command):
+    """The client is called as if it were in the PATH, and finds a camera where it looks for one."""
+    if not command.startswith("qvxctl "):
+        return command
+    needs_none = wants_port(command) or (" call " in command and "--init" not in command)
+    return WINE + ("" if needs_none else BRIDGE_CAMERA) + CLIENT + command.removeprefix("qvxctl")
+
+
+@contextlib.contextmanager
+def resources_for(commands):
+    with contextlib.ExitStack() as held:
+        if any(wants_port(command) for command in commands):
+            held.enter_context(PORT)
+        if any("qvx-virtual" in as_run(command) for command in commands):
+            held.enter_context(REGISTRY)
+        yield
+
+
+def stages():
+    """The names of all stages, and of those that run without being asked for."""
+    text = TEST_SCRIPT.read_text()
+    usual = re.search(r"(?m)^stages=\((.*)\)$", text).group(1).split()
+    return set(re.findall(r"(?m)^stage_(\w+)\(\)", text)), usual
+
+
+def run_camera(command):
+    with Camera(command.removeprefix(WIFI_CAMERA)) as camera:
+        client = shell(WINE + CLIENT + " info --device 90")
+    return camera.process.returncode or client.returncode, camera.printed, client.stderr
+
+
+def run(command):
+    """Exit code, standard output and standard error; the code is 0 for what others run."""
+    known, usual = stages()
+    whole_run = re.fullmatch(r"scripts/test\.sh((?: \w+)*)", command)
+    if whole_run:
+        unknown = set(whole_run.group(1).split()) - known
+        return len(unknown), "", f"no stage {unknown}"
+    if command in STAGES:
+        return int(STAGES[command] not in usual), "", f"no stage {STAGES[command]} runs it"
+    if command.startswith(WIFI_CAMERA):
+        return run_camera(command)
+    with Camera("--pid 0x998 --zoom 63") if wants_port(command) else contextlib.nullcontext():
+        done = shell(as_run(command))
+    return done.returncode, done.stdout.replace("\r\n", "\n"), done.stderr
+
+
+def pattern_of(shown):
+    """What a transcript shows, as a pattern: a line of three dots is any number of lines."""
+    pattern = ""
+    for line in shown.splitlines():
+        if line == "...":
+            pattern += "(?:.*\n)*?"
+            continue
+        pieces = re.split("(" + "|".join(VARYING) + ")", line)
+        for index, piece in enumerate(pieces):
+            meaning = next((VARYING[text] for text in VARYING if re.fullmatch(text, piece)), None)
+            pattern += meaning if index % 2 and meaning else re.escape(piece)
+        pattern += "\n"
+    return pattern
+
+
+def check_run(command, shown):
+    status, printed, said = run(command)
+    if status != 0:
+        yield f"{command}: exit code {status}\n{printed}{said}"
+    elif shown is not None and not re.fullmatch(pattern_of(shown), printed):
+        yield f"{command} prints:\n{printed}instead of:\n{shown}"
+
+
+def check_commands(sample):
+    commands = [re.sub(r"\s+#.*", "", line) for line in sample.text.splitlines()]
+    with resources_for(commands):
+        for command in commands:
+            yield from check_run(command, None)
+
+
+def check_transcript(sample):
+    entries = [entry.split("\n", 1) for entry in re.split(r"(?m)^\$ ", sample.text)[1:]]
+    with resources_for(command for command, _ in entries):
+        for command, shown in entries:
+            yield from check_run(command, shown)
+
+
+def check_declarations(sample):
+    """C declarations must be those of the header."""
+    source = f"#include <qvx64/api.h>\n{sample.text}"
+    done = subprocess.run(["gcc", "-fsyntax-only", "-xc", "-Iinclude", "-"], cwd=ROOT, input=source,
+                          text=True, capture_output=True)
+    if done.returncode != 0:
+        yield done.stderr
+
+
+def is_program(sample):
+    return sample.language == "cpp" and "int main" in sample.text
+
+
+def check_cpp(sample):
+    """Programs are built with the CMake sample of their document; all others in tests/docs natively."""
+    if is_program(sample) and not any(s.language == "cmake" for s in markdown.samples(sample.document)):
+        yield "no CMake sample builds this program"
+
+
+def check_package(sample):
+    """The document's program, built as it says from outside, sees the camera."""
+    program = next(s for s in markdown.samples(sample.document) if is_program(s))
+    target = re.search(r"target_link_libraries\((\w+)", sample.text).group(1)
+    with tempfile.TemporaryDirectory() as folder:
+        project = pathlib.Path(folder)
+        (project / "main.cpp").write_text(program.text)
+        (project / "unbuffered.h").write_text(UNBUFFERED)
+        (project / "CMakeLists.txt").write_text(
+            f"cmake_minimum_required(VERSION 3.23)\nproject(sample CXX)\nset(CMAKE_CXX_STANDARD 20)\n"
+            f"add_executable({target} main.cpp)\n{sample.text}")
+        built = shell(
+            f"cmake -G Ninja -S {folder} -B {folder}/build -DQVX64_DIR=$PWD/build/package/lib/cmake/QVX64"
+            f" -DCMAKE_TOOLCHAIN_FILE=$PWD/cmake/mingw-w64.cmake"
+            f" -DCMAKE_CXX_FLAGS='-include {folder}/unbuffered.h -static' && cmake --build {folder}/build"
+            f" && cp build/package/bin/QVX64.dll {folder}/build")
+        if built.returncode != 0:
+            yield built.stdout + built.stderr
+        else:
+            yield from watch_program(project / "build" / f"{target}.exe")
+
+
+def watch_program(program):
+    with PORT, Camera("--pid 0x998 --zoom 63"):
+        process = subprocess.Popen([WINE.strip(), str(program)], cwd=ROOT, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, text=True)
+        line = process.stdout.readline()
+        process.kill()
+        process.wait()
+    if not re.fullmatch(r"x 62\.99  field 6\.21 mm\n", line):
+        yield f'the program prints "{line}"'
+
+
+CHECKS = {
+    "sh": check_commands, "console": check_transcript, "c": check_declarations, "cpp": check_cpp,
+    "cmake": check_package,
+}
+
+
+def check_samples(document):
+    for sample in markdown.samples(document):
+        if sample.language not in CHECKS:
+            yield f'{sample}: nothing runs a sample of "{sample.language}"'
+            continue
+        for fault in CHECKS[sample.language](sample):
+            yield f"{sample}: {fault}"
+
+
+def check_links(document):
+    for path, anchor in markdown.links(document):
+        if not path.exists():
+            yield f"{document.name}: no {path.relative_to(ROOT)}"
+        elif anchor and anchor not in markdown.anchors(path):
+            yield f"{document.name}: {path.name} has no heading for #{anchor}"
+
+
+def check_file_names(document):
+    """Sources and scripts that the text names; what a build makes is not looked for."""
+    for code in markdown.inline_code(document):
+        for name in re.findall(r"(?<![\w/.-])(?:cmake|include|scripts|simulator|src|tests|tools)/[\w./-]*\w",
+                               code):
+            if not (ROOT / name).exists():
+                yield f"{document.name}: no {name}"
+
+
+def check_document(document):
+    checks = (check_links, check_file_names, check_samples)
+    return [fault for check in checks for fault in check(document)]
+
+
+def first_words(section):
+    return [line.split()[0] for line in section.splitlines() if re.match(r"  \S", line)]
+
+
+def check_tables():
+    """What the guides list is what the programs say they take."""
+    client = shell(WINE + CLIENT + " --help").stdout.replace("\r\n", "\n")
+    exports = shell(WINE + CLIENT + " call --help").stdout
+    wifi = shell(WIFI_CAMERA + " --help").stdout
+    bridge = shell(WINE + BRIDGE_CAMERA.split()[0] + " --help").stdout
+    guide, simulator = ROOT / "docs/qvxctl.md", ROOT / "docs/simulator.md"
+    parts = dict(re.findall(r"(?m)^(\w+):\n((?:  .*\n)+)", client))
+    # What the program says, and the table behind these words of the guide.
+    tables = [
+        (first_words(parts["Commands"]), guide, "is called as"),
+        (re.findall(r"(?m)^  (?:\w+ )?(--\w+)", parts["Options"]), guide, "lists the exports and their"),
+        (re.findall(r"(?m)^  (--(?!help)\w+)", wifi), simulator, "the lines above are what it asks"),
+        (re.findall(r"(?m)^ {22}([a-z-]+)", wifi), simulator, "### Faults"),
+        (re.findall(r"(?m)^  (\w+)=", bridge), simulator, "Without a vendor id"),
+    ]
+    for said, document, words in tables:
+        listed = {re.match(r"-*\w[\w-]*", code).group() for code in markdown.table_codes(document, words)}
+        if listed != set(said):
+            yield f'{document.name}: "{words}": only one side has {sorted(listed ^ set(said))}'
+    declared = re.findall(r"(?m)^QVX64_API .*?(\w+)\(", (ROOT / "include/qvx64/api.h").read_text())
+    if first_words(exports) != declared:
+        yield "qvxctl call --help: other exports than the header"
+
+
+def main():
+    every = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md"))]
+    documents = [ROOT / name for name in sys.argv[1:]] or every
+    reference = shell("scripts/api-reference.py --check")
+    faults = [reference.stdout] if reference.returncode else []
+    with concurrent.futures.ThreadPoolExecutor(len(documents) + 1) as pool:
+        tables = pool.submit(lambda: list(check_tables()))
+        faults += sum(pool.map(check_document, documents), [])
+        faults += tables.result()
+    print(*faults, sep="\n", end="\n" if faults else "")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
