@@ -15,6 +15,7 @@ import sys
 import tempfile
 import threading
 
+sys.dont_write_bytecode = True  # the sources stay as they are
 import markdown
 
 ROOT = pathlib.Path(__file__).parents[2]

@@ -7,6 +7,7 @@ import pathlib
 import re
 import sys
 
+sys.dont_write_bytecode = True  # the sources stay as they are
 import markdown
 
 DOCUMENTS = pathlib.Path(__file__).parents[2] / "docs"
