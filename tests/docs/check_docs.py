@@ -34,6 +34,7 @@ PORT, REGISTRY = threading.Lock(), threading.Lock()
 # What is a whole run, and the stage of the test script that makes it.
 STAGES = {
     "scripts/demo.sh": "demo",
+    "scripts/fuzz.sh 600": "fuzz",
     "cmake --preset native && cmake --build --preset native": "native",
 }
 # What differs from run to run in what a program prints.
