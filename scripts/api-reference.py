@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Writes docs/api.md from the comments of include/qvx64/api.h: api-reference.py [--check]
 
-With --check, writes nothing and fails when the document is not what the header says. Either way every
-function must say all that a caller needs: each parameter, what it returns, what failure looks like,
-the thread and the worst case.
+With --check, writes nothing and fails when the document is not what the header says. Either way
+every function must say all that a caller needs: each parameter, what it returns, what failure looks
+like, the thread and the worst case.
 """
 
 import pathlib
@@ -16,7 +16,7 @@ DOCUMENT = ROOT / "docs/api.md"
 
 INTRODUCTION = """# API reference
 
-What `include/qvx64/api.h` declares, from its comments (`scripts/api-reference.py` writes this file).
+What `include/qvx64/api.h` declares, from its comments; `scripts/api-reference.py` writes this file.
 What looks odd on purpose is in the [compatibility notes](compatibility.md).
 """
 TERMS = r"(?:listing|\d+ ms|1 access|\d+ accesses)"
@@ -66,9 +66,9 @@ def split_labels(comment, wanted):
 def read_header(text):
     """The opening comment, and (title, functions) of each group."""
     opening = re.match(r"/\* (.*?)\*/", text, re.DOTALL).group(1)
+    heading, function = r"/\* ==== (.*?) ==== \*/", r"/\* ((?:(?!\*/).)*?)\*/\nQVX64_API ([^;]*;)"
     groups = []
-    for title, comment, declaration in re.findall(
-            r"/\* ==== (.*?) ==== \*/|/\* ((?:(?!\*/).)*?)\*/\nQVX64_API ([^;]*;)", text, re.DOTALL):
+    for title, comment, declaration in re.findall(f"{heading}|{function}", text, re.DOTALL):
         if title:
             groups.append((title, []))
         else:
@@ -77,9 +77,9 @@ def read_header(text):
 
 
 def marked(text):
-    """Numbers and names as code, so that they stand out and no underscore is taken for emphasis."""
-    return re.sub(r"(?<![\w`])((?:Get|Set)[A-Z]\w+|FOVx|Init|FireEvent|EnablePressKey)(?![\w`])(\(1\))?",
-                  r"`\1\2`", text)
+    """The names of functions as code."""
+    names = r"(?:Get|Set)[A-Z]\w+|FOVx|Init|FireEvent|EnablePressKey"
+    return re.sub(rf"(?<![\w`])({names})(?![\w`])(\(1\))?", r"`\1\2`", text)
 
 
 def paragraphs(lines):
@@ -116,7 +116,8 @@ def overview(groups):
 
 
 def section(function):
-    yield f"\n### {function.name}\n\n```c\n{function.declaration}\n```\n\n{paragraphs(function.text)}\n"
+    yield f"\n### {function.name}\n\n```c\n{function.declaration}\n```\n\n"
+    yield f"{paragraphs(function.text)}\n"
     for label, said in function.labels.items():
         name = f"`{label}`" if label in function.parameters else f"**{label}**"
         yield f"- {name}: {marked(said)}\n"

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Checks that the documents are true: check_docs.py [DOCUMENT...]
 
-Samples between code fences are run or compiled, what a transcript shows has to come out, the tables of
-options are those of the programs, and links lead somewhere. Needs build/native, build/simulator and
-build/windows.
+Samples between code fences are run or compiled, what a transcript shows has to come out, the
+tables of options are those of the programs, and links lead somewhere. Needs build/native,
+build/simulator and build/windows.
 """
 
 import concurrent.futures
@@ -44,7 +44,21 @@ VARYING = {
     r"^\d\d:\d\d:\d\d": r"\d\d:\d\d:\d\d",
     r"^ +\d+\.\d{3} s": r" +\d+\.\d{3} s",
 }
-UNBUFFERED = "#include <cstdio>\nstatic const int unbuffered = std::setvbuf(stdout, nullptr, _IONBF, 0);\n"
+
+# A program of a document, with the compiler's runtime inside and its output at once.
+PROJECT = """cmake_minimum_required(VERSION 3.23)
+project(sample CXX)
+set(CMAKE_CXX_STANDARD 20)
+add_executable({target} main.cpp)
+target_compile_options({target} PRIVATE -include ${{PROJECT_SOURCE_DIR}}/unbuffered.h)
+target_link_options({target} PRIVATE -static)
+{sample}"""
+UNBUFFERED = """#include <cstdio>
+static const int unbuffered = std::setvbuf(stdout, nullptr, _IONBF, 0);
+"""
+BUILD = """cmake -G Ninja -S {folder} -B {folder}/build \\
+  -DQVX64_DIR=$PWD/build/package/lib/cmake/QVX64 -DCMAKE_TOOLCHAIN_FILE=$PWD/cmake/mingw-w64.cmake &&
+cmake --build {folder}/build && cp build/package/bin/QVX64.dll {folder}/build"""
 
 
 class Camera:
@@ -63,9 +77,15 @@ class Camera:
         self.printed = self.ready + self.process.communicate(timeout=LIMIT_S)[0]
 
 
-def shell(command, **options):
-    return subprocess.run(["bash", "-c", command], cwd=ROOT, stdin=subprocess.DEVNULL, text=True,
-                          capture_output=True, timeout=LIMIT_S, **options)
+def shell(command):
+    """Through files: what Wine starts beside a program would keep a pipe open."""
+    with tempfile.TemporaryFile("w+") as printed, tempfile.TemporaryFile("w+") as said:
+        done = subprocess.run(["bash", "-c", command], cwd=ROOT, stdin=subprocess.DEVNULL,
+                              stdout=printed, stderr=said, timeout=LIMIT_S)
+        printed.seek(0)
+        said.seek(0)
+        done.stdout, done.stderr = printed.read().replace("\r\n", "\n"), said.read()
+        return done
 
 
 def wants_port(command):
@@ -116,7 +136,7 @@ def run(command):
         return run_camera(command)
     with Camera("--pid 0x998 --zoom 63") if wants_port(command) else contextlib.nullcontext():
         done = shell(as_run(command))
-    return done.returncode, done.stdout.replace("\r\n", "\n"), done.stderr
+    return done.returncode, done.stdout, done.stderr
 
 
 def pattern_of(shown):
@@ -151,7 +171,7 @@ def check_commands(sample):
 
 def check_transcript(sample):
     entries = [entry.split("\n", 1) for entry in re.split(r"(?m)^\$ ", sample.text)[1:]]
-    with resources_for(command for command, _ in entries):
+    with resources_for([command for command, _ in entries]):
         for command, shown in entries:
             yield from check_run(command, shown)
 
@@ -170,8 +190,9 @@ def is_program(sample):
 
 
 def check_cpp(sample):
-    """Programs are built with the CMake sample of their document; all others in tests/docs natively."""
-    if is_program(sample) and not any(s.language == "cmake" for s in markdown.samples(sample.document)):
+    """Programs are built with the CMake sample of their document; all others natively."""
+    languages = [other.language for other in markdown.samples(sample.document)]
+    if is_program(sample) and "cmake" not in languages:
         yield "no CMake sample builds this program"
 
 
@@ -183,14 +204,8 @@ def check_package(sample):
         project = pathlib.Path(folder)
         (project / "main.cpp").write_text(program.text)
         (project / "unbuffered.h").write_text(UNBUFFERED)
-        (project / "CMakeLists.txt").write_text(
-            f"cmake_minimum_required(VERSION 3.23)\nproject(sample CXX)\nset(CMAKE_CXX_STANDARD 20)\n"
-            f"add_executable({target} main.cpp)\n{sample.text}")
-        built = shell(
-            f"cmake -G Ninja -S {folder} -B {folder}/build -DQVX64_DIR=$PWD/build/package/lib/cmake/QVX64"
-            f" -DCMAKE_TOOLCHAIN_FILE=$PWD/cmake/mingw-w64.cmake"
-            f" -DCMAKE_CXX_FLAGS='-include {folder}/unbuffered.h -static' && cmake --build {folder}/build"
-            f" && cp build/package/bin/QVX64.dll {folder}/build")
+        (project / "CMakeLists.txt").write_text(PROJECT.format(target=target, sample=sample.text))
+        built = shell(BUILD.format(folder=folder))
         if built.returncode != 0:
             yield built.stdout + built.stderr
         else:
@@ -198,14 +213,19 @@ def check_package(sample):
 
 
 def watch_program(program):
-    with PORT, Camera("--pid 0x998 --zoom 63"):
+    """What the program prints until it tells a magnification; there must be no other camera."""
+    expected, printed = "x 62.99  field 6.21 mm\n", []
+    with PORT, REGISTRY, Camera("--pid 0x998 --zoom 63"):
         process = subprocess.Popen([WINE.strip(), str(program)], cwd=ROOT, stdin=subprocess.DEVNULL,
                                    stdout=subprocess.PIPE, text=True)
-        line = process.stdout.readline()
+        for line in process.stdout:
+            printed.append(line)
+            if line == expected or len(printed) == 20:
+                break
         process.kill()
         process.wait()
-    if not re.fullmatch(r"x 62\.99  field 6\.21 mm\n", line):
-        yield f'the program prints "{line}"'
+    if printed != [expected]:
+        yield f"the program prints {printed}"
 
 
 CHECKS = {
@@ -233,9 +253,9 @@ def check_links(document):
 
 def check_file_names(document):
     """Sources and scripts that the text names; what a build makes is not looked for."""
+    folders = "cmake|include|scripts|simulator|src|tests|tools"
     for code in markdown.inline_code(document):
-        for name in re.findall(r"(?<![\w/.-])(?:cmake|include|scripts|simulator|src|tests|tools)/[\w./-]*\w",
-                               code):
+        for name in re.findall(rf"(?<![\w/.-])(?:{folders})/[\w./-]*\w", code):
             if not (ROOT / name).exists():
                 yield f"{document.name}: no {name}"
 
@@ -251,7 +271,7 @@ def first_words(section):
 
 def check_tables():
     """What the guides list is what the programs say they take."""
-    client = shell(WINE + CLIENT + " --help").stdout.replace("\r\n", "\n")
+    client = shell(WINE + CLIENT + " --help").stdout
     exports = shell(WINE + CLIENT + " call --help").stdout
     wifi = shell(WIFI_CAMERA + " --help").stdout
     bridge = shell(WINE + BRIDGE_CAMERA.split()[0] + " --help").stdout
@@ -260,13 +280,14 @@ def check_tables():
     # What the program says, and the table behind these words of the guide.
     tables = [
         (first_words(parts["Commands"]), guide, "is called as"),
-        (re.findall(r"(?m)^  (?:\w+ )?(--\w+)", parts["Options"]), guide, "lists the exports and their"),
-        (re.findall(r"(?m)^  (--(?!help)\w+)", wifi), simulator, "the lines above are what it asks"),
+        (re.findall(r"(?m)^  (?:\w+ )?(--\w+)", parts["Options"]), guide, "lists the exports and"),
+        (re.findall(r"(?m)^  (--(?!help)\w+)", wifi), simulator, "the lines above are what it"),
         (re.findall(r"(?m)^ {22}([a-z-]+)", wifi), simulator, "### Faults"),
         (re.findall(r"(?m)^  (\w+)=", bridge), simulator, "Without a vendor id"),
     ]
     for said, document, words in tables:
-        listed = {re.match(r"-*\w[\w-]*", code).group() for code in markdown.table_codes(document, words)}
+        listed = {re.match(r"-*\w[\w-]*", code).group()
+                  for code in markdown.table_codes(document, words)}
         if listed != set(said):
             yield f'{document.name}: "{words}": only one side has {sorted(listed ^ set(said))}'
     declared = re.findall(r"(?m)^QVX64_API .*?(\w+)\(", (ROOT / "include/qvx64/api.h").read_text())

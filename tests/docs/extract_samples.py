@@ -1,4 +1,4 @@
-"""Makes one C++ program of the documents' samples that are no whole programs: extract_samples.py OUTPUT
+"""Makes one C++ program of the documents' samples that are none: extract_samples.py OUTPUT
 
 Each becomes a function; `expect` ends the program when its argument is false.
 """

@@ -56,5 +56,6 @@ def inline_code(document):
 
 def table_codes(document, heading):
     """The code that begins a row of the first table behind a line that holds the heading."""
-    rows = prose(document).split(heading, 1)[1].split("\n\n|", 1)[1].split("\n\n", 1)[0]
-    return [code for row in rows.splitlines() for code in re.findall(r"`([^`]+)`", row.split(" | ")[0])]
+    table = prose(document).split(heading, 1)[1].split("\n\n|", 1)[1].split("\n\n", 1)[0]
+    first_cells = [row.split(" | ")[0] for row in table.splitlines()]
+    return [code for cell in first_cells for code in re.findall(r"`([^`]+)`", cell)]
