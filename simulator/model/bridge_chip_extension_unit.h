@@ -41,6 +41,12 @@ class ExtensionUnit {
   bool set(const PropertySetId& set, std::uint32_t selector, std::span<const std::uint8_t> data);
   bool get(const PropertySetId& set, std::uint32_t selector, std::span<std::uint8_t> data);
 
+  // As after power-up.
+  void reset() {
+    accessMode_ = normalAccessMode;
+    replySize_ = 0;
+  }
+
   // Whether the last legacy transfer was followed by going back to the normal access mode.
   bool atRest() const { return accessMode_ == normalAccessMode; }
 

@@ -25,6 +25,9 @@ class HidFunction {
   // The interface's report descriptor: firmware without one-shot requests has two reports.
   std::span<const std::uint8_t> reportDescriptor() const;
 
+  // As after power-up.
+  void reset() { open_ = nullptr; }
+
   // One feature report, its id in byte 0; false when the camera refuses it.
   bool setFeature(std::span<const std::uint8_t> report);
   // The answer's first byte takes the place of the report id: so the firmware does it.

@@ -34,6 +34,7 @@ class Gpio {
 
   void pressButton();
   void releaseButton();
+  bool buttonIsTouched() const { return touched_; }
 
  private:
   std::uint8_t outputsOf(std::uint8_t port) const;

@@ -9,6 +9,8 @@ namespace {
 enum RequestType : std::uint8_t { toInterface = 0x21, fromDevice = 0x80, fromInterface = 0xA1 };
 enum Request : std::uint8_t { setCurrent = 0x01, getDescriptor = 0x06, getCurrent = 0x81 };
 enum Selector : std::uint16_t {
+  buttonAcknowledgeControl = 0x0200,
+  buttonSampleControl = 0x0201,
   writeOnBusControl = 0x0300,
   sensorReadControl = 0x0301,
   lensDriverControl = 0x0302,
@@ -18,6 +20,7 @@ enum Selector : std::uint16_t {
 
 constexpr std::uint16_t vendorEntity = 0x0300;
 constexpr std::uint16_t deviceDescriptor = 0x0100;
+constexpr std::uint8_t buttonCode = 0x13;
 
 }  // namespace
 
@@ -49,6 +52,8 @@ bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> dat
   if (selector == sensorReadControl) return chooseSensorRegister(data);
   if (selector == lensDriverControl) return writeToLens(data);
   if (selector == lensPositionControl) return moveLens(data);
+  if (selector == buttonSampleControl) return armButton(data);
+  if (selector == buttonAcknowledgeControl) return !data.empty() && data[0] == buttonCode;
   if (selector != controllerReadControl || data.size() != 2 || data[0] != controllerAddress) {
     return false;
   }
@@ -58,6 +63,7 @@ bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> dat
 
 bool Usb3Function::get(std::uint16_t selector, std::span<std::uint8_t> data) {
   if (selector == sensorReadControl) return readSensor(data);
+  if (selector == buttonSampleControl) return sampleButton(data);
   if (selector != controllerReadControl || data.size() != 1 || !controllerRegister_) return false;
   const std::uint8_t reg = *controllerRegister_;
   controllerRegister_.reset();
@@ -99,6 +105,19 @@ bool Usb3Function::moveLens(std::span<const std::uint8_t> data) {
   if (data.size() != 2 || data[0] != lensControllerAddress) return false;
   I2cDevice* const device = camera_.deviceAt(data[0]);
   return device != nullptr && device->write({}, data.last(1));
+}
+
+bool Usb3Function::armButton(std::span<const std::uint8_t> data) {
+  buttonArmed_ = data.size() == 1 && data[0] == buttonCode;
+  return buttonArmed_;
+}
+
+// 1 while it is touched.
+bool Usb3Function::sampleButton(std::span<std::uint8_t> data) {
+  if (data.size() != 1 || !buttonArmed_) return false;
+  buttonArmed_ = false;
+  data[0] = camera_.gpio().buttonIsTouched() ? 1 : 0;
+  return true;
 }
 
 std::optional<std::size_t> Usb3Function::describe(std::span<std::uint8_t> buffer) const {

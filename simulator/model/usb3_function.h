@@ -34,11 +34,14 @@ class Usb3Function {
   bool moveLens(std::span<const std::uint8_t> data);
   bool chooseSensorRegister(std::span<const std::uint8_t> data);
   bool readSensor(std::span<std::uint8_t> data);
+  bool armButton(std::span<const std::uint8_t> data);
+  bool sampleButton(std::span<std::uint8_t> data);
 
   Camera& camera_;
   // Asked for, and not yet fetched.
   std::optional<std::uint8_t> controllerRegister_;
   std::optional<std::array<std::uint8_t, 2>> sensorRegister_;
+  bool buttonArmed_ = false;
 };
 
 }  // namespace qvx::simulator

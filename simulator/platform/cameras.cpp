@@ -31,7 +31,7 @@ class ExtensionUnitFront final : public PropertyNode {
   bool supports(const PropertySetId& set) override { return bridge_.extensionUnit.supports(set); }
   bool set(const PropertySetId& set, std::uint32_t selector,
            std::span<const std::uint8_t> bytes) override {
-    bridge_.advanceTo(world().clock.now_ms());
+    bridge_.follow();
     return bridge_.extensionUnit.set(set, selector, bytes);
   }
   bool get(const PropertySetId& set, std::uint32_t selector,
@@ -48,7 +48,7 @@ class HidFront final : public FeatureDevice {
   explicit HidFront(VirtualBridge& bridge) : bridge_(bridge) {}
 
   bool set(std::span<const std::uint8_t> report) override {
-    bridge_.advanceTo(world().clock.now_ms());
+    bridge_.follow();
     return bridge_.hid.setFeature(report);
   }
   bool get(std::span<std::uint8_t> report) override { return bridge_.hid.getFeature(report); }
@@ -83,6 +83,14 @@ std::shared_ptr<ControlEndpoint> usb3Front(Camera& camera) {
 VirtualBridge::VirtualBridge(std::uint16_t productId, const BridgeSetup& setup,
                              ExtensionUnit::Variant variant)
     : BridgeDevice(productId, setup), extensionUnit(chip, variant), hid(chip) {}
+
+void VirtualBridge::follow() {
+  advanceTo(world().clock.now_ms());
+  if (connection_ == world().connection()) return;
+  connection_ = world().connection();
+  extensionUnit.reset();
+  hid.reset();
+}
 
 std::shared_ptr<PropertyNode> extensionUnitFront(VirtualBridge& camera) {
   return std::make_shared<ExtensionUnitFront>(camera);

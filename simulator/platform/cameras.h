@@ -26,9 +26,15 @@ class VirtualBridge : public BridgeDevice {
   explicit VirtualBridge(std::uint16_t productId, const BridgeSetup& setup = {},
                          ExtensionUnit::Variant variant = ExtensionUnit::Variant::usual);
 
+  // At every transfer: follows the machine's clock, and starts anew after it was plugged in again.
+  void follow();
+
   ExtensionUnit extensionUnit;
   HidFunction hid;
   PictureControls picture;
+
+ private:
+  unsigned connection_ = world().connection();
 };
 
 std::shared_ptr<PropertyNode> extensionUnitFront(VirtualBridge& camera);

@@ -62,6 +62,11 @@ void Clock::waitForOthers() {
   waitFor(forever, [this] { return threads_ == 1; });
 }
 
+bool Clock::isAlone() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return threads_ == 1;
+}
+
 void Clock::block(std::unique_lock<std::mutex>& lock, Waiter& waiter) {
   waiters_.push_back(&waiter);
   --running_;

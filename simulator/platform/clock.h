@@ -32,6 +32,7 @@ class Clock {
 
   // Waits until the calling thread is the only one left.
   void waitForOthers();
+  bool isAlone() const;
 
  private:
   struct Waiter {

@@ -27,7 +27,7 @@ FileHandle createFile(const std::wstring& path) {
   if (!exists || !world().grants()) return nullptr;
   world().files[path].clear();
   ++world().open.files;
-  return new FileObject{world().files[path]};
+  return world().keep(FileObject{world().files[path]});
 }
 
 bool writeFile(FileHandle file, const void* data, std::uint32_t size) {
@@ -41,7 +41,7 @@ bool writeFile(FileHandle file, const void* data, std::uint32_t size) {
 
 void closeFile(FileHandle file) {
   --world().open.files;
-  delete file;
+  world().drop(file);
 }
 
 }  // namespace qvx::platform

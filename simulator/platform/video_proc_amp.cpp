@@ -11,13 +11,14 @@ namespace qvx::platform {
 struct InputList {};
 struct CaptureFilter {
   simulator::VideoInput input;
+  unsigned connection;  // of the cameras, when it was opened
 };
 struct FilterGraph {};
 struct CaptureBuilder {};
 struct StreamConfig {};
 struct VideoProcAmp {
   simulator::PictureControls& controls;
-  unsigned connection;  // of the cameras, when it was opened
+  unsigned connection;  // its filter's
 };
 
 namespace {
@@ -68,7 +69,7 @@ CaptureFilter* openFilter(InputList& /*list*/,
   for (const auto& input : world().videoInputs) {
     if (!isWanted(input.path)) continue;
     if (!step("open filter") || !world().pluggedIn() || !input.opens) return nullptr;
-    return opened(world().open.captureFilters, CaptureFilter{input});
+    return opened(world().open.captureFilters, CaptureFilter{input, world().connection()});
   }
   return nullptr;
 }
@@ -98,7 +99,7 @@ void countCapabilities(StreamConfig& /*config*/) {
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   simulator::PictureControls* const controls = filter.input.picture;
   if (!step("query amplifier") || controls == nullptr) return nullptr;
-  return opened(world().open.videoProcAmps, VideoProcAmp{*controls, world().connection()});
+  return opened(world().open.videoProcAmps, VideoProcAmp{*controls, filter.connection});
 }
 
 void setProperty(VideoProcAmp& amplifier, std::int32_t property, std::int32_t value) {

@@ -69,7 +69,7 @@ std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
     if (!machine.threadsStart) return std::nullopt;
     ++machine.threadsStarted;
   }
-  if (machine.workersInline) return runInline(task, limit_ms);
+  if (machine.runsInline()) return runInline(task, limit_ms);
   auto result = std::make_shared<std::optional<std::uint32_t>>();
   machine.clock.startThread([&machine, result, task = std::move(task)]() mutable {
     const std::uint32_t value = task();

@@ -60,6 +60,15 @@ Fault World::countedFault(Operation kind) {
   return inRange && (fault_.percent >= 100 || dice_() % 100 < fault_.percent) ? fault_ : Fault{};
 }
 
+bool World::runsInline() const {
+  constexpr std::uint64_t mostOperationsOfWorker = 16;
+  const std::lock_guard<std::mutex> lock(guard);
+  const bool stallIsNear =
+      fault_.kind == Fault::stalls && faultCounted_ + mostOperationsOfWorker >= fault_.first &&
+      faultCounted_ < fault_.first + std::min(fault_.count, Clock::forever - fault_.first);
+  return workersInline && !stallIsNear && clock.isAlone();
+}
+
 bool World::proceeds(Operation kind) {
   const Fault fault = countedFault(kind);
   if (fault.kind == Fault::stalls) {

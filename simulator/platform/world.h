@@ -163,7 +163,7 @@ class World {
 
   // For long runs. No journal; of the objects that the library leaves open only so many of each
   // kind are kept, the others merely counted; workers run on their caller's thread, which is the
-  // same as long as nothing stalls.
+  // same as long as nothing stalls: where a stall is near they get threads all the same.
   bool keepsJournal = true;
   std::size_t objectsKept = std::numeric_limits<std::size_t>::max();
   bool workersInline = false;
@@ -186,6 +186,7 @@ class World {
     return proceeds(Operation::access);
   }
   bool grants() { return proceeds(Operation::systemCall); }
+  bool runsInline() const;
 
   // Objects that the library has opened, kept reachable as the system keeps them.
   template <class Object>

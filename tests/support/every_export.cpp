@@ -52,11 +52,15 @@ std::string pictureRange(const Arguments& given) {
 std::string videoCaps(const Arguments&) {
   qvx_long count = 0;
   std::array<short, 5> widths{}, heights{};
+  widths.fill(leftAlone);
+  heights.fill(leftAlone);
   const bool known = GetWiFiVideoCaps(&count, widths.data(), heights.data());
   std::string all = texts(known ? 1 : 0, count);
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
     all += ' ' + text(static_cast<long long>(widths.at(i))) + 'x' +
            text(static_cast<long long>(heights.at(i)));
+  for (auto i = static_cast<std::size_t>(count); i < widths.size(); ++i)
+    if (widths.at(i) != leftAlone || heights.at(i) != leftAlone) all += " and more";
   return all;
 }
 

@@ -1,0 +1,180 @@
+#include "tests/torture/rig.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <vector>
+
+#include "tests/support/reset_library.h"
+
+namespace qvx::tests {
+
+namespace {
+
+using simulator::BridgeFamily;
+using simulator::BridgeFirmware;
+
+constexpr Path paths[] = {
+    {Path::wifi, 0x998}, {Path::wifi, 0x9C4},
+    {Path::usb3, 0x9B0}, {Path::unit, 0x998},
+    {Path::unit, 0x9E2}, {Path::unit, 0x9D0, {BridgeFamily::generation0, BridgeFirmware::narrow}},
+    {Path::hid, 0x9E2},  {Path::hid, 0x998, {BridgeFamily::generation2, BridgeFirmware::wide}},
+};
+
+// Standard output goes nowhere for as long as it lives.
+class Silence {
+ public:
+  Silence() {
+    std::fflush(stdout);
+    static const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+  }
+  ~Silence() {
+    std::fflush(stdout);
+    dup2(original(), STDOUT_FILENO);
+  }
+  Silence(const Silence&) = delete;
+  Silence& operator=(const Silence&) = delete;
+
+  static int original() {
+    static const int copy = dup(STDOUT_FILENO);
+    return copy;
+  }
+};
+
+// What differs from the rest: { index unless it is the device's, value, second }.
+const std::map<std::string, Arguments> argumentsByName = {
+    {"EnablePressKey", {.index = 1}},
+    {"SetLensPos", {.value = 20}},
+    {"SetLensFinePos", {.value = 100}},
+    {"SetExposureValue", {.value = 600}},
+    {"SetAETarget", {.value = 100}},
+    {"SetAutoExposure", {.value = 1}},
+    {"SetFlicker", {.value = 1}},
+    {"SetVideoProcAmp", {.index = 1, .value = 40}},
+    {"GetVideoProcAmp", {.index = 1}},
+    {"GetVideoProcAmpValueRange", {.index = 1}},
+    {"SetLEDState", {.value = 1}},
+    {"SetSEGSwitch", {.value = 5}},
+    {"SetSEGLevel", {.value = 3}},
+    {"SetESEG", {.value = 2, .second = 12}},
+    {"SetAXILevel", {.value = 4}},
+    {"SetAimpointLevel", {.value = 3}},
+    {"SetWiFiVideoRes", {.value = 640, .second = 480}},
+};
+
+bool takesDevice(const std::string& name) {
+  return name.find("VideoProcAmp") == std::string::npos && name != "EnablePressKey";
+}
+
+constexpr std::uint64_t tick_ms = 250;
+
+std::string tick(const Arguments& /*arguments*/) {
+  simulator::world().pumpMessages(tick_ms);
+  return "";
+}
+
+}  // namespace
+
+std::string Path::name() const {
+  constexpr const char* kinds[] = {"Wifi", "Usb3", "Unit", "Hid"};
+  char text[16];
+  std::snprintf(text, sizeof text, "%s%03X", kinds[kind], unsigned{pid});
+  return text;
+}
+
+std::span<const Path> everyPath() {
+  return paths;
+}
+
+std::span<const ExportedCall> everyCall() {
+  static const auto calls = [] {
+    std::vector<ExportedCall> all(everyExport().begin(), everyExport().end());
+    all.push_back({"Tick", tick});
+    return all;
+  }();
+  return calls;
+}
+
+Rig::Rig(const Path& path) : path_(path) {
+  Silence::original();
+  resetLibrary();
+  simulator::resetWorld();
+  plug();
+  machine().keepsJournal = false;
+  machine().workersInline = true;
+}
+
+Rig::~Rig() {
+  resetLibrary();
+  simulator::resetWorld();
+}
+
+void Rig::plug() {
+  if (path_.overBridge()) {
+    wired_ = std::make_unique<simulator::VirtualBridge>(path_.pid, path_.bridge);
+    simulator::VideoInput input = bridgeInput(*wired_);
+    if (path_.kind == Path::hid) {
+      input.nodes.clear();
+      machine().hidInterfaces->push_back(bridgeHidInterface(*wired_));
+    }
+    machine().videoInputs = {input};
+    return;
+  }
+  plain_ = std::make_unique<simulator::Camera>(path_.pid);
+  if (path_.kind == Path::wifi) {
+    machine().wifi = wifiFront(*plain_);
+    return;
+  }
+  machine().usbDevices = {{.vendorId = 0x3C7E,
+                           .productId = path_.pid,
+                           .instance = "1",
+                           .description = "Microscope",
+                           .maker = "Maker",
+                           .pipes = {{0x81, 2, 0, 1024}},
+                           .endpoint = usb3Front(*plain_)}};
+  machine().videoInputs = {{.path = simulator::videoInputPath(path_.pid, "1"),
+                            .name = L"Microscope 1",
+                            .nodes = {},
+                            .picture = &plain_->picture()}};
+}
+
+void Rig::choose() {
+  // A USB 3 camera alone is found by an automatic choice only.
+  SetVideoDeviceIndex(path_.kind == Path::usb3 ? -1 : path_.index());
+}
+
+std::string Rig::init() {
+  choose();
+  std::string result = call(exportNamed("Init"));
+  EnablePressKey(1);
+  if (machine().timers.size() < 2) SetEventCallback([] {});
+  return result;
+}
+
+std::string Rig::call(const ExportedCall& exported) {
+  const auto found = argumentsByName.find(exported.name);
+  Arguments arguments = found == argumentsByName.end() ? Arguments{} : found->second;
+  if (takesDevice(exported.name)) arguments.index = path_.index();
+  arguments.magnification = 50;
+  arguments.file = "still.jpg";
+  const Silence silence;
+  return exported.call(arguments);
+}
+
+void Rig::setZoom(const simulator::ZoomMotion& motion) {
+  camera().setZoom(motion);
+}
+
+void Rig::pressButton(bool pressed) {
+  if (wired_) {
+    pressed ? wired_->chip.pressButton() : wired_->chip.releaseButton();
+  } else {
+    pressed ? camera().gpio().pressButton() : camera().gpio().releaseButton();
+  }
+}
+
+}  // namespace qvx::tests

@@ -1,0 +1,58 @@
+// One camera on one path to it, ready for calls: what every torture starts from.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+
+#include "simulator/platform/cameras.h"
+#include "tests/support/every_export.h"
+
+namespace qvx::tests {
+
+struct Path {
+  enum Kind { wifi, usb3, unit, hid } kind;
+  std::uint16_t pid;
+  simulator::BridgeSetup bridge{};
+
+  bool overBridge() const { return kind == unit || kind == hid; }
+  int index() const { return kind == wifi ? 90 : 0; }  // of the device, in calls
+  std::string name() const;
+};
+
+std::span<const Path> everyPath();
+
+// A new machine with the library as just loaded and a camera plugged in. What the library prints is
+// swallowed.
+class Rig {
+ public:
+  explicit Rig(const Path& path);
+  ~Rig();
+  Rig(const Rig&) = delete;
+  Rig& operator=(const Rig&) = delete;
+
+  simulator::World& machine() { return simulator::world(); }
+
+  // Chooses the camera, calls Init, and has the button polled.
+  void choose();
+  std::string init();
+
+  // One call, with the arguments that make it do most here.
+  std::string call(const ExportedCall& exported);
+
+  void setZoom(const simulator::ZoomMotion& motion);
+  void pressButton(bool pressed);
+
+ private:
+  void plug();
+  simulator::Camera& camera() { return wired_ ? wired_->camera : *plain_; }
+
+  const Path& path_;
+  std::unique_ptr<simulator::Camera> plain_;         // Wi-Fi and USB 3
+  std::unique_ptr<simulator::VirtualBridge> wired_;  // behind a bridge
+};
+
+// The exports, and a tick of the timers.
+std::span<const ExportedCall> everyCall();
+
+}  // namespace qvx::tests
