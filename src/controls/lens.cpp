@@ -187,18 +187,13 @@ void sendZeroOverBridge(int deviceIndex, std::uint32_t zero) {
   sendPositionOverBridge(deviceIndex, static_cast<std::int32_t>(zero));
 }
 
-// The factory's fine adjustment: the forward one counts first.
-std::optional<CoilMove> fineOffset(std::uint32_t ahead, std::uint32_t back) {
-  if (ahead != notCalibrated) return CoilMove{forward, static_cast<std::int32_t>(2 * ahead)};
-  if (back != notCalibrated) return CoilMove{backward, static_cast<std::int32_t>(2 * back)};
-  return std::nullopt;
-}
-
-// Both registers are read, whatever the first says.
+// The factory's fine adjustment. Both registers are read; the forward one counts first.
 std::optional<CoilMove> readFineOffset(int deviceIndex) {
   const std::uint32_t ahead = read(deviceIndex, fineOffsetForward);
   const std::uint32_t back = read(deviceIndex, fineOffsetBackward);
-  return fineOffset(ahead, back);
+  if (ahead != notCalibrated) return CoilMove{forward, static_cast<std::int32_t>(2 * ahead)};
+  if (back != notCalibrated) return CoilMove{backward, static_cast<std::int32_t>(2 * back)};
+  return std::nullopt;
 }
 
 std::int32_t signedSteps(const CoilMove& move) {
@@ -346,9 +341,7 @@ LensRange fineLensLimits(int deviceIndex) {
   read(deviceIndex, wideRange);
   const int device = selectCameraOfLimits(deviceIndex);
   restoreZero(device, driver);
-  // Here the backward register comes first.
-  const std::uint32_t back = read(device, fineOffsetBackward);
-  const std::optional<CoilMove> offset = fineOffset(read(device, fineOffsetForward), back);
+  const std::optional<CoilMove> offset = readFineOffset(device);
   if (!hasFineRange(driver)) return noFineLens;
   return offset ? shifted(fineLens, signedSteps(*offset)) : fineLens;
 }

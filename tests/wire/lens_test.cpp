@@ -109,7 +109,7 @@ TEST_F(Lens, BehindABridge) {
       {0x9E0, none, none, limits, 0, "r62.CA r62.C2 r62.50"},
       {0x990, none, none, limits, 0, "r62.CA r62.C2 r62.50 w46=76"},
       {0x970, none, none, limits, 0, "r62.CA r62.C2"},
-      {0x9E0, none, none, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5E r62.5F"},
+      {0x9E0, none, none, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5F r62.5E"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << std::hex << row.pid << ": " << row.traffic);
@@ -161,7 +161,7 @@ TEST_F(Lens, OverUsb3) {
       {0xCA, 2, fine, -25, fineMoving + coil("02", "00 11")},
       {0xCA, 1, fine, -25, fineMoving + position("00")},
       {0xCA, 2, limits, 0, usb3Reads({"CA", "C2", "50"})},
-      {0xCA, 2, fineLimits, 0, usb3Reads({"CA", "C2", "50", "5E", "5F"})},
+      {0xCA, 2, fineLimits, 0, usb3Reads({"CA", "C2", "50", "5F", "5E"})},
   };
   for (const auto& row : rows) {
     simulator::Camera camera(0x9B0);
