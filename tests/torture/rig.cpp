@@ -99,7 +99,7 @@ std::span<const ExportedCall> everyCall() {
   return calls;
 }
 
-Rig::Rig(const Path& path) : path_(path) {
+Rig::Rig(const Path& path) : path_(&path) {
   Silence::original();
   resetLibrary();
   simulator::resetWorld();
@@ -113,30 +113,43 @@ Rig::~Rig() {
   simulator::resetWorld();
 }
 
+void Rig::change(const Path& path) {
+  path_ = &path;
+  machine().unplug();
+  machine().wifi = nullptr;
+  machine().usbDevices.clear();
+  machine().videoInputs.clear();
+  machine().hidInterfaces->clear();
+  wired_.reset();
+  plain_.reset();
+  plug();
+  machine().plugIn();
+}
+
 void Rig::plug() {
-  if (path_.overBridge()) {
-    wired_ = std::make_unique<simulator::VirtualBridge>(path_.pid, path_.bridge);
+  if (path_->overBridge()) {
+    wired_ = std::make_unique<simulator::VirtualBridge>(path_->pid, path_->bridge);
     simulator::VideoInput input = bridgeInput(*wired_);
-    if (path_.kind == Path::hid) {
+    if (path_->kind == Path::hid) {
       input.nodes.clear();
       machine().hidInterfaces->push_back(bridgeHidInterface(*wired_));
     }
     machine().videoInputs = {input};
     return;
   }
-  plain_ = std::make_unique<simulator::Camera>(path_.pid);
-  if (path_.kind == Path::wifi) {
+  plain_ = std::make_unique<simulator::Camera>(path_->pid);
+  if (path_->kind == Path::wifi) {
     machine().wifi = wifiFront(*plain_);
     return;
   }
   machine().usbDevices = {{.vendorId = 0x3C7E,
-                           .productId = path_.pid,
+                           .productId = path_->pid,
                            .instance = "1",
                            .description = "Microscope",
                            .maker = "Maker",
                            .pipes = {{0x81, 2, 0, 1024}},
                            .endpoint = usb3Front(*plain_)}};
-  machine().videoInputs = {{.path = simulator::videoInputPath(path_.pid, "1"),
+  machine().videoInputs = {{.path = simulator::videoInputPath(path_->pid, "1"),
                             .name = L"Microscope 1",
                             .nodes = {},
                             .picture = &plain_->picture()}};
@@ -144,21 +157,21 @@ void Rig::plug() {
 
 void Rig::choose() {
   // A USB 3 camera alone is found by an automatic choice only.
-  SetVideoDeviceIndex(path_.kind == Path::usb3 ? -1 : path_.index());
+  SetVideoDeviceIndex(path_->kind == Path::usb3 ? -1 : path_->index());
 }
 
 std::string Rig::init() {
   choose();
   std::string result = call(exportNamed("Init"));
   EnablePressKey(1);
-  if (machine().timers.size() < 2) SetEventCallback([] {});
+  if (machine().timers.size() < 2) SetEventCallback([] { ++pressesTold; });
   return result;
 }
 
 std::string Rig::call(const ExportedCall& exported) {
   const auto found = argumentsByName.find(exported.name);
   Arguments arguments = found == argumentsByName.end() ? Arguments{} : found->second;
-  if (takesDevice(exported.name)) arguments.index = path_.index();
+  if (takesDevice(exported.name)) arguments.index = path_->index();
   arguments.magnification = 50;
   arguments.file = "still.jpg";
   const Silence silence;

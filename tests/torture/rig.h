@@ -37,17 +37,21 @@ class Rig {
   void choose();
   std::string init();
 
+  // Takes the camera away and plugs in another one, elsewhere.
+  void change(const Path& path);
+
   // One call, with the arguments that make it do most here.
   std::string call(const ExportedCall& exported);
 
   void setZoom(const simulator::ZoomMotion& motion);
   void pressButton(bool pressed);
+  static inline int pressesTold = 0;  // to the application, by all rigs
 
  private:
   void plug();
   simulator::Camera& camera() { return wired_ ? wired_->camera : *plain_; }
 
-  const Path& path_;
+  const Path* path_;
   std::unique_ptr<simulator::Camera> plain_;         // Wi-Fi and USB 3
   std::unique_ptr<simulator::VirtualBridge> wired_;  // behind a bridge
 };
