@@ -6,11 +6,11 @@ set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
 # GoogleTest is source that the Windows preset configures; llvm-14 brings llvm-dlltool, dpkg-dev
-# what unpacks a source package.
+# what unpacks a source package. libclang-rt-14-dev has libFuzzer.
 build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-dev pkgconf
   googletest libjsoncpp-dev libjpeg-dev dpkg-dev)
 demo=(wine64)
-test=(clang-format-14 clang-tidy-14 git python3 shellcheck)
+test=(clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev python3 shellcheck)
 
 fail() {
   echo "setup: $1" >&2

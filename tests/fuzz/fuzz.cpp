@@ -26,7 +26,7 @@ namespace {
 
 using simulator::world;
 
-constexpr int mostCalls = 48;
+constexpr int mostCalls = 40;
 
 void checkOpenCounts() {
   using Counts = std::array<int, sizeof(simulator::OpenCounts) / sizeof(int)>;
@@ -73,7 +73,7 @@ class Story {
 
   // With workers in threads of their own, which costs as much as hundreds of other calls.
   void callWithThreads() {
-    world().workersInline = !input_.oneIn(8);
+    world().workersInline = !input_.oneIn(32);
     callExport();
     world().clock.waitForOthers();
     world().workersInline = true;

@@ -32,7 +32,13 @@ class Input {
     return choices[number<std::size_t>(0, count - 1)];
   }
 
-  // For answers; workers ask, too.
+  // For answers; workers ask, too. What registers hold is mostly small, and 255 often has a
+  // meaning.
+  std::uint8_t registerValue() {
+    const std::uint8_t choice = byte();
+    if (choice >= 0xF0) return 0xFF;
+    return choice < 0x80 ? choice % 16 : byte();
+  }
   std::uint8_t byte() {
     std::uint8_t byte = 0;
     fill({&byte, 1});

@@ -19,9 +19,9 @@ constexpr std::size_t readCapacity = 8192;
 // A few bytes say enough: the last of them fills the reply. One pattern stands for memory that is
 // exhausted on the way.
 void answer(Input& input, std::span<std::uint8_t> reply) {
+  constexpr std::array<std::uint8_t, 4> exhausted = {0xFF, 0, 0xFF, 0};
   std::array<std::uint8_t, 4> head{};
-  input.fill(head);
-  constexpr std::array<std::uint8_t, 4> exhausted = {0xFE, 0xFE, 0xFE, 0xFE};
+  for (std::uint8_t& byte : head) byte = input.registerValue();
   if (head == exhausted) throw std::bad_alloc();
   std::fill(reply.begin(), reply.end(), head.back());
   std::copy_n(head.begin(), std::min(head.size(), reply.size()), reply.begin());
@@ -239,7 +239,7 @@ std::string Machine::bodyFor(const std::string& url) {
   if (url.ends_with("usbdevlist.json")) return deviceList();
   if (url.ends_with("input_0_control.json")) return controlDocument();
   if (url.ends_with("snapshot")) return rawText();
-  return "res:" + std::to_string(input_.byte());
+  return "res:" + std::to_string(input_.registerValue());
 }
 
 HttpAnswer Machine::answerTo(const std::string& url) {
