@@ -32,7 +32,7 @@ stage_demo() { scripts/demo.sh; }
 
 # The documents' samples, tables and links.
 stage_docs() {
-  build_preset native && build_preset simulator && build_preset windows && python3 tests/docs/check_docs.py
+  build_preset native && build_preset simulator && build_preset windows && python3 scripts/docs/check.py
 }
 
 # Never run: it would look for a camera's access point.

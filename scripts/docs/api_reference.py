@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes docs/api.md from the comments of include/qvx64/api.h: api-reference.py [--check]
+"""Writes docs/api.md from the comments of include/qvx64/api.h: api_reference.py [--check]
 
 With --check, writes nothing and fails when the document is not what the header says. Either way
 every function must say all that a caller needs: each parameter, what it returns, what failure looks
@@ -10,13 +10,13 @@ import pathlib
 import re
 import sys
 
-ROOT = pathlib.Path(__file__).parents[1]
+ROOT = pathlib.Path(__file__).parents[2]
 HEADER = ROOT / "include/qvx64/api.h"
 DOCUMENT = ROOT / "docs/api.md"
 
 INTRODUCTION = """# API reference
 
-What `include/qvx64/api.h` declares, from its comments; `scripts/api-reference.py` writes this file.
+What `include/qvx64/api.h` declares, from its comments; `scripts/docs/api_reference.py` writes this file.
 What looks odd on purpose is in the [compatibility notes](compatibility.md).
 """
 TERMS = r"(?:listing|\d+ ms|1 access|\d+ accesses)"
@@ -139,7 +139,7 @@ def main():
     if not faults and sys.argv[1:] != ["--check"]:
         DOCUMENT.write_text(text)
     elif not faults and (not DOCUMENT.exists() or DOCUMENT.read_text() != text):
-        faults.append("docs/api.md is not what api.h says: run scripts/api-reference.py")
+        faults.append("docs/api.md is not what api.h says: run scripts/docs/api_reference.py")
     print(*faults, sep="\n", end="\n" if faults else "")
     return 1 if faults else 0
 

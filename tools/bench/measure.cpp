@@ -1,4 +1,4 @@
-#include "tests/bench/measure.h"
+#include "tools/bench/measure.h"
 
 #include <io.h>
 #include <windows.h>

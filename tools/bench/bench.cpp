@@ -22,8 +22,8 @@
 #include "simulator/capture_filter/camera_registry.h"
 #include "simulator/hid_bridge/virtual_hid_devices.h"
 #include "state/device_state.h"
-#include "tests/bench/bare_calls.h"
-#include "tests/bench/measure.h"
+#include "tools/bench/bare_calls.h"
+#include "tools/bench/measure.h"
 #include "transport/controller.h"
 #include "transport/wifi.h"
 

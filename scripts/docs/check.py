@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that the documents are true: check_docs.py [DOCUMENT...]
+"""Checks that the documents are true: check.py [DOCUMENT...]
 
 Samples between code fences are run or compiled, what a transcript shows has to come out, the
 tables of options are those of the programs, and links lead somewhere. Needs build/native,
@@ -298,7 +298,7 @@ def check_tables():
 def main():
     every = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md"))]
     documents = [ROOT / name for name in sys.argv[1:]] or every
-    reference = shell("scripts/api-reference.py --check")
+    reference = shell("scripts/docs/api_reference.py --check")
     faults = [reference.stdout] if reference.returncode else []
     with concurrent.futures.ThreadPoolExecutor(len(documents) + 1) as pool:
         tables = pool.submit(lambda: list(check_tables()))

@@ -1,4 +1,4 @@
-#include "tests/bench/bare_calls.h"
+#include "tools/bench/bare_calls.h"
 
 #include <windows.h>
 // The process's own headers follow windows.h.
