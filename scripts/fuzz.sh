@@ -43,7 +43,7 @@ fuzz() {
   local i processes=() status=0
   for ((i = 0; i < jobs; i++)); do
     LLVM_PROFILE_FILE=$run/fuzz-$i.raw "$fuzzer" -max_total_time="$seconds" -timeout=10 \
-      -max_len=600 -len_control=20 -detect_leaks=0 -print_final_stats=1 \
+      -max_len=400 -len_control=20 -detect_leaks=0 -print_final_stats=1 \
       -artifact_prefix="$run/" "$run/corpus" >"$run/fuzz-$i.log" 2>&1 &
     processes+=($!)
   done

@@ -26,7 +26,7 @@ namespace {
 
 using simulator::world;
 
-constexpr int mostCalls = 40;
+constexpr int mostCalls = 24;
 
 void checkOpenCounts() {
   using Counts = std::array<int, sizeof(simulator::OpenCounts) / sizeof(int)>;

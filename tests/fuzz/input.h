@@ -32,11 +32,12 @@ class Input {
     return choices[number<std::size_t>(0, count - 1)];
   }
 
-  // For answers; workers ask, too. What registers hold is mostly small, and 255 often has a
-  // meaning.
-  std::uint8_t registerValue() {
+  // For answers; workers ask, too. What registers hold is mostly small, 255 often has a meaning,
+  // and firmware likes to echo what it was sent.
+  std::uint8_t registerValue(std::uint8_t sent = 0) {
     const std::uint8_t choice = byte();
     if (choice >= 0xF0) return 0xFF;
+    if (choice >= 0xE0) return sent;
     return choice < 0x80 ? choice % 16 : byte();
   }
   std::uint8_t byte() {

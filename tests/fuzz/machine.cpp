@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdio>
 #include <cwchar>
 #include <new>
@@ -18,10 +19,10 @@ constexpr std::size_t readCapacity = 8192;
 
 // A few bytes say enough: the last of them fills the reply. One pattern stands for memory that is
 // exhausted on the way.
-void answer(Input& input, std::span<std::uint8_t> reply) {
+void answer(Input& input, std::span<std::uint8_t> reply, std::uint8_t sent = 0) {
   constexpr std::array<std::uint8_t, 4> exhausted = {0xFF, 0, 0xFF, 0};
   std::array<std::uint8_t, 4> head{};
-  for (std::uint8_t& byte : head) byte = input.registerValue();
+  for (std::uint8_t& byte : head) byte = input.registerValue(sent);
   if (head == exhausted) throw std::bad_alloc();
   std::fill(reply.begin(), reply.end(), head.back());
   std::copy_n(head.begin(), std::min(head.size(), reply.size()), reply.begin());
@@ -39,31 +40,38 @@ class Node final : public simulator::PropertyNode {
     }
     return false;
   }
-  bool set(const simulator::PropertySetId&, std::uint32_t, std::span<const std::uint8_t>) override {
+  bool set(const simulator::PropertySetId&, std::uint32_t,
+           std::span<const std::uint8_t> bytes) override {
+    sent_ = bytes[1 % bytes.size()];  // the first byte that is not a code
     return true;
   }
   bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> bytes) override {
-    answer(input_, bytes);
+    answer(input_, bytes, sent_);
     return true;
   }
 
  private:
   Input& input_;
   int sets_;
+  std::atomic<std::uint8_t> sent_ = 0;
 };
 
 class Reports final : public simulator::FeatureDevice {
  public:
   explicit Reports(Input& input) : input_(input) {}
 
-  bool set(std::span<const std::uint8_t>) override { return true; }
+  bool set(std::span<const std::uint8_t> report) override {
+    sent_ = report[1];  // behind the report id
+    return true;
+  }
   bool get(std::span<std::uint8_t> report) override {
-    answer(input_, report);
+    answer(input_, report, sent_);
     return true;
   }
 
  private:
   Input& input_;
+  std::atomic<std::uint8_t> sent_ = 0;
 };
 
 class Endpoint final : public simulator::ControlEndpoint {
