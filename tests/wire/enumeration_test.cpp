@@ -10,25 +10,18 @@
 namespace qvx::tests {
 namespace {
 
-using simulator::VideoInput;
-using simulator::videoInputPath;
-
 class Enumeration : public LibraryTest {
  protected:
   void plug(std::wstring path, std::optional<std::wstring> name) {
     machine().videoInputs.push_back({std::move(path), std::move(name), {}});
   }
   void plug(int pid, const char* name) {
-    plug(videoInputPath(pid, name), std::wstring(name, name + std::string(name).size()));
+    plug(simulator::videoInputPath(pid, name), std::wstring(name, name + std::string(name).size()));
   }
 
-  std::wstring idOf(int index) { return take(GetDeviceId(index)); }
-  std::wstring nameOf(int index) { return take(GetVideoDeviceName(index)); }
-
- private:
-  static std::wstring take(wchar_t* text) {
-    const std::unique_ptr<wchar_t[]> owner(text);
-    return text;
+  std::wstring idOf(int index) { return std::unique_ptr<wchar_t[]>(GetDeviceId(index)).get(); }
+  std::wstring nameOf(int index) {
+    return std::unique_ptr<wchar_t[]>(GetVideoDeviceName(index)).get();
   }
 };
 
@@ -49,18 +42,15 @@ TEST_F(Enumeration, KeepsTheMakersCamerasOnly) {
 }
 
 TEST_F(Enumeration, PutsUsb3CamerasLast) {
-  plug(0x9B0, "a");
-  plug(0x870, "b");
-  plug(0x9BF, "c");
-  plug(0x9C0, "d");
-  const int expected[] = {0x870, 0x9C0, 0x9B0, 0x9BF};
-  for (int i = 0; i < 4; ++i) {
-    idOf(i);
-    EXPECT_EQ(productIdOf(i), expected[i]) << i;
+  for (const auto& [pid, name] :
+       {std::pair(0x9B0, "a"), {0x870, "b"}, {0x9BF, "c"}, {0x9C0, "d"}}) {
+    plug(pid, name);
   }
+  const int expected[] = {0x870, 0x9C0, 0x9B0, 0x9BF};
+  idOf(0);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(productIdOf(i), expected[i]) << i;
   // Names are ordered alike, but listing them leaves the paths in the system's order.
-  const wchar_t* names[] = {L"b", L"d", L"a", L"c"};
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(nameOf(i), names[i]) << i;
+  EXPECT_EQ(nameOf(0) + nameOf(1) + nameOf(2) + nameOf(3), L"bdac");
   EXPECT_EQ(productIdOf(0), 0x9B0);
   idOf(0);
   EXPECT_EQ(productIdOf(0), 0x870);

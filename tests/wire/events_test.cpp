@@ -1,28 +1,21 @@
 // The touch button on every transport: what is asked, and when the callback comes.
 #include "api/events.h"
 
-#include "etlib2/etLib2.h"
 #include "qvx64/api.h"
-#include "simulator/platform/cameras.h"
-#include "state/device_state.h"
 #include "tests/support/bytes.h"
-#include "tests/support/library.h"
-#include "transport/usb3.h"
+#include "tests/support/cameras.h"
 
 namespace qvx::tests {
 namespace {
 
-using simulator::bridgeHidInterface;
-using simulator::bridgeInput;
 using simulator::VirtualBridge;
 
 int presses = 0;
 
-class Events : public LibraryTest {
+class Events : public CameraTest {
  protected:
   Events() {
     presses = 0;
-    s_mainhttp = "http://127.0.0.1:8080/";
     SetEventCallback([] { ++presses; });
     EnablePressKey(1);
     journal();
@@ -66,42 +59,33 @@ class WifiButton : public Events {
     };
   }
 
-  std::string gpioRead() {
-    return "GET http://127.0.0.1:8080/?action=commandcontrol&dest=0plugin=0&id=256&group=4&value=0";
-  }
-
   int pins = 0;
 };
 
 TEST_F(WifiButton, LatchingCamerasAreAcknowledged) {
   nCurrPid = 0x970;
-  const std::string clear =
-      "GET http://127.0.0.1:8080/?action=commandcontrol&dest=0plugin=0&id=1296&group=4&value=0";
-  const struct {
-    int pins, fired;
-  } rows[] = {{0x08, 0}, {0x18, 1}, {0x18, 0}, {0x1F, 0}, {0x10, 0}, {0x18, 1}, {-1, 0}, {0, 0}};
-  for (const auto& row : rows) {
-    pins = row.pins;
-    journal();
-    EXPECT_EQ(firedIn(), row.fired) << row.pins;
-    const Journal lines = journal();
-    EXPECT_EQ(lines[1], gpioRead());
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), clear), row.fired);
+  const std::string gpio = cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=";
+  const Journal looks = {"pause 10", "GET " + gpio + "256&group=4&value=0"};
+  const Journal acknowledges = {"pause 10", "GET " + gpio + "1296&group=4&value=0"};
+  const std::pair<int, int> rows[] = {{0x08, 0}, {0x18, 1}, {0x18, 0}, {0x1F, 0},
+                                      {0x10, 0}, {0x18, 1}, {-1, 0},   {0, 0}};
+  for (const auto& [read, fired] : rows) {
+    pins = read;
+    EXPECT_EQ(firedIn(), fired) << read;
+    Journal lines = journal();
+    lines.resize(fired == 0 ? 2 : 4);  // what other families look at comes after it
+    EXPECT_EQ(lines, fired == 0 ? looks : looks + acknowledges) << read;
   }
 }
 
 TEST_F(WifiButton, PlainCamerasReadNegativeWhilePressed) {
-  for (const int pid : {0x870, 0x9D0, 0x9C0, 0x925}) {
+  for (const int pid : {0x870, 0x9D0, 0x9C0, 0x925, 0x9A0}) {
     nCurrPid = pid;
-    const struct { int pins, fired; } rows[] = {{-1, 1}, {-128, 0}, {0, 0}, {-5, 1}, {24, 0}};
-    for (const auto& row : rows) {
-      pins = row.pins;
-      EXPECT_EQ(firedIn(), row.fired) << std::hex << pid << " " << row.pins;
+    for (const auto& [read, fired] : {std::pair(-1, 1), {-128, 0}, {0, 0}, {-5, 1}, {24, 0}}) {
+      pins = read;
+      EXPECT_EQ(firedIn(), pid == 0x9A0 ? 0 : fired) << std::hex << pid << " " << read;
     }
   }
-  nCurrPid = 0x9A0;
-  pins = -1;
-  EXPECT_EQ(firedIn(), 0) << "a family without a button";
 }
 
 TEST_F(WifiButton, ACameraThatIsGoneCountsAsReleased) {
@@ -113,77 +97,42 @@ TEST_F(WifiButton, ACameraThatIsGoneCountsAsReleased) {
   EXPECT_EQ(m_MT, 0);
 }
 
-class BridgeButton : public Events {
- protected:
-  void plug(VirtualBridge& camera) {
-    machine().videoInputs = {bridgeInput(camera)};
-    open(camera);
-  }
-  void plugHid(VirtualBridge& camera) {
-    machine().hidInterfaces = {{bridgeHidInterface(camera)}};
-    open(camera);
-  }
-
- private:
-  void open(VirtualBridge& camera) {
-    char path[32];
-    std::snprintf(path, sizeof path, "vid_3c7e&pid_%04x", camera.camera.productId());
-    strOrvaDevice[0] = path;
-    etLib2_Init();
-    journal();
-  }
-};
+using BridgeButton = Events;
 
 TEST_F(BridgeButton, FiresWhenTheBitComesOn) {
   for (const int pid : {0x870, 0x925, 0x9D0, 0x9C0, 0x9E1}) {
-    VirtualBridge camera(static_cast<std::uint16_t>(pid));
-    plug(camera);
+    plug(pid);
     m_MT = 0;
-    camera.chip.pressButton();
-    EXPECT_EQ(firedIn(), 0) << "pressed since before the first look " << std::hex << pid;
-    camera.chip.releaseButton();
-    EXPECT_EQ(firedIn(), 0);
-    camera.chip.pressButton();
+    tick();
+    EXPECT_EQ(traffic().substr(0, 7), pid == 0x9E1 ? "r0608.1" : "r0085.1");
+    bridge->chip.pressButton();
     EXPECT_EQ(firedIn(3), 1) << std::hex << pid;
-    camera.chip.releaseButton();
+    bridge->chip.releaseButton();
     EXPECT_EQ(firedIn(), 0);
-    EXPECT_EQ(complaintsOf(camera.camera), "");
+    EXPECT_EQ(complaintsOf(bridge->camera), "");
   }
-}
-
-TEST_F(BridgeButton, ReadsTheRegisterOfItsFamily) {
-  VirtualBridge camera(0x9E1);
-  plug(camera);
-  tick();
-  EXPECT_EQ(journal(), (Journal{"set 5A215226/26: 08 06 01" + zeros(29), "get 5A215226/26 32"}));
-  VirtualBridge other(0x870);
-  plug(other);
-  tick();
-  EXPECT_EQ(journal(), (Journal{"set 5A215226/26: 85 00 01" + zeros(29), "get 5A215226/26 32"}));
+  plug(0x870);
+  m_MT = 0;
+  bridge->chip.pressButton();
+  EXPECT_EQ(firedIn(), 0) << "pressed since before the first look";
 }
 
 TEST_F(BridgeButton, SevenThousandsAreAskedByCommand) {
-  VirtualBridge camera(0x970);
-  plug(camera);
-  camera.chip.pressButton();
+  plug(0x970);
+  bridge->chip.pressButton();
   EXPECT_EQ(firedIn(), 1);
-  const Journal lines = journal();
-  ASSERT_EQ(lines.size(), 5u);
-  EXPECT_EQ(lines[2], "set C66D125B/2: F0 F5" + zeros(254));
-  EXPECT_EQ(lines[3], "get C66D125B/2 256");
-  EXPECT_TRUE(lines[4].starts_with("set C66D125B/2: F0 F5 00 01 "))
+  EXPECT_TRUE(traffic().starts_with("r0085.1 cmdF0:F5 cmdF0:F50001"))
       << "acknowledged as it was read";
   EXPECT_EQ(firedIn(), 0) << "the acknowledged press is over";
-  camera.chip.releaseButton();
-  camera.chip.pressButton();
+  bridge->chip.releaseButton();
+  bridge->chip.pressButton();
   EXPECT_EQ(firedIn(), 1);
-  EXPECT_EQ(complaintsOf(camera.camera), "");
+  EXPECT_EQ(complaintsOf(bridge->camera), "");
 }
 
 TEST_F(BridgeButton, WorksOverHid) {
   for (const int pid : {0x970, 0x870}) {
     VirtualBridge camera(static_cast<std::uint16_t>(pid));
-    machine().videoInputs.clear();
     plugHid(camera);
     m_MT = 0;
     tick();
@@ -194,10 +143,9 @@ TEST_F(BridgeButton, WorksOverHid) {
 }
 
 TEST_F(BridgeButton, ASilentCameraFiresNothing) {
-  VirtualBridge camera(0x870);
-  plug(camera);
+  plug(0x870);
   tick();
-  camera.chip.pressButton();
+  bridge->chip.pressButton();
   machine().set({simulator::Fault::fails});
   EXPECT_EQ(firedIn(3), 0);
   VideoDeviceIndex = 5;
@@ -223,13 +171,8 @@ class Sampled final : public simulator::ControlEndpoint {
 class Usb3Button : public Events {
  protected:
   Usb3Button() {
-    machine().usbDevices = {{cameraVendorId, 0x9B0, "A", "", "", {}, true, button}};
-    nPid = 0x9B0;
-    testing::internal::CaptureStdout();
-    U3Open();
-    testing::internal::GetCapturedStdout();
-    strOrvaDevice[0] = "vid_3c7e&pid_09b1";  // its feature register is not read over USB 3
-    journal();
+    plugUsb3(0x9B0, button);
+    name(0, 0x9B1);  // its feature register is not read over USB 3
   }
 
   // The tick, counted from 1, at which the callback comes; 0 for none.
@@ -238,9 +181,7 @@ class Usb3Button : public Events {
     button->samples = samples;
     EnablePressKey(1);
     int fired = 0;
-    for (int i = 1; i <= static_cast<int>(samples.size()); ++i) {
-      if (firedIn() != 0) fired = i;
-    }
+    for (int i = 1; i <= std::ssize(samples); ++i) fired = firedIn() != 0 ? i : fired;
     return fired;
   }
 
@@ -253,12 +194,17 @@ TEST_F(Usb3Button, OpeningSwitchesPollingOff) {
 }
 
 TEST_F(Usb3Button, DebouncesThreeSamples) {
-  EXPECT_EQ(firesAt({1, 1, 1}), 3);
-  EXPECT_EQ(firesAt({1, 0, 1, 1}), 4);
-  EXPECT_EQ(firesAt({0, 1, 1}), 3);
-  EXPECT_EQ(firesAt({0, 0, 0, 0}), 0);
-  EXPECT_EQ(firesAt({-1, 1, -1, 1, 2, 1}), 6);
-  EXPECT_EQ(firesAt({1, 1, 1, 1, 1, 1}), 6) << "and once more after three further samples";
+  const struct {
+    std::vector<int> samples;
+    int firesAt;
+  } rows[] = {
+      {{1, 1, 1}, 3},    {{1, 0, 1, 1}, 4},         {{1, 1, 0, 1}, 4},      {{0, 1, 1}, 3},
+      {{0, 0, 0, 0}, 0}, {{-1, 1, -1, 1, 2, 1}, 6}, {{1, 1, 1, 1, 1, 1}, 6}};  // and once more
+                                                                               // after three
+                                                                               // further samples
+  for (const auto& row : rows) {
+    EXPECT_EQ(firesAt(row.samples), row.firesAt) << testing::PrintToString(row.samples);
+  }
 }
 
 TEST_F(Usb3Button, SendsTheseRequests) {

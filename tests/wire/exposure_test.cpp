@@ -1,54 +1,194 @@
-// Exposure time: calls in, sensor registers out, for every family; and all exposure functions over
-// Wi-Fi.
+// Exposure, its automatic and the mains flicker: calls in, sensor registers out, for every family.
 #include <climits>
 
-#include "qvx64/api.h"
-#include "tests/support/bridge_camera.h"
+#include "tests/support/cameras.h"
+#include "tests/support/every_export.h"
 
 namespace qvx::tests {
 namespace {
 
-class Exposure : public BridgeCameraTest {
- protected:
-  int at(int reg) { return sensor().at(static_cast<std::uint16_t>(reg)); }
+struct Row {
+  int pid;
+  qvx_long value;  // that is set
+  std::string traffic;
+  std::string result = "";
+  int waits = 1;   // `bWait` afterwards, from 9
+  int before = 0;  // in the registers that are changed in part
 };
 
-TEST_F(Exposure, SetsTheTimeOnEveryFamily) {
-  const Setting rows[] = {
-      {0x960, 100,
-       "bus2, w78 350C=00, bus2, w78 350D=60, "
-       "bus2, w78 3500=00, bus2, w78 3501=06, bus2, w78 3502=40"},
-      {0x92F, 65535,
-       "bus2, w78 350C=00, bus2, w78 350D=0F, "
-       "bus2, w78 3500=0F, bus2, w78 3501=FF, bus2, w78 3502=F0"},
-      {0x970, -1,
-       "bus2, w78 350C=00, bus2, w78 350D=40, "
-       "bus2, w78 3500=00, bus2, w78 3501=00, bus2, w78 3502=F0"},
-      {0x870, 1000, "bus2, w48 0015=03, bus2, w48 0016=E8"},
-      {0x899, 255, "bus2, w48 0015=00, bus2, w48 0016=FF"},
-      {0x919, 256, "bus2, w48 0015=01, bus2, w48 0016=00"},
-      {0x9C0, 1000, "bus2, r62 80 fast, bus2, w48 0015=03, bus2, r62 80 fast, bus2, w48 0016=E8"},
-      {0x9E0, 2000, "w34 0340=07, w34 0341=D0, w34 0202=00, w34 0203=00"},
-      {0x9E1, 1125, "w34 0340=04, w34 0341=65, w34 0202=00, w34 0203=00"},
-      {0x9E2, 1124, "w34 0340=04, w34 0341=65, w34 0202=00, w34 0203=00"},
-      {0x9E7, 100, "w34 0340=04, w34 0341=65, w34 0202=04, w34 0203=01"},
-      {0x9EF, -5, "w34 0340=04, w34 0341=65, w34 0202=04, w34 0203=65"},
-      // split before it is cut to 65535
-      {0x9E0, 70000, "w34 0340=11, w34 0341=70, w34 0202=00, w34 0203=00"},
-      {0x89A, 100, ""},
-      {0x91A, 100, ""},
-      {0x930, 100, ""},
-      {0x95F, 100, ""},
-      {0x9A0, 100, ""},
-      {0x9D0, 100, ""},
-      {0x9F0, 100, ""},
-  };
-  for (const Setting& row : rows) {
-    plug(row.pid);
+struct Table {
+  const char* call;
+  std::vector<Row> rows;
+};
+
+class Exposure : public CameraTest {
+ protected:
+  int at(int reg) { return sensor().at(static_cast<std::uint16_t>(reg)); }
+
+  void program(int value) {
+    for (const int reg : {0x3503, 0x0380, 0x0120, 0x13}) {
+      sensor().set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
+    }
+    const auto mode4xx7 = static_cast<std::uint32_t>(value);
+    etLib2_RegWrite_DevNum(0, 0x1700, 2, &mode4xx7);
+  }
+
+  void check(const Table& table, const Row& row, int index) {
+    SCOPED_TRACE(testing::Message()
+                 << table.call << std::hex << " 0x" << row.pid << " " << row.value);
     bWait = 9;
-    EXPECT_EQ(trafficOf([&] { SetExposureValue(0, row.value); }), row.traffic)
-        << std::hex << row.pid;
-    EXPECT_EQ(bWait, row.traffic.empty() ? 0 : 1) << std::hex << row.pid;
+    journal();
+    EXPECT_EQ(exportNamed(table.call).call({.index = index, .value = row.value}), row.result);
+    EXPECT_EQ(traffic(), row.traffic);
+    EXPECT_EQ(bWait, row.waits);
+    EXPECT_EQ(nPid, row.pid);
+  }
+};
+
+const std::string ask = "b r62.80f ";  // the feature register, by predicates
+
+const Table bridgeTables[] = {
+    {"SetExposureValue",
+     {{0x960, 100, "b w78.350C=00 b w78.350D=60 b w78.3500=00 b w78.3501=06 b w78.3502=40"},
+      {0x92F, 65535, "b w78.350C=00 b w78.350D=0F b w78.3500=0F b w78.3501=FF b w78.3502=F0"},
+      {0x970, -1, "b w78.350C=00 b w78.350D=40 b w78.3500=00 b w78.3501=00 b w78.3502=F0"},
+      {0x870, 1000, "b w48.0015=03 b w48.0016=E8"},
+      {0x899, 255, "b w48.0015=00 b w48.0016=FF"},
+      {0x919, 256, "b w48.0015=01 b w48.0016=00"},
+      {0x9C0, 1000, ask + "b w48.0015=03 " + ask + "b w48.0016=E8"},
+      {0x9E0, 2000, "w34.0340=07 w34.0341=D0 w34.0202=00 w34.0203=00"},
+      {0x9E1, 1125, "w34.0340=04 w34.0341=65 w34.0202=00 w34.0203=00"},
+      {0x9E2, 1124, "w34.0340=04 w34.0341=65 w34.0202=00 w34.0203=00"},
+      {0x9E7, 100, "w34.0340=04 w34.0341=65 w34.0202=04 w34.0203=01"},
+      {0x9EF, -5, "w34.0340=04 w34.0341=65 w34.0202=04 w34.0203=65"},
+      // split before it is cut to 65535
+      {0x9E0, 70000, "w34.0340=11 w34.0341=70 w34.0202=00 w34.0203=00"},
+      {0x89A, 100, "", "", 0},
+      {0x91A, 100, "", "", 0},
+      {0x930, 100, "", "", 0},
+      {0x95F, 100, "", "", 0},
+      {0x9A0, 100, "", "", 0},
+      {0x9D0, 100, "", "", 0},
+      {0x9F0, 100, "", "", 0}}},
+    {"GetExposureValue",
+     {{0x960, 0, ask + ask + "b r78.3500 b r78.3501 b r78.3502", "500"},
+      {0x925, 0, ask + ask + "b r78.3500 b r78.3501 b r78.3502", "500"},
+      {0x89F, 0, ask + "b r48.0015 b r48.0016", "480"},
+      {0x9C5, 0, ask + ask + ask + "b r48.0015 " + ask + "b r48.0016", "480"},
+      {0x9A0, 0, ask + ask + "b r42.08f b r42.10f b r42.2Ef b r42.2Df", "312"},
+      {0x9DF, 0, ask + ask + "b r42.08f b r42.10f b r42.2Ef b r42.2Df", "312"},
+      {0x9E0, 0, ask + "b r34.0340 r34.0341 r34.0202 r34.0203", "500"},
+      {0x930, 0, "b r62.80f b r62.80f", "0", 0}}},
+    {"SetAETarget",
+     {{0x99F, 0x50, "b w78.3A1E=50 b w78.3A1B=70 b w78.3A10=52 b w78.3A0F=5E", "", 0},
+      {0x920, 0xFF, "b w78.3A1E=FF b w78.3A1B=1F b w78.3A10=01 b w78.3A0F=0D", "", 0},
+      {0x880, 0x50, "b w48.038E=50 b w48.085C=01"},
+      {0x9C0, 0x50, ask + ask + "b w48.038E=50 " + ask + "b w48.085C=01"},
+      {0x9A0, 0x50, ask + "b w42.25=50"},
+      {0x9D0, 0x50, ask + "b w42.25=50"},
+      {0x9E0, 0x50,
+       ask + ask + "cmd1E:00000101 cmd1E:0000000180 cmd1E:00000201FF " +
+           "cmd1E:0000000150 cmd1E:0000020160 cmd1E:0000010140"},
+      {0x9E1, 20,
+       ask + ask + "cmd1E:00000101 cmd1E:0000000180 cmd1E:00000201FF " +
+           "cmd1E:0000000115 cmd1E:0000020125 cmd1E:0000010105"},
+      {0x9E2, 999,
+       ask + ask + "cmd1E:00000101 cmd1E:0000000180 cmd1E:00000201FF " +
+           "cmd1E:00000001F0 cmd1E:00000201 cmd1E:00000101E0"},
+      {0x930, 0x50, "b r62.80f b r62.80f", "", 0}}},
+    {"GetAETarget",
+     {{0x970, 0, "b r78.3A1E", "56"},
+      {0x925, 0, "b r78.3A1E", "56"},
+      {0x91F, 0, "b r48.038E", "64"},
+      {0x9C1, 0, ask + ask + "b r48.038E", "64"},
+      {0x9A5, 0, ask + "b r42.25f", "72"},
+      {0x9D5, 0, ask + "b r42.25f", "72"},
+      {0x9E5, 0, ask + ask + "cmd1D:00000001", "64"},
+      {0x930, 0, "b r62.80f b r62.80f", "1", 0}}},
+    {"SetAutoExposure",
+     {{0x9E0, 1, ask + "r1700.2 w1700=8123", "", 1, 0x0123},
+      {0x9E0, 0, ask + "r1700.2 w1700=0123", "", 1, 0x8123},
+      {0x9E0, -1, ask + "r1700.2 w1700=0123", "", 1, 0x8123},
+      {0x970, 1, ask + "b r78.3503 b w78.3503=00", "", 1, 0xF9},
+      {0x925, -1, ask + "b r78.3503 b w78.3503=00", "", 1, 0xF9},
+      {0x970, 0, ask + "b r78.3503 b w78.3503=FF", "", 1, 0xF8},
+      {0x970, 2, ask + "b r78.3503 b w78.3503=F9", "", 1, 0xF9},
+      {0x870, 1, ask + "b r48.0380 b w48.0380=55", "", 1, 0x54},
+      {0x870, -1, ask + "b r48.0380 b w48.0380=55", "", 1, 0x54},
+      {0x870, 0, ask + "b r48.0380 b w48.0380=54", "", 1, 0x55},
+      {0x870, -2, ask + "b r48.0380 b w48.0380=55", "", 1, 0x55},
+      {0x9D0, 1, ask + ask + "b r42.13f b w42.13=BD b w42.0E=D5", "", 1, 0xAA},
+      {0x9A0, -1, ask + ask + "b r42.13f b w42.13=BD b w42.0E=D5", "", 1, 0xAA},
+      {0x9A0, 0, ask + ask + "b r42.13f b w42.13=B8 b w42.0E=15", "", 1, 0xAA},
+      {0x9A0, 2, ask + ask + "b r42.13f b w42.13=AA", "", 1, 0xAA},
+      {0x930, 1, "b r62.80f b r62.80f", "", 0}}},
+    {"GetAutoExposure",
+     {{0x9E0, 0, ask + "r1700.2", "1", 9},
+      {0x9E0, 0, ask + "r1700.2", "0", 9, 0x7FFF},
+      {0x970, 0, ask + "b r78.3503", "1", 9},
+      {0x92F, 0, ask + "b r78.3503", "0", 9, 0x01},
+      {0x870, 0, ask + "b r48.0380", "1", 9},
+      {0x870, 0, ask + "b r48.0380", "0", 9, 0xFE},
+      {0x9C0, 0, ask + ask + ask + "b r48.0380", "1", 9},
+      {0x9A0, 0, ask + ask + "p50 b r42.13f", "1", 9},
+      {0x9D0, 0, ask + ask + "p50 b r42.13f", "0", 9, 0xFE},
+      {0x930, 0, "b r62.80f b r62.80f", "0", 9}}},
+    {"SetFlicker",
+     {{0x970, 0, "b w78.3C01=34", "", 9},
+      {0x970, 1, "b w78.3C01=B4 b w78.3C00=00", "", 9},
+      {0x970, 2, "b w78.3C01=B4 b w78.3C00=04", "", 9},
+      {0x970, 3, "", "", 9},
+      {0x871, 1, "b r48.0120 b w48.0120=F1", "", 9, 0xF0},
+      {0x871, 2, "b r48.0120 b w48.0120=F0", "", 9, 0xF1},
+      {0x871, 0, "b r48.0120 b w48.0120=F1", "", 9, 0xF1},
+      {0x871, -7, "b r48.0120 b w48.0120=F0", "", 9, 0xF0},
+      {0x9A0, 1, "b w42.22=7F b w42.23=03", "", 9},
+      {0x9D0, 2, "b w42.22=99 b w42.23=02", "", 9},
+      {0x9D0, 0, "", "", 9}}},
+};
+
+TEST_F(Exposure, OfEveryFamilyBehindABridge) {
+  for (const Table& table : bridgeTables) {
+    for (const Row& row : table.rows) {
+      plug(row.pid);
+      if (row.before != 0) program(row.before);
+      nPid = row.pid;  // which the flicker goes by
+      check(table, row, 0);
+      EXPECT_EQ(complaintsOf(bridge->camera), "");
+    }
+  }
+}
+
+const std::string askWifi = "r62.80 p5 ";
+const Table wifiTables[] = {
+    {"SetExposureValue",
+     {{0x970, 100,
+       "p10 w78.350C=00 p10 w78.350D=60 p10 w78.3500=00 p10 w78.3501=06 p10 w78.3502=40"},
+      {0x880, 1000, "p10 w48.0015=03 p10 w48.0016=E8"},
+      {0x9E0, 100, ""}}},
+    {"GetExposureValue",
+     {{0x970, 0, askWifi + askWifi + "r78.3500 p5 r78.3501 p5 r78.3502 p5", "500"},
+      {0x9D0, 0, askWifi + askWifi + "r42.08 p5 r42.10 p5 r42.2E p5 r42.2D p5", "312"}}},
+    {"SetAETarget",
+     {{0x970, 0x50, "w78.3A1E=50 w78.3A1B=70 w78.3A10=52 w78.3A0F=5E", "", 0},
+      {0x9D0, 0x50, askWifi + "p10 w42.25=50"}}},
+    {"GetAETarget", {{0x880, 0, "r48.038E p5", "64"}, {0x970, 0, "r78.3A1E p5", "56"}}},
+    {"SetAutoExposure", {{0x870, 0, askWifi + "r48.0380 p5 p10 w48.0380=54"}}},
+    {"GetAutoExposure", {{0x9A0, 0, askWifi + askWifi + "p50 r42.13 p5", "1", 9}}},
+};
+
+TEST_F(Exposure, OfTheWifiCameraUnderBothIndexes) {
+  for (const Table& table : wifiTables) {
+    for (const Row& row : table.rows) {
+      for (const int index : {90, -1}) {
+        simulator::Camera camera(static_cast<std::uint16_t>(row.pid));
+        plugWifi(camera);
+        nTmpIdx = 90;
+        check(table, row, index);
+        EXPECT_EQ(nTmpIdx, 90);
+        EXPECT_EQ(complaintsOf(camera), "");
+      }
+    }
   }
 }
 
@@ -85,141 +225,85 @@ int expectedFor(const char* oneLess, int argument) {
 }
 
 TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
-  plug(0x9E0, {.family = simulator::BridgeFamily::generation2});
-  for (int value = 0; value < 1125; ++value) {
-    SetExposureValue(0, value);
-    ASSERT_EQ(at(0x0202) * 256 + at(0x0203), expectedFor(shutterOneLess, value)) << value;
-  }
-  for (int shutter = 0; shutter <= 1125; ++shutter) {
-    sensor().set(0x0202, static_cast<std::uint8_t>(shutter / 256));
-    sensor().set(0x0203, static_cast<std::uint8_t>(shutter % 256));
-    ASSERT_EQ(GetExposureValue(0), expectedFor(exposureOneLess, shutter)) << shutter;
-  }
-}
-
-TEST_F(Exposure, ReadsTheTimeOnEveryFamily) {
-  const Reading rows[] = {
-      {0x960, 500,
-       "bus2, r62 80 fast, bus2, r62 80 fast, "
-       "bus2, r78 3500, bus2, r78 3501, bus2, r78 3502"},
-      {0x925, 500,
-       "bus2, r62 80 fast, bus2, r62 80 fast, "
-       "bus2, r78 3500, bus2, r78 3501, bus2, r78 3502"},
-      {0x89F, 480, "bus2, r62 80 fast, bus2, r48 0015, bus2, r48 0016"},
-      {0x9C5, 480,
-       "bus2, r62 80 fast, bus2, r62 80 fast, "
-       "bus2, r62 80 fast, bus2, r48 0015, bus2, r62 80 fast, bus2, r48 0016"},
-      {0x9A0, 0x125 + 0x13,
-       "bus2, r62 80 fast, bus2, r62 80 fast, bus2, r42 08 fast, "
-       "bus2, r42 10 fast, bus2, r42 2E fast, bus2, r42 2D fast"},
-      {0x9DF, 0x125 + 0x13,
-       "bus2, r62 80 fast, bus2, r62 80 fast, bus2, r42 08 fast, "
-       "bus2, r42 10 fast, bus2, r42 2E fast, bus2, r42 2D fast"},
-      {0x9E0, 500,
-       "bus2, r62 80 fast, bus2, "
-       "r34 0340, r34 0341, r34 0202, r34 0203"},
-      {0x930, 0, "bus2, r62 80 fast, bus2, r62 80 fast"},
-  };
-  for (const Reading& row : rows) {
-    plug(row.pid);
-    bWait = 9;
-    EXPECT_EQ(trafficOf([&] { EXPECT_EQ(GetExposureValue(0), row.value); }), row.traffic)
-        << std::hex << row.pid;
-    EXPECT_EQ(bWait, row.value == 0 ? 0 : 1) << std::hex << row.pid;
-  }
-  plug(0x9A1);
-  sensor().set(0x2E, 2);
-  EXPECT_EQ(GetExposureValue(0), 0x125 + 0x213) << "the halves are added";
   plug(0x9E0);
+  for (int value = 0; value <= 1125; ++value) {
+    SetExposureValue(0, value);
+    if (value < 1125) {
+      ASSERT_EQ(at(0x0202) * 256 + at(0x0203), expectedFor(shutterOneLess, value)) << value;
+    }
+    sensor().set(0x0202, static_cast<std::uint8_t>(value / 256));
+    sensor().set(0x0203, static_cast<std::uint8_t>(value % 256));
+    ASSERT_EQ(GetExposureValue(0), expectedFor(exposureOneLess, value)) << value;
+  }
   SetExposureValue(0, 1126);
   EXPECT_EQ(GetExposureValue(0), 1126) << "a longer frame is the exposure";
 }
 
-class WifiExposure : public Exposure {
- protected:
-  void turnOn(int pid) {
-    camera = std::make_unique<simulator::Camera>(static_cast<std::uint16_t>(pid));
-    machine().wifi = wifiFront(*camera);
-    s_mainhttp = "http://127.0.0.1:8080/";
-    nCurrPid = nPid = pid;
-    nTmpIdx = 90;
-    machine().open = {};
-    journal();
-  }
-
-  std::unique_ptr<simulator::Camera> camera;
-};
-
-TEST_F(WifiExposure, SendsCommands) {
-  const std::string read80 = "http 1378 00800000, pause 5, ";
-  const struct {
-    int pid;
-    void (*call)();
-    std::string traffic;
-  } rows[] = {
-      {0x970, [] { SetExposureValue(-1, 100); },
-       "pause 10, http 6520 350C0000, pause 10, http 6520 350D0060, pause 10, http 6520 35000000, "
-       "pause 10, http 6520 35010006, pause 10, http 6520 35020040"},
-      {0x880, [] { SetExposureValue(90, 1000); },
-       "pause 10, http 6472 00150003, pause 10, http 6472 001600E8"},
-      {0x9E0, [] { SetExposureValue(90, 100); }, ""},
-      {0x970, [] { GetExposureValue(90); },
-       read80 + read80 +
-           "http 2424 35000000, pause 5, http 2424 35010000, pause 5, "
-           "http 2424 35020000, pause 5"},
-      {0x9D0, [] { GetExposureValue(-1); },
-       read80 + read80 +
-           "http 1346 00080000, pause 5, http 1346 00100000, pause 5, "
-           "http 1346 002E0000, pause 5, http 1346 002D0000, pause 5"},
-      {0x970, [] { SetAETarget(90, 0x50); },
-       "http 6520 3A1E0050, http 6520 3A1B0070, http 6520 3A100052, http 6520 3A0F005E"},
-      {0x9D0, [] { SetAETarget(-1, 0x50); }, read80 + "pause 10, http 5442 00250050"},
-      {0x880, [] { GetAETarget(-1); }, "http 2376 038E0000, pause 5"},
-      {0x870, [] { SetAutoExposure(-1, 0); },
-       read80 + "http 2376 03800000, pause 5, pause 10, http 6472 03800054"},
-      {0x9A0, [] { GetAutoExposure(-1); },
-       read80 + read80 + "pause 50, http 1346 00130000, pause 5"},
-  };
-  for (const auto& row : rows) {
-    turnOn(row.pid);
-    row.call();
-    EXPECT_EQ(accesses(), row.traffic) << std::hex << row.pid;
-    EXPECT_EQ(complaintsOf(*camera), "") << std::hex << row.pid;
-    EXPECT_EQ(nTmpIdx, 90);
-  }
+TEST_F(Exposure, HalvesOfTheSensorAt42AreAdded) {
+  plug(0x9A1);
+  sensor().set(0x2E, 2);
+  EXPECT_EQ(GetExposureValue(0), 0x125 + 0x213);
 }
 
-TEST_F(WifiExposure, IsTheWifiCameraUnderBothIndexes) {
-  turnOn(0x970);
-  for (const int index : {90, -1}) {
-    nTmpIdx = 0;
-    camera->sensor().set(0x3A1E, 0x61);
-    EXPECT_EQ(GetAETarget(index), 0x61);
-    EXPECT_EQ(nTmpIdx, 90);
-    EXPECT_EQ(GetExposureValue(index), 500);
-    EXPECT_EQ(GetAutoExposure(index), 1);
-  }
+TEST_F(Exposure, TargetWithoutAProductId) {
+  bWait = 9;
+  EXPECT_EQ(GetAETarget(0), 16);
+  EXPECT_EQ(traffic(), "");
+  EXPECT_EQ(bWait, 0);
+  nCurrPid = 0x970;
+  GetAETarget(0);
+  EXPECT_EQ(nPid, 0x970) << "the fallback stays";
 }
 
-TEST_F(WifiExposure, AnyArgumentsAreHarmless) {
-  const int pids[] = {0, 0x870, 0x930, 0x970, 0x9A0, 0x9B0, 0x9C0, 0x9D0, 0x9E0};
-  const int indexes[] = {INT_MIN, -2, -1, 0, 7, 8, 15, 90, INT_MAX};
-  const qvx_long values[] = {INT_MIN, -1, 0x7FFFFFF0, INT_MAX};
-  s_mainhttp = "http://127.0.0.1:8080/";
-  for (const int pid : pids) {
+TEST_F(Exposure, AnyArgumentsAreHarmless) {
+  for (const int pid : {0, 0x870, 0x930, 0x970, 0x9A0, 0x9B0, 0x9C0, 0x9D0, 0x9E0}) {
     plug(pid);
-    for (const int index : indexes) {
-      for (const qvx_long value : values) {
+    for (const int index : {INT_MIN, -2, -1, 0, 7, 8, 15, 90, INT_MAX}) {
+      for (const qvx_long value : {INT_MIN, -1, 0x7FFFFFF0, INT_MAX}) {
         nCurrPid = pid;
-        SetExposureValue(index, value);
-        SetAETarget(index, value);
-        SetAutoExposure(index, value);
-        SetFlicker(index, value);
+        for (const Table& table : bridgeTables) {
+          exportNamed(table.call).call({.index = index, .value = value});
+        }
       }
-      const qvx_long target = GetAETarget(index);
-      const qvx_long exposure = GetExposureValue(index), automatic = GetAutoExposure(index);
-      EXPECT_TRUE(pid != 0 || (target == 16 && exposure == 0 && automatic == 0)) << index;
+      EXPECT_TRUE(pid != 0 || GetAETarget(index) == 16) << index;
     }
+  }
+}
+
+// By `nPid` alone: the block of ids from each row's first to the next row's takes this sensor's
+// writes.
+TEST_F(Exposure, FlickerKnowsItsRanges) {
+  const struct {
+    int first;
+    const char* write;
+  } rows[] = {{-1, ""},       {0x870, "w48"},     {0x890, ""},    {0x900, "w78"},
+              {0x90A, ""},    {0x910, "w48"},     {0x920, "w78"}, {0x950, ""},
+              {0x960, "w78"}, {0x9A0, "w42"},     {0x9B0, "w78"}, {0x9C0, "w48"},
+              {0x9D0, "w42"}, {0x9E0, "capture"}, {0x9F0, ""},    {0xA71, ""}};
+  for (const auto* row = rows; row + 1 != std::end(rows); ++row) {
+    for (int pid = row->first; pid < row[1].first; ++pid) {
+      nPid = pid;
+      printedBy([] { SetFlicker(-1, 1); });
+      const std::string all = traffic(), write = row->write;
+      EXPECT_EQ(all.empty(), write.empty()) << std::hex << pid;
+      EXPECT_NE(all.find(write), std::string::npos) << std::hex << pid;
+    }
+  }
+}
+
+// The property counts 50 Hz as 1 and 60 Hz as 2, the function the other way round.
+TEST_F(Exposure, FlickerIsAPropertyOfTheCurrentDeviceOn4xx7) {
+  plug(0x9E0);
+  GetDeviceIDA(0);
+  const char* const set[] = {"", "capture: set 13 to 2 manually", "capture: set 13 to 1 manually",
+                             ""};
+  for (int mode = 0; mode < 4; ++mode) {
+    nPid = 0x9E0;
+    journal();
+    SetFlicker(5, mode);
+    const std::string all = traffic();
+    EXPECT_EQ(all.find("capture: set") != std::string::npos, *set[mode] != '\0') << mode;
+    EXPECT_NE(all.find(set[mode]), std::string::npos) << mode;
   }
 }
 

@@ -5,7 +5,7 @@
 
 #include "controls/lighting.h"
 #include "qvx64/api.h"
-#include "tests/support/light_cameras.h"
+#include "tests/support/cameras.h"
 
 namespace qvx::tests {
 namespace {
@@ -22,12 +22,12 @@ void program(simulator::Camera& camera, const Registers& registers) {
   camera.controller().set(0x83, registers.kind);
 }
 
-class LedState : public LightsTest {};
+using LedState = LightsTest;
 
 struct States {
   std::uint16_t pid;
   Registers registers;
-  const char* traffic[3];  // by state
+  const char* traffic[4];  // by state; the last one: state 7, over Wi-Fi
 };
 
 // By the family alone. Every call starts with a pause; lighting commands have pauses of their own.
@@ -78,26 +78,6 @@ const States families[] = {
     {0x970, {0x01, 5}, {"p F2 1 p F3 1 p 4=16 p p", "p F2 1 F3 1 4=15 p p 3=6 p", "p"}},
 };
 
-TEST_F(LedState, BridgeCameras) {
-  for (const States& row : families) {
-    for (int state = 0; state < 3; ++state) {
-      SCOPED_TRACE(testing::Message() << std::hex << row.pid << " state " << state);
-      VirtualBridge camera(row.pid);
-      program(camera.camera, row.registers);
-      plugBridges({&camera});
-      // What the predicates and the board leave, for state 2 of the cameras that go by it.
-      ul80 = row.registers.features;
-      ul84 = row.registers.board;
-      nTmpIdx = 5;  // whoever was used last
-      SEGCount[0] = 1;
-      SetLEDState(0, state);
-      EXPECT_EQ(traffic(), row.traffic[state]);
-      EXPECT_EQ(complaintsOf(camera.camera), "");
-      EXPECT_EQ(nTmpIdx, 0);
-    }
-  }
-}
-
 const States usb3[] = {
     {0x9B0,
      {0x03},
@@ -119,28 +99,7 @@ const States usb3[] = {
     {0x9B1, {0x03}, {"p P 4=16 p P p 3=6 p P", "p P P P 4=15 p P p 3=6 p P", "p p p p"}},
 };
 
-TEST_F(LedState, Usb3Cameras) {
-  for (const States& row : usb3) {
-    for (int state = 0; state < 3; ++state) {
-      SCOPED_TRACE(testing::Message() << std::hex << row.pid << " state " << state);
-      simulator::Camera camera(row.pid);
-      program(camera, row.registers);
-      plugUsb3(camera);
-      SEGCount[0] = 1;
-      SetLEDState(0, state);
-      EXPECT_EQ(traffic(), row.traffic[state]);
-      EXPECT_EQ(complaintsOf(camera), "");
-    }
-  }
-}
-
-struct WifiStates {
-  std::uint16_t pid;
-  Registers registers;
-  const char* traffic[4];  // states 0, 1, 2 and 7
-};
-
-const WifiStates wifiFamilies[] = {
+const States wifiFamilies[] = {
     {0x978, {0x00, 0xFF, 3}, {"4=16 3=7", "4=15 3=6", "4=16 3=13", "pins7=0"}},
     {0x978, {0x00, 0xFF, 4}, {"4=16 3=7", "4=15 3=49", "4=16 3=13", "pins7=0"}},
     {0x9E0, {0x01}, {"4=16 3=7", "4=15 3=6", "4=16 3=13", "pins5=0"}},
@@ -159,17 +118,43 @@ const WifiStates wifiFamilies[] = {
     {0x9AF, {0xFF}, {"pins5=0", "pins5=0", "pins5=0", "pins5=0"}},
 };
 
-TEST_F(LedState, WifiCameras) {
-  const int states[] = {0, 1, 2, 7};
-  for (const WifiStates& row : wifiFamilies) {
+TEST_F(LedState, BridgeCameras) {
+  for (const States& row : families) {
+    for (int state = 0; state < 3; ++state) {
+      SCOPED_TRACE(testing::Message() << std::hex << row.pid << " state " << state);
+      VirtualBridge camera(row.pid);
+      program(camera.camera, row.registers);
+      plugBridges({&camera});
+      // What the predicates and the board leave, for state 2 of the cameras that go by it.
+      ul80 = row.registers.features;
+      ul84 = row.registers.board;
+      nTmpIdx = 5;  // whoever was used last
+      SEGCount[0] = 1;
+      SetLEDState(0, state);
+      EXPECT_EQ(traffic(), row.traffic[state]);
+      EXPECT_EQ(complaintsOf(camera.camera), "");
+      EXPECT_EQ(nTmpIdx, 0);
+    }
+  }
+}
+
+TEST_F(LedState, Usb3AndWifiCameras) {
+  const auto check = [this](const States& row, int index, int state, const char* expected) {
     simulator::Camera camera(row.pid);
     program(camera, row.registers);
-    plugWifi(camera);
-    for (int i = 0; i < 4; ++i) {
-      SetLEDState(90, states[i]);
-      EXPECT_EQ(traffic(), row.traffic[i]) << std::hex << row.pid << " state " << states[i];
-    }
+    if (index == 90) plugWifi(camera);
+    if (index == 0) plugUsb3(camera);
+    SEGCount[0] = 1;
+    SetLEDState(index, state);
+    EXPECT_EQ(traffic(), expected) << std::hex << row.pid << " state " << state;
     EXPECT_EQ(complaintsOf(camera), "");
+  };
+  for (const States& row : usb3) {
+    for (const int state : {0, 1, 2}) check(row, 0, state, row.traffic[state]);
+  }
+  nPid = 0;
+  for (const States& row : wifiFamilies) {
+    for (const int state : {0, 1, 2, 7}) check(row, 90, state, row.traffic[std::min(state, 3)]);
   }
 }
 
@@ -194,10 +179,19 @@ TEST_F(LedState, WifiStatesThatAreKept) {
 
 TEST_F(LedState, WifiSegmentsAndProgressThatAreChosen) {
   nCurrPid = 0x9D9;
-  m_LED1Status = m_LED4Status = 1;
   nProgress = 8;
-  SetLEDState(90, 2);
-  EXPECT_EQ(traffic(), "4=9 3=8 3=13");
+  const struct {
+    std::int32_t* segment;
+    const char* traffic;
+  } rows[] = {{&m_LED1Status, "4=1 3=8 3=13"},
+              {&m_LED2Status, "4=3 3=8 3=13"},
+              {&m_LED3Status, "4=7 3=8 3=13"},
+              {&m_LED4Status, "4=15 3=8 3=13"}};
+  for (const auto& row : rows) {
+    *row.segment = 1;
+    SetLEDState(90, 2);
+    EXPECT_EQ(traffic(), row.traffic);
+  }
 }
 
 // State 3 is taken by cameras with a lighting controller, and does nothing there. Under index -1
@@ -216,24 +210,20 @@ TEST_F(LedState, WifiOddities) {
 
 // The reads: of the feature word, of the families that ask, and of the rule itself.
 TEST_F(LedState, ReadsInOrder) {
-  const std::string word = "bus 128? ", asks = "bus 128? bus 132? ",
-                    write = "bus 128? bus 128? bus ";
+  const std::string word = "b 128? ", asks = "b 128? b 132? ", write = "b 128? b 128? b ";
   const struct {
     std::uint16_t pid;
     Registers registers;
     int state;
     std::string traffic;
   } rows[] = {
-      {0x870, {0xFF}, 0, word + "bus p R80=F0 p"},
-      {0x9A0, {0xFF}, 1, word + "bus p " + asks + asks + "R80=F1"},
-      {0x922, {0xFF}, 2, word + "bus p R80=F4"},
-      {0x9E0, {0x01}, 3, word + "bus 131? bus p bus 132?"},
-      {0x9E0, {0x01}, 0, word + "bus 131? bus p bus 132? " + write + "4=16 p " + write + "4=32 p"},
-      {0x9E0,
-       {0x00},
-       1,
-       word + "bus 131? bus p " + asks + asks + "bus 128? p bus 132? p bus 131? p"},
-      {0x9E0, {0x00}, 2, word + "bus 131? bus p bus 128? bus 131? bus 132?"},
+      {0x870, {0xFF}, 0, word + "b p R80=F0 p"},
+      {0x9A0, {0xFF}, 1, word + "b p " + asks + asks + "R80=F1"},
+      {0x922, {0xFF}, 2, word + "b p R80=F4"},
+      {0x9E0, {0x01}, 3, word + "b 131? b p b 132?"},
+      {0x9E0, {0x01}, 0, word + "b 131? b p b 132? " + write + "4=16 p " + write + "4=32 p"},
+      {0x9E0, {0x00}, 1, word + "b 131? b p " + asks + asks + "b 128? p b 132? p b 131? p"},
+      {0x9E0, {0x00}, 2, word + "b 131? b p b 128? b 131? b 132?"},
   };
   for (const auto& row : rows) {
     VirtualBridge camera(row.pid);
@@ -246,38 +236,35 @@ TEST_F(LedState, ReadsInOrder) {
 
 // State 2 of 0x9E0 to 0x9EF reads the registers and then goes by what was known before.
 TEST_F(LedState, GoesByKnownRegistersWhereTheRuleSaysSo) {
-  VirtualBridge camera(0x9E0);
-  program(camera.camera, {0x0A, 4});
-  plugBridges({&camera});
+  plug(0x9E0);
+  program(bridge->camera, {0x0A, 4});
   SEGCount[0] = 1;
   ul80 = 0;
   SetLEDState(0, 2);
   EXPECT_EQ(traffic(), "p");
   ul80 = 0x0A;
   ul84 = 4;
-  program(camera.camera, {0x00, 0});
+  program(bridge->camera, {0x00, 0});
   SetLEDState(0, 2);
   EXPECT_EQ(traffic(), "p 4=8 p p 3=6 p");
 }
 
 TEST_F(LedState, SegmentModeIsEnteredOnce) {
-  VirtualBridge camera(0x998);
-  program(camera.camera, {0x01, 5});
-  plugBridges({&camera});
+  plug(0x998);
+  program(bridge->camera, {0x01, 5});
   SetLEDState(0, 1);
   traffic();
   SetLEDState(0, 2);
   EXPECT_EQ(traffic(), "p F2 0 F3 0 p 4=16 p 3=13 p");
   EXPECT_EQ(SEGCount[0], 0) << "not counted as a lighting command";
-  camera.camera.controller().set(0x84, 7);
+  bridge->camera.controller().set(0x84, 7);
   SetLEDState(0, 0);
   EXPECT_EQ(traffic(), "p F2 1 p F3 1 p F2 1 F3 1 4=16 p p p 3=7 p p") << "the first one counted";
 }
 
 TEST_F(LedState, OtherStatesAndDevicesChangeNothing) {
-  VirtualBridge camera(0x9E0);
-  program(camera.camera, {0x01, 5});
-  plugBridges({&camera});
+  plug(0x9E0);
+  program(bridge->camera, {0x01, 5});
   for (const int state : {3, -1, INT_MIN, INT_MAX}) {
     SetLEDState(0, state);
     EXPECT_EQ(traffic(), "p") << state;
@@ -286,29 +273,6 @@ TEST_F(LedState, OtherStatesAndDevicesChangeNothing) {
     SetLEDState(index, 1);
     EXPECT_EQ(traffic(), "p") << index;
     EXPECT_EQ(nPid, 0);
-  }
-}
-
-TEST_F(LedState, ShowsInTheLightOfBridgeCameras) {
-  for (const int pid : {0x870, 0x872, 0x922, 0x960, 0x978, 0x9C0, 0x9D0, 0x9E2, 0x9E9}) {
-    VirtualBridge camera(static_cast<std::uint16_t>(pid));
-    plugBridges({&camera});
-    SetLEDState(0, 1);
-    EXPECT_GT(camera.brightness(), 0.15) << std::hex << pid;
-    SetLEDState(0, 0);
-    EXPECT_EQ(camera.brightness(), 0) << std::hex << pid;
-    etLib2_Release();
-  }
-}
-
-TEST_F(LedState, ShowsInTheLightOfWifiCameras) {
-  for (const int pid : {0x870, 0x922, 0x960, 0x978, 0x9AE, 0x9D4}) {
-    simulator::Camera camera(static_cast<std::uint16_t>(pid));
-    plugWifi(camera);
-    SetLEDState(90, 1);
-    EXPECT_GT(camera.brightness(), 0.5) << std::hex << pid;
-    SetLEDState(90, 0);
-    EXPECT_EQ(camera.brightness(), 0) << std::hex << pid;
   }
 }
 

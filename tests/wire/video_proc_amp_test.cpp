@@ -2,34 +2,22 @@
 #include <climits>
 
 #include "qvx64/api.h"
-#include "simulator/platform/cameras.h"
-#include "state/device_state.h"
-#include "tests/support/library.h"
+#include "tests/support/cameras.h"
+#include "tests/support/every_export.h"
 
 namespace qvx::tests {
 namespace {
 
-using simulator::HttpAnswer;
 using simulator::VirtualBridge;
 
-constexpr qvx_long untouched = 77;
-
-struct Range {
-  qvx_long least = untouched, most = untouched, step = untouched, standard = untouched;
-  bool operator==(const Range&) const = default;
-};
-
-Range rangeOf(qvx_long property) {
-  Range range;
-  EXPECT_EQ(
-      GetVideoProcAmpValueRange(&property, &range.least, &range.most, &range.step, &range.standard),
-      0);
-  return range;
+// The result, then the range: -7 stands for a value that is left alone.
+std::string rangeOf(int property) {
+  return exportNamed("GetVideoProcAmpValueRange").call({.index = property});
 }
 
-constexpr Range none = {-1, -1, -1, -1};
+const std::string unknown = "0 -1 -1 -1 -1", leftAlone = "0 -7 -7 -7 -7";
 
-class VideoProcAmpCapture : public LibraryTest {
+class VideoProcAmpCapture : public CameraTest {
  protected:
   VideoProcAmpCapture() {
     machine().videoInputs = {bridgeInput(other, "1"), bridgeInput(camera, "2")};
@@ -37,12 +25,6 @@ class VideoProcAmpCapture : public LibraryTest {
     GetDeviceIDA(1);
     machine().open = {};
     journal();
-  }
-
-  std::string printedBy(const std::function<void()>& call) {
-    testing::internal::CaptureStdout();
-    call();
-    return testing::internal::GetCapturedStdout();
   }
 
   VirtualBridge other{0x970}, camera{0x970};
@@ -60,7 +42,7 @@ TEST_F(VideoProcAmpCapture, AsksTheCurrentCameraInTheseSteps) {
   EXPECT_EQ(journal(), session("set 0 to -5 manually"));
   EXPECT_EQ(GetVideoProcAmp(0), -5);
   EXPECT_EQ(journal(), session("get 0"));
-  EXPECT_EQ(rangeOf(5), (Range{72, 500, 1, 100}));
+  EXPECT_EQ(rangeOf(5), "0 72 500 1 100");
   EXPECT_EQ(journal(), session("range of 5"));
   EXPECT_EQ(other.picture.get(*simulator::pictureControl(0)).value, 0);
 }
@@ -87,7 +69,7 @@ TEST_F(VideoProcAmpCapture, PropertyThatTheCameraLacksIsMinusOne) {
   for (const int property : {6, 10, -1, INT_MIN, INT_MAX}) {
     SetVideoProcAmp(property, 1);
     EXPECT_EQ(GetVideoProcAmp(property), -1) << property;
-    EXPECT_EQ(rangeOf(property), none) << property;
+    EXPECT_EQ(rangeOf(property), unknown) << property;
   }
 }
 
@@ -97,7 +79,7 @@ TEST_F(VideoProcAmpCapture, FindsNoCameraUnderAnotherName) {
     SetVideoDeviceIndex(index);
     journal();
     EXPECT_EQ(GetVideoProcAmp(0), -1) << index;
-    EXPECT_EQ(rangeOf(0), Range{}) << index;
+    EXPECT_EQ(rangeOf(0), leftAlone) << index;
     EXPECT_EQ(journal(), search + search) << index;
   }
   // The table has lower-case paths; a name with a capital letter is another one.
@@ -108,34 +90,31 @@ TEST_F(VideoProcAmpCapture, FindsNoCameraUnderAnotherName) {
   EXPECT_EQ(machine().open, simulator::OpenCounts{});
 }
 
-TEST_F(VideoProcAmpCapture, SaysWhenThereIsNothing) {
+// Every call says it; a property reads as -1 where a camera was found.
+TEST_F(VideoProcAmpCapture, SaysWhatIsMissing) {
+  const auto check = [](const std::string& message, int value) {
+    EXPECT_EQ(printedBy([=] { EXPECT_EQ(GetVideoProcAmp(0), value); }), message);
+    EXPECT_EQ(printedBy([] { SetVideoProcAmp(0, 1); }), message);
+    EXPECT_EQ(printedBy([] { EXPECT_EQ(rangeOf(0), leftAlone); }), message);
+  };
+  machine().videoInputs[1].picture = nullptr;
+  check("\nDevice does not support IAMVideoProcAmp!\n", -1);
+  machine().open = {};
   machine().videoInputs.clear();
-  EXPECT_EQ(printedBy([] { EXPECT_EQ(GetVideoProcAmp(0), 0); }), "No Device Found!\n");
-  EXPECT_EQ(printedBy([] { SetVideoProcAmp(0, 1); }), "No Device Found!\n");
-  EXPECT_EQ(printedBy([] { EXPECT_EQ(rangeOf(0), Range{}); }), "No Device Found!\n");
+  check("No Device Found!\n", 0);
   EXPECT_EQ(machine().open, simulator::OpenCounts{});
 }
 
-TEST_F(VideoProcAmpCapture, SaysWhenTheCameraHasNoProperties) {
-  const std::string message = "\nDevice does not support IAMVideoProcAmp!\n";
-  machine().videoInputs[1].picture = nullptr;
-  EXPECT_EQ(printedBy([] { EXPECT_EQ(GetVideoProcAmp(0), -1); }), message);
-  EXPECT_EQ(printedBy([] { SetVideoProcAmp(0, 1); }), message);
-  EXPECT_EQ(printedBy([] { EXPECT_EQ(rangeOf(0), Range{}); }), message);
-}
-
 TEST_F(VideoProcAmpCapture, OutlivesTheFailureOfEveryStep) {
+  // Without a graph, a builder or the stream settings the amplifier is still asked.
+  const int values[] = {0, -1, 32, 32, 32, 32, -1, -1};
   for (std::uint64_t step = 1; step <= 8; ++step) {
     machine().set({simulator::Fault::fails, step, 1});
-    printedBy([&] {
-      // Without a graph, a builder or the stream settings the amplifier is still asked.
-      const bool needed = step == 2 || step > 6;
-      EXPECT_EQ(GetVideoProcAmp(1), step == 1 ? 0 : needed ? -1 : 32) << step;
-    });
+    printedBy([&] { EXPECT_EQ(GetVideoProcAmp(1), values[step - 1]) << step; });
   }
 }
 
-class VideoProcAmpWifi : public LibraryTest {
+class VideoProcAmpWifi : public CameraTest {
  protected:
   VideoProcAmpWifi() {
     machine().wifi = wifiFront(camera);
@@ -143,35 +122,28 @@ class VideoProcAmpWifi : public LibraryTest {
   }
   ~VideoProcAmpWifi() override { EXPECT_EQ(complaintsOf(camera), ""); }
 
-  void answer(std::vector<std::string> chunks, bool breaksOff = false) {
-    machine().wifi = [=](const std::string&) { return HttpAnswer{true, chunks, breaksOff}; };
-  }
-
   simulator::Camera camera{0x970};
 };
-
-const std::string base = "http://127.0.0.1:8080/";
 
 TEST_F(VideoProcAmpWifi, SendsACommandAndDoesNotReadItsAnswer) {
   const struct {
     int property;
-    const char* id;
     qvx_long value;
     const char* sent;
   } rows[] = {
-      {0, "9963776", -64, "-64"},
-      {1, "9963777", 95, "95"},
-      {2, "9963779", 1, "1"},
-      {3, "9963778", 0, "0"},
-      {4, "9963803", 7, "7"},
-      {5, "9963792", 500, "500"},
-      {0, "9963776", -2147483647 - 1, "-2147483648"},
+      {0, -64, "9963776&group=1&value=-64"},
+      {1, 95, "9963777&group=1&value=95"},
+      {2, 1, "9963779&group=1&value=1"},
+      {3, 0, "9963778&group=1&value=0"},
+      {4, 7, "9963803&group=1&value=7"},
+      {5, 500, "9963792&group=1&value=500"},
+      {0, INT_MIN, "9963776&group=1&value=-2147483648"},
   };
   for (const auto& row : rows) {
     machine().open = {};
     SetVideoProcAmp(row.property, row.value);
-    EXPECT_EQ(journal(), Journal{"GET " + base + "?action=commandcontrol&dest=0plugin=0&id=" +
-                                 row.id + "&group=1&value=" + row.sent});
+    EXPECT_EQ(journal(),
+              Journal{"GET " + cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=" + row.sent});
     EXPECT_EQ(machine().open.internetSessions, 0);
     EXPECT_EQ(machine().open.internetRequests, 1);
   }
@@ -182,9 +154,9 @@ TEST_F(VideoProcAmpWifi, ReadsTheControlDocument) {
   machine().open = {};
   journal();
   EXPECT_EQ(GetVideoProcAmp(3), 17);
-  EXPECT_EQ(journal(), Journal{"GET " + base + "input_0_control.json"});
-  EXPECT_EQ(rangeOf(2), (Range{-40, 40, 1, 0}));
-  EXPECT_EQ(rangeOf(4), (Range{0, 7, 1, 2}));
+  EXPECT_EQ(journal(), Journal{"GET " + cameraUrl + "input_0_control.json"});
+  EXPECT_EQ(rangeOf(2), "0 -40 40 1 0");
+  EXPECT_EQ(rangeOf(4), "0 0 7 1 2");
   EXPECT_EQ(machine().open.internetSessions, 3);
   EXPECT_EQ(machine().open.internetRequests, 3);
 }
@@ -193,7 +165,7 @@ TEST_F(VideoProcAmpWifi, RefusesOtherPropertiesWithoutAsking) {
   for (const int property : {6, 9, 13, -1, INT_MIN, INT_MAX}) {
     SetVideoProcAmp(property, 1);
     EXPECT_EQ(GetVideoProcAmp(property), -1) << property;
-    EXPECT_EQ(rangeOf(property), none) << property;
+    EXPECT_EQ(rangeOf(property), unknown) << property;
   }
   EXPECT_EQ(journal(), Journal{});
 }
@@ -225,10 +197,12 @@ TEST_F(VideoProcAmpWifi, TakesEachReadAsADocument) {
   };
   for (const auto& row : rows) {
     for (const bool breaksOff : {false, true}) {
-      answer(row.chunks, breaksOff);
+      machine().wifi = [&](const std::string&) {
+        return simulator::HttpAnswer{true, row.chunks, breaksOff};
+      };
       machine().open = {};
       EXPECT_EQ(GetVideoProcAmp(2), row.value);
-      EXPECT_EQ(rangeOf(2).most, row.value != 0 ? 40 : untouched);
+      EXPECT_EQ(rangeOf(2), row.value != 0 ? "0 0 40 0 0" : leftAlone);
       EXPECT_EQ(machine().open.internetSessions, row.value != 0 ? 2 : 0);
       EXPECT_EQ(machine().open.internetRequests, row.value != 0 ? 2 : 0);
     }
@@ -239,7 +213,7 @@ TEST_F(VideoProcAmpWifi, WithoutACamera) {
   machine().wifi = nullptr;
   SetVideoProcAmp(0, 1);
   EXPECT_EQ(GetVideoProcAmp(0), 0);
-  EXPECT_EQ(rangeOf(0), Range{});
+  EXPECT_EQ(rangeOf(0), leftAlone);
   EXPECT_EQ(machine().open, simulator::OpenCounts{});
 }
 
