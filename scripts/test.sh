@@ -46,38 +46,50 @@ stage_release() {
   done
 }
 
-summary=""
-passed=0
-failed=0
-
-# Adds what the log says of its tests; a stage without tests is one itself, and so is a failure
-# outside of them. A skipped test counts as neither.
+# How many tests the log tells of, as "passed failed"; a stage without tests is one itself, and so is
+# a failure outside of them. A skipped test counts as neither.
 count_tests() {
-  local log=$1 status=$2 skipped
+  local log=$1 status=$2 skipped passed=$(($2 == 0)) failed=0
   local line='tests passed, ([0-9]+) tests failed out of ([0-9]+)'
-  stage_passed=$((status == 0))
-  stage_failed=0
   if [[ $(grep 'tests failed out of' "$log" | tail -n 1) =~ $line ]]; then
     skipped=$(grep -c '\*\*\*Skipped' "$log")
-    stage_failed=${BASH_REMATCH[1]}
-    stage_passed=$((BASH_REMATCH[2] - stage_failed - skipped))
+    failed=${BASH_REMATCH[1]}
+    passed=$((BASH_REMATCH[2] - failed - skipped))
   fi
-  [ "$status" -eq 0 ] || [ "$stage_failed" -gt 0 ] || stage_failed=1
-  passed=$((passed + stage_passed))
-  failed=$((failed + stage_failed))
+  [ "$status" -eq 0 ] || [ "$failed" -gt 0 ] || failed=1
+  echo "$passed $failed"
 }
 
+# Leaves its line of the summary beside the log.
 run_stage() {
-  local stage=$1 log=$logs/$1.log status=0 result=pass start=$SECONDS
+  local stage=$1 log=$logs/$1.log status=0 start=$SECONDS
   echo "== $stage"
   "stage_$stage" </dev/null >"$log" 2>&1 || status=$?
-  if [ $status -ne 0 ]; then
-    result=FAIL
-    cat "$log"
-  fi
-  count_tests "$log" $status
-  summary+=$(printf '%-8s %s %5d passed %4d failed %5d s' \
-    "$stage" $result "$stage_passed" "$stage_failed" $((SECONDS - start)))$'\n'
+  [ $status -eq 0 ] || cat "$log"
+  echo "$stage $(count_tests "$log" $status) $((SECONDS - start))" >"$logs/$stage.result"
+}
+
+# Beside the stages that follow, with what processor time those leave: they wait more than they
+# compute.
+run_beside() {
+  (
+    renice -n 19 "$BASHPID" >/dev/null
+    run_stage "$1"
+  ) &
+}
+
+tell_results() {
+  local stage passed failed seconds all_passed=0 all_failed=0
+  echo
+  for stage in "${stages[@]}"; do
+    read -r stage passed failed seconds <"$logs/$stage.result"
+    printf '%-8s %s %5d passed %4d failed %5d s\n' "$stage" \
+      "$([ "$failed" -eq 0 ] && echo pass || echo FAIL)" "$passed" "$failed" "$seconds"
+    all_passed=$((all_passed + passed))
+    all_failed=$((all_failed + failed))
+  done
+  printf '\n%d passed, %d failed\n' $all_passed $all_failed
+  [ $all_failed -eq 0 ]
 }
 
 [ $# -eq 0 ] || stages=("$@")
@@ -85,7 +97,8 @@ for stage in "${stages[@]}"; do
   declare -F "stage_$stage" >/dev/null || fail "no stage \"$stage\""
 done
 scripts/setup.sh test || { echo "0 passed, 1 failed"; exit 1; }
-for stage in "${stages[@]}"; do run_stage "$stage"; done
-
-printf '\n%s\n%d passed, %d failed\n' "$summary" $passed $failed
-[ $failed -eq 0 ]
+for stage in "${stages[@]}"; do
+  if [ "$stage" = fuzz ]; then run_beside fuzz; else run_stage "$stage"; fi
+done
+wait
+tell_results

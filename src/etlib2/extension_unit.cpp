@@ -119,8 +119,8 @@ class ExtensionUnitBridge final : public Bridge {
   }
 
   // Runs a legacy transfer in its access mode and goes back to the normal one whatever its outcome.
-  // Nothing when the camera refused the mode. A camera that refused to go back is told nothing more:
-  // the next transfer sets its own mode, and no access is ever added to this sequence.
+  // Nothing when the camera refused the mode. A camera that refused to go back is told nothing
+  // more: the next transfer sets its own mode, and no access is ever added to this sequence.
   template <class Transfer>
   std::optional<bool> inAccessMode(std::size_t mode, Transfer transfer) {
     if (!setAccessMode(mode)) return std::nullopt;
