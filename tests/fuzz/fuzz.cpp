@@ -6,7 +6,10 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <new>
 #include <string>
+#include <string_view>
+#include <typeinfo>
 #include <vector>
 
 #include "api/guard.h"
@@ -92,9 +95,10 @@ class Story {
   }
 
   int index() {
-    constexpr int indexes[] = {0, 90, -1, 1, 7, 8, -2};
+    constexpr int indexes[] = {0, 90, -1, 1, 7};
     if (input_.oneIn(2)) return GetVideoDeviceIndex();
-    return input_.oneIn(16) ? anyNumber() : input_.oneOf(indexes);
+    if (input_.oneIn(4)) return input_.oneIn(4) ? anyNumber() : input_.number(-4, 95);
+    return input_.oneOf(indexes);
   }
   int anyNumber() {
     using Limits = std::numeric_limits<int>;
@@ -203,6 +207,17 @@ Story* Story::current = nullptr;
 }  // namespace
 
 }  // namespace qvx::fuzz
+
+// Only exhausted memory may make the library throw: anything else would be a check that is missing,
+// hidden by the guards of the exports. jsoncpp throws at what is nested too deeply.
+extern "C" void __interceptor___cxa_throw(void*, std::type_info*, void (*)(void*));
+extern "C" [[noreturn]] void __cxa_throw(void* exception, std::type_info* type,
+                                         void (*destroy)(void*)) {
+  const bool isJson = std::string_view(type->name()).starts_with("N4Json");
+  if (!isJson && *type != typeid(std::bad_alloc)) qvx::fuzz::broken("an exception", type->name());
+  __interceptor___cxa_throw(exception, type, destroy);
+  std::abort();
+}
 
 // The library prints what it learns of USB 3 cameras.
 extern "C" int LLVMFuzzerInitialize(int*, char***) {

@@ -142,7 +142,7 @@ const struct {
 }  // namespace
 
 void broken(const char* what, const std::string& how) {
-  std::fprintf(stderr, "broken promise of %s: %s\n", what, how.c_str());
+  std::fprintf(stderr, "broken: %s: %s\n", what, how.c_str());
   std::abort();
 }
 
