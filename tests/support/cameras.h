@@ -43,13 +43,24 @@ class CameraTest : public LibraryTest {
       name(index, camera->camera.productId());
       machine().videoInputs.push_back(bridgeInput(*camera, std::to_string(++index)));
     }
-    openBridges();
+    etLib2_Init();
+    etLib2_SelectI2cBus_DevNum(0, 2, 0);
+    journal();
   }
-  void plugHid(simulator::VirtualBridge& camera) {
+
+  // A new bridge of the test's own, at index 0.
+  void plug(int pid, const simulator::BridgeSetup& setup = {}) {
+    bridge = std::make_unique<simulator::VirtualBridge>(static_cast<std::uint16_t>(pid), setup);
+    nPid = 0;
+    plugBridges({bridge.get()});
+  }
+  void plugHid(int pid, const simulator::BridgeSetup& setup = {}) {
+    plug(pid, setup);
     machine().videoInputs.clear();
-    machine().hidInterfaces = {{bridgeHidInterface(camera)}};
-    name(0, camera.camera.productId());
-    openBridges();
+    machine().hidInterfaces = {{bridgeHidInterface(*bridge)}};
+    etLib2_Init();
+    etLib2_SelectI2cBus_DevNum(0, 2, 0);
+    journal();
   }
 
   void plugUsb3(int pid, const std::shared_ptr<simulator::ControlEndpoint>& endpoint) {
@@ -61,24 +72,11 @@ class CameraTest : public LibraryTest {
   }
   void plugUsb3(simulator::Camera& camera) { plugUsb3(camera.productId(), usb3Front(camera)); }
 
-  // On a new bridge of the test's own.
-  void plug(int pid) {
-    bridge = std::make_unique<simulator::VirtualBridge>(static_cast<std::uint16_t>(pid));
-    nPid = 0;
-    plugBridges({bridge.get()});
-  }
   simulator::Sensor& sensor() { return bridge->camera.sensor(); }
 
   std::string traffic() { return trafficIn(journal()); }
 
   std::unique_ptr<simulator::VirtualBridge> bridge;
-
- private:
-  void openBridges() {
-    etLib2_Init();
-    etLib2_SelectI2cBus_DevNum(0, 2, 0);
-    journal();
-  }
 };
 
 // The lights' traffic; with the reads, and the switch between them, or without.

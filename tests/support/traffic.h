@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdio>
+#include <regex>
 #include <string>
 
 #include "tests/support/library.h"
@@ -114,6 +115,24 @@ inline std::string trafficIn(const Journal& journal, bool ofLights = false) {
                                                           : shortened(line, shortForms);
     if (ofLights) part = shortened(part, lightForms);
     if (!part.empty()) all += (all.empty() ? "" : " ") + part;
+  }
+  return all;
+}
+
+// Every byte that goes to a bridge: "27[32] 00 17 02" sets selector or report 27 to 32 bytes, of
+// which those not shown are 0, a report without its id; "get 27 32" fetches as many.
+inline std::string bytesIn(const Journal& journal) {
+  static const std::regex set("set ([^: ]+):? (.*?)((?: 00)*)");
+  std::string all;
+  for (const std::string& line : journal) {
+    const std::string bare = std::regex_replace(line, std::regex("5A215226/|feature "), "");
+    std::smatch parts;
+    const bool isSet = std::regex_match(bare, parts, set);
+    all += all.empty() ? "" : ", ";
+    all += !isSet
+               ? bare
+               : parts.str(1) + '[' + std::to_string((parts.length(2) + parts.length(3) + 1) / 3) +
+                     "] " + parts.str(2);
   }
   return all;
 }

@@ -2,13 +2,10 @@
 #include "api/events.h"
 
 #include "qvx64/api.h"
-#include "tests/support/bytes.h"
 #include "tests/support/cameras.h"
 
 namespace qvx::tests {
 namespace {
-
-using simulator::VirtualBridge;
 
 int presses = 0;
 
@@ -132,13 +129,12 @@ TEST_F(BridgeButton, SevenThousandsAreAskedByCommand) {
 
 TEST_F(BridgeButton, WorksOverHid) {
   for (const int pid : {0x970, 0x870}) {
-    VirtualBridge camera(static_cast<std::uint16_t>(pid));
-    plugHid(camera);
+    plugHid(pid);
     m_MT = 0;
     tick();
-    camera.chip.pressButton();
+    bridge->chip.pressButton();
     EXPECT_EQ(firedIn(), 1) << std::hex << pid;
-    EXPECT_EQ(complaintsOf(camera.camera), "");
+    EXPECT_EQ(complaintsOf(bridge->camera), "");
   }
 }
 

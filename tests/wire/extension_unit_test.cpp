@@ -1,161 +1,109 @@
 // Bridge cameras over the extension unit: every selector's bytes, on every tier of firmware.
 #include <array>
 
-#include "etlib2/etLib2.h"
-#include "simulator/platform/cameras.h"
-#include "tests/support/bytes.h"
-#include "tests/support/library.h"
+#include "tests/support/cameras.h"
 
 namespace qvx::tests {
 namespace {
 
 using simulator::BridgeFirmware;
 using simulator::bridgeInput;
-using simulator::ExtensionUnit;
 using simulator::Fault;
 using simulator::VirtualBridge;
 
-class ExtensionUnitWire : public LibraryTest {
- protected:
-  void open(VirtualBridge& camera) {
-    machine().videoInputs = {bridgeInput(camera)};
-    ASSERT_EQ(etLib2_Init(), 1);
-    journal();
-  }
+constexpr std::uint32_t failed = 0x80004005;
 
-  std::uint32_t read(std::uint32_t address, std::uint32_t length, std::uint32_t& value) {
-    return etLib2_RegRead_DevNum(0, address, length, &value);
+class ExtensionUnitWire : public CameraTest {
+ protected:
+  ~ExtensionUnitWire() override { EXPECT_EQ(bridge ? complaintsOf(bridge->camera) : "", ""); }
+
+  std::uint32_t read(std::uint32_t address, std::uint32_t length, std::uint32_t expected = 0) {
+    std::uint32_t value = 0xEEEEEEEE;
+    const std::uint32_t status = etLib2_RegRead_DevNum(0, address, length, &value);
+    EXPECT_EQ(value, status == 0 ? expected : 0xEEEEEEEE);
+    return status;
   }
   std::uint32_t write(std::uint32_t address, std::uint32_t length, std::uint32_t value) {
     return etLib2_RegWrite_DevNum(0, address, length, &value);
   }
-  // Controller registers, after the bus was selected.
-  std::uint32_t readController(std::uint8_t reg, std::uint8_t& data) {
-    etLib2_SelectI2cBus_DevNum(0, 2, 0);
-    journal();
-    return etLib2_I2cRead_DevNum(0, 0x62, 1, &reg, 1, &data);
+  // Register 3 of a slave.
+  std::uint32_t readI2c(std::uint32_t slave, std::uint8_t expected = 0) {
+    std::uint8_t reg = 3, data = 0xEE;
+    const std::uint32_t status = etLib2_I2cRead_DevNum(0, slave, 1, &reg, 1, &data);
+    EXPECT_EQ(data, status == 0 ? expected : 0xEE);
+    return status;
   }
-  std::uint32_t writeController(std::uint8_t reg, std::uint8_t data) {
-    etLib2_SelectI2cBus_DevNum(0, 2, 0);
-    journal();
-    return etLib2_I2cWrite_DevNum(0, 0x62, 1, &reg, 1, &data);
+  std::uint32_t writeI2c(std::uint32_t slave, std::uint8_t data) {
+    std::uint8_t reg = 3;
+    return etLib2_I2cWrite_DevNum(0, slave, 1, &reg, 1, &data);
   }
+  std::string bytes() { return bytesIn(journal()); }
 };
 
-Journal requests(std::initializer_list<std::string> lines) {
-  Journal full;
-  for (const std::string& line : lines) {
-    const auto space = line.find(' ') + 1;
-    full.push_back(line.substr(0, space) + "5A215226/" + line.substr(space));
-  }
-  return full;
-}
-
 TEST_F(ExtensionUnitWire, OneShotFirmware) {
-  VirtualBridge camera(0x970);
-  open(camera);
-  std::uint32_t value = 0;
+  plug(0x970);
   EXPECT_EQ(write(0x1700, 2, 0xAABB8123), 0u);
-  EXPECT_EQ(read(0x1700, 2, value), 0u);
-  EXPECT_EQ(value, 0x8123u);
-  EXPECT_EQ(journal(), requests({"set 27: 00 17 02 23 81" + zeros(27),
-                                 "set 26: 00 17 02" + zeros(29), "get 26 32"}));
-  std::uint8_t data = 0;
-  EXPECT_EQ(writeController(0x03, 0x4D), 0u);
-  EXPECT_EQ(journal(), requests({"set 21: 00 62 00 01 03 01 4D" + zeros(25)}));
-  EXPECT_EQ(readController(0x03, data), 0u);
-  EXPECT_EQ(data, 0x4D);
-  EXPECT_EQ(journal(), requests({"set 20: 00 62 00 01 03 01" + zeros(26), "get 20 32"}));
-  EXPECT_EQ(complaintsOf(camera.camera), "");
+  EXPECT_EQ(read(0x1700, 2, 0x8123), 0u);
+  EXPECT_EQ(bytes(), "27[32] 00 17 02 23 81, 26[32] 00 17 02, get 26 32");
+  EXPECT_EQ(writeI2c(0x62, 0x4D), 0u);
+  EXPECT_EQ(readI2c(0x62, 0x4D), 0u);
+  EXPECT_EQ(bytes(), "21[32] 00 62 00 01 03 01 4D, 20[32] 00 62 00 01 03 01, get 20 32");
 }
 
 TEST_F(ExtensionUnitWire, WideLegacyFirmware) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::wide});
-  open(camera);
-  std::uint32_t value = 0;
+  plug(0x970, {.firmware = BridgeFirmware::wide});
   EXPECT_EQ(write(0x1700, 2, 0x8123), 0u);
-  EXPECT_EQ(read(0x1700, 2, value), 0u);
-  EXPECT_EQ(value, 0x8123u);
-  EXPECT_EQ(journal(),
-            requests({"set 27: 00 17 02 23 81" + zeros(27), "set 1: 05", "set 11: 00 17 02 23 81",
-                      "set 1: 01", "set 26: 00 17 02" + zeros(29), "set 1: 03", "set 10: 00 17 02",
-                      "get 10 2", "set 1: 01"}));
-  const auto statusCheck = requests(
-      {"set 26: 05 00 01" + zeros(29), "set 1: 03", "set 10: 05 00 01", "get 10 1", "set 1: 01"});
-  std::uint8_t data = 0;
-  EXPECT_EQ(writeController(0x03, 0x4D), 0u);
-  EXPECT_EQ(journal(), requests({"set 21: 00 62 00 01 03 01 4D" + zeros(25), "set 1: 05",
-                                 "set 5: 62 02 01 03 4D", "set 1: 01"}) +
-                           statusCheck);
-  EXPECT_EQ(readController(0x03, data), 0u);
-  EXPECT_EQ(data, 0x4D);
-  EXPECT_EQ(journal(), requests({"set 20: 00 62 00 01 03 01" + zeros(26),
-                                 // the sub-address alone, first
-                                 "set 21: 00 62 00 01 03 00" + zeros(26), "set 1: 04",
-                                 "set 5: 62 01 00 03", "set 1: 01"}) +
-                           statusCheck +
-                           requests({"set 1: 03", "set 4: 62 01 01", "get 4 1", "set 1: 01"}) +
-                           statusCheck);
-  EXPECT_EQ(complaintsOf(camera.camera), "");
+  EXPECT_EQ(read(0x1700, 2, 0x8123), 0u);
+  EXPECT_EQ(bytes(),
+            "27[32] 00 17 02 23 81, 1[1] 05, 11[5] 00 17 02 23 81, 1[1] 01, "
+            "26[32] 00 17 02, 1[1] 03, 10[3] 00 17 02, get 10 2, 1[1] 01");
+  const std::string statusCheck = ", 26[32] 05 00 01, 1[1] 03, 10[3] 05 00 01, get 10 1, 1[1] 01";
+  EXPECT_EQ(writeI2c(0x62, 0x4D), 0u);
+  EXPECT_EQ(bytes(),
+            "21[32] 00 62 00 01 03 01 4D, 1[1] 05, 5[5] 62 02 01 03 4D, 1[1] 01" + statusCheck);
+  EXPECT_EQ(readI2c(0x62, 0x4D), 0u);
+  EXPECT_EQ(bytes(),
+            "20[32] 00 62 00 01 03 01, "
+            // the sub-address alone, first
+            "21[32] 00 62 00 01 03, 1[1] 04, 5[4] 62 01 00 03, 1[1] 01" +
+                statusCheck + ", 1[1] 03, 4[3] 62 01 01, get 4 1, 1[1] 01" + statusCheck);
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  journal();
+  EXPECT_EQ(readI2c(0x62, 0x4D), 0u);
+  EXPECT_TRUE(
+      bytes().starts_with("20[32] 00 62 01 01 03 01, 21[32] 00 62 01 01 03, "
+                          "1[1] 04, 5[4] 62 01 01 03, "))
+      << "the speed, when no data follow";
+  EXPECT_EQ(writeI2c(0x46, 0), failed) << "no such slave";
+  EXPECT_EQ(readI2c(0x46), failed);
 }
 
 TEST_F(ExtensionUnitWire, NarrowLegacyFirmware) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::narrow});
-  open(camera);
-  std::uint32_t value = 0;
+  plug(0x970, {.firmware = BridgeFirmware::narrow});
   EXPECT_EQ(write(0x80, 1, 0xF2), 0u);
-  EXPECT_EQ(read(0x80, 1, value), 0u);
-  EXPECT_EQ(value, 0xF2u);
-  EXPECT_EQ(journal(),
-            requests({"set 27: 80 00 01 F2" + zeros(28), "set 1: 04", "set 11: 80 00 01 F2",
-                      "set 1: 01", "set 1: 03", "set 3: 80 01 F2", "set 1: 01",
-                      "set 26: 80 00 01" + zeros(29), "set 1: 03", "set 10: 80 00 01", "set 1: 01",
-                      "set 1: 02", "set 2: 80 01", "get 2 1", "set 1: 01"}));
-  std::uint8_t data = 0;
-  EXPECT_EQ(readController(0x80, data), 0u);
-  EXPECT_EQ(data, camera.camera.controller().at(0x80));
-  EXPECT_EQ(complaintsOf(camera.camera), "");
-}
-
-TEST_F(ExtensionUnitWire, FastTransfersSayTheirSpeed) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::wide});
-  open(camera);
-  etLib2_SelectI2cBus_DevNum(0, 2, 1);
-  journal();
-  std::uint8_t reg = 0x03, data = 0;
-  etLib2_I2cRead_DevNum(0, 0x62, 1, &reg, 1, &data);
-  const Journal lines = journal();
-  EXPECT_EQ(lines[0], "set 5A215226/20: 00 62 01 01 03 01" + zeros(26));
-  EXPECT_EQ(lines[3], "set 5A215226/5: 62 01 01 03") << "the speed, when no data follow";
-}
-
-TEST_F(ExtensionUnitWire, TransferThatTheSlaveRefusedFails) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::wide});
-  open(camera);
-  etLib2_SelectI2cBus_DevNum(0, 2, 0);
-  std::uint8_t reg = 0, data = 9;
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x46, 0, nullptr, 1, &data), 0x80004005u);
-  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x46, 1, &reg, 1, &data), 0x80004005u);
-  EXPECT_EQ(data, 9);
+  EXPECT_EQ(read(0x80, 1, 0xF2), 0u);
+  EXPECT_EQ(bytes(),
+            "27[32] 80 00 01 F2, 1[1] 04, 11[4] 80 00 01 F2, 1[1] 01, "
+            "1[1] 03, 3[3] 80 01 F2, 1[1] 01, 26[32] 80 00 01, 1[1] 03, 10[3] 80 00 01, 1[1] 01, "
+            "1[1] 02, 2[2] 80 01, get 2 1, 1[1] 01");
+  EXPECT_EQ(writeI2c(0x62, 0x4D), 0u);
+  EXPECT_EQ(readI2c(0x62, 0x4D), 0u);
 }
 
 TEST_F(ExtensionUnitWire, RefusedAccessModeEndsTheAccess) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::wide});
-  open(camera);
-  std::uint32_t value = 0;
+  plug(0x970, {.firmware = BridgeFirmware::wide});
   machine().set({Fault::fails, 2, 1});  // the access mode, after the one-shot request
-  EXPECT_EQ(read(0x85, 1, value), 0x80004005u);
-  EXPECT_EQ(journal(), requests({"set 26: 85 00 01" + zeros(29), "set 1: 03"}));
+  EXPECT_EQ(read(0x85, 1), failed);
+  EXPECT_EQ(bytes(), "26[32] 85 00 01, 1[1] 03");
   machine().set({Fault::fails, 2, 1});
-  EXPECT_EQ(write(0x80, 1, 0), 0x80004005u);
-  EXPECT_EQ(journal(), requests({"set 27: 80 00 01 00" + zeros(28), "set 1: 04"}));
+  EXPECT_EQ(write(0x80, 1, 0), failed);
+  EXPECT_EQ(bytes(), "27[32] 80 00 01, 1[1] 04");
 }
 
 // A camera of its own making: it answers every get with these bytes, and may refuse some selectors.
 class ScriptedNode final : public simulator::PropertyNode {
  public:
-  explicit ScriptedNode(std::vector<std::uint8_t> reply) : reply_(std::move(reply)) {}
-
+  std::vector<std::uint8_t> reply;
   std::vector<std::uint32_t> refused;
   bool refusesGets = false;
 
@@ -165,23 +113,20 @@ class ScriptedNode final : public simulator::PropertyNode {
     return std::find(refused.begin(), refused.end(), selector) == refused.end();
   }
   bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> data) override {
-    for (std::size_t i = 0; i < data.size(); ++i) data[i] = i < reply_.size() ? reply_[i] : 0xEE;
+    for (std::size_t i = 0; i < data.size(); ++i) data[i] = i < reply.size() ? reply[i] : 0xEE;
     return !refusesGets;
   }
-
- private:
-  std::vector<std::uint8_t> reply_;
 };
 
 class ScriptedCamera : public ExtensionUnitWire {
  protected:
-  std::shared_ptr<ScriptedNode> plug(std::vector<std::uint8_t> reply) {
-    auto node = std::make_shared<ScriptedNode>(std::move(reply));
+  ScriptedCamera() {
     machine().videoInputs = {{L"x", L"x", {node}}};
     etLib2_Init();
     journal();
-    return node;
   }
+
+  std::shared_ptr<ScriptedNode> node = std::make_shared<ScriptedNode>();
 };
 
 TEST_F(ScriptedCamera, ItsReplyCountHoldsWithinTheReply) {
@@ -191,7 +136,7 @@ TEST_F(ScriptedCamera, ItsReplyCountHoldsWithinTheReply) {
   } rows[] = {
       {0, {0, 0, 0}}, {2, {11, 22, 0}}, {3, {11, 22, 33}}, {31, {11, 22, 33}}, {255, {11, 22, 33}}};
   for (const auto& row : rows) {
-    plug({row.count, 11, 22, 33, 44});
+    node->reply = {row.count, 11, 22, 33, 44};
     std::array<std::uint8_t, 3> data = {1, 1, 1};
     EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 0, nullptr, 3, data.data()), 0u);
     EXPECT_EQ(data, row.data) << int{row.count};
@@ -199,79 +144,76 @@ TEST_F(ScriptedCamera, ItsReplyCountHoldsWithinTheReply) {
 }
 
 TEST_F(ScriptedCamera, BytesBeyondARegisterAreZero) {
-  plug({0x12, 0x34, 0x56, 0x78});
+  node->reply = {0x12, 0x34, 0x56, 0x78};
   const std::uint32_t expected[] = {0, 0x12, 0x3412, 0x563412, 0x78563412};
   for (std::uint32_t length = 0; length <= 4; ++length) {
-    std::uint32_t value = ~0u;
-    EXPECT_EQ(read(0x10, length, value), 0u);
-    EXPECT_EQ(value, expected[length]);
+    EXPECT_EQ(read(0x10, length, expected[length]), 0u);
   }
 }
 
-TEST_F(ScriptedCamera, OneShotReadWhoseFetchFailsHasFailed) {
-  const auto node = plug({1, 2, 3});
-  node->refusesGets = true;
-  std::uint8_t data = 9;
-  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 0, nullptr, 1, &data), 0x80004005u);
-  EXPECT_EQ(journal().size(), 2u);
-  EXPECT_EQ(data, 9);
-}
-
-TEST_F(ScriptedCamera, NoGetAfterARefusedSet) {
-  const auto node = plug({0, 0});
+TEST_F(ScriptedCamera, WhatItRefusesHasFailed) {
   node->refused = {26, 10, 2};
-  std::uint32_t value = 7;
-  EXPECT_EQ(read(0x85, 1, value), 0x80004005u);
-  EXPECT_EQ(journal(), requests({"set 26: 85 00 01" + zeros(29), "set 1: 03", "set 10: 85 00 01",
-                                 "set 1: 01", "set 1: 02", "set 2: 85 01", "set 1: 01"}));
+  EXPECT_EQ(read(0x85, 1), failed);
+  EXPECT_EQ(bytes(),
+            "26[32] 85 00 01, 1[1] 03, 10[3] 85 00 01, 1[1] 01, 1[1] 02, 2[2] 85 01, 1[1] 01")
+      << "no get after a refused set";
+  node->refusesGets = true;
+  EXPECT_EQ(readI2c(0x62), failed);
+  EXPECT_EQ(bytes(), "20[32] 00 62 00 01 03 01, get 20 32");
 }
 
 TEST_F(ScriptedCamera, RequestsTooLongForOneShotGoTheLegacyWay) {
-  plug({0});
+  const struct {
+    bool reads;
+    std::uint32_t subAddress, data;
+    const char* begins;
+  } rows[] = {{false, 27, 0, "21[32] 00 62 00 1B, "},
+              {false, 27, 1, "1[1] 1F, "},
+              {false, 64, 64, "1[1] 83, 5[131] 62 80 01, "},
+              {true, 28, 1, "1[1] 1F, "}};  // the sub-address alone
   std::array<std::uint8_t, 64> sub{}, data{};
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 27, sub.data(), 0, data.data()), 0u);
-  EXPECT_TRUE(journal()[0].starts_with("set 5A215226/21: 00 62 00 1B"));
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 27, sub.data(), 1, data.data()), 0u);
-  EXPECT_EQ(journal()[0], "set 5A215226/1: 1F");
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 64, sub.data(), 64, data.data()), 0u);
-  EXPECT_EQ(journal()[1], "set 5A215226/5: 62 80 01" + zeros(128));
-  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 28, sub.data(), 1, data.data()), 0u);
-  EXPECT_EQ(journal()[0], "set 5A215226/1: 1F") << "the sub-address alone";
+  for (const auto& row : rows) {
+    const std::uint32_t status =
+        row.reads
+            ? etLib2_I2cRead_DevNum(0, 0x62, row.subAddress, sub.data(), row.data, data.data())
+            : etLib2_I2cWrite_DevNum(0, 0x62, row.subAddress, sub.data(), row.data, data.data());
+    EXPECT_EQ(status, 0u);
+    EXPECT_TRUE((bytes() + ", ").starts_with(row.begins)) << row.subAddress << ' ' << row.data;
+  }
 }
 
 TEST_F(ExtensionUnitWire, CustomCommandsGoToTheCommandSet) {
-  VirtualBridge camera(0x970);
-  open(camera);
+  plug(0x970);
   std::array<std::uint8_t, 40> buffer = {0xF2, 0x01};
   EXPECT_EQ(etLib2_Custom_CMD_Write(0, 0xF0, 40, buffer.data()), 0u);
-  EXPECT_EQ(journal(), Journal{"set C66D125B/2: F0 F2 01" + zeros(253)});
+  EXPECT_EQ(bytes(), "C66D125B/2[256] F0 F2 01");
   buffer.fill(0xEE);
   buffer[0] = 0xF2;
   EXPECT_EQ(etLib2_Custom_CMD_Read(0, 0xF0, 1, buffer.data()), 0u);
-  EXPECT_EQ(journal(), (Journal{"set C66D125B/2: F0 F2" + zeros(254), "get C66D125B/2 256"}));
+  EXPECT_EQ(bytes(), "C66D125B/2[256] F0 F2, get C66D125B/2 256");
   EXPECT_EQ(buffer[31], 0) << "all 32 bytes come back";
   EXPECT_EQ(buffer[32], 0xEE);
   machine().set({Fault::fails});
   buffer.fill(0xEE);
-  EXPECT_EQ(etLib2_Custom_CMD_Read(0, 0xF0, 2, buffer.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Read(0, 0xF0, 2, buffer.data()), failed);
   EXPECT_EQ(buffer[2], 0) << "even of a command that failed";
-  EXPECT_EQ(etLib2_Custom_CMD_Write(0, 0xF0, 40, buffer.data()), 0x80004005u);
+  EXPECT_EQ(etLib2_Custom_CMD_Write(0, 0xF0, 40, buffer.data()), failed);
 }
 
 TEST_F(ExtensionUnitWire, FindsTheBridgesAmongAllInputs) {
-  VirtualBridge camera(0x970), silent(0x971, {}, ExtensionUnit::Variant::variant1);
-  auto foreign = bridgeInput(camera);
+  VirtualBridge good(0x970), silent(0x971, {}, simulator::ExtensionUnit::Variant::variant1);
+  auto foreign = bridgeInput(good);
   foreign.nodes = {nullptr, nullptr};
   machine().videoInputs = {
-      {L"no topology", L"x", {}}, foreign, bridgeInput(silent, "1"), bridgeInput(camera, "2")};
+      {L"no topology", L"x", {}}, foreign, bridgeInput(silent, "1"), bridgeInput(good, "2")};
   EXPECT_EQ(etLib2_Init(), 1);
   EXPECT_EQ(etLib2_GetDevTotalNum(), 2);
-  std::uint32_t value = 0;
   journal();
-  EXPECT_EQ(read(0x85, 1, value), 0x80004005u) << "its layouts are not known: nothing is sent";
-  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(read(0x85, 1), failed) << "its layouts are not known: nothing is sent";
+  EXPECT_EQ(bytes(), "");
+  std::uint32_t value = 0;
   EXPECT_EQ(etLib2_RegRead_DevNum(1, 0x85, 1, &value), 0u);
-  machine().videoInputs.assign(9, bridgeInput(camera));
+  machine().videoInputs.assign(9, bridgeInput(good));
   etLib2_Init();
   EXPECT_EQ(etLib2_GetDevTotalNum(), 8);
 }

@@ -1,10 +1,7 @@
 // Bridge cameras over HID: every report's bytes, and which devices count as bridges.
 #include <array>
 
-#include "etlib2/etLib2.h"
-#include "simulator/platform/cameras.h"
-#include "tests/support/bytes.h"
-#include "tests/support/library.h"
+#include "tests/support/cameras.h"
 
 namespace qvx::tests {
 namespace {
@@ -16,109 +13,83 @@ using simulator::Fault;
 using simulator::HidInterface;
 using simulator::VirtualBridge;
 
-class HidWire : public LibraryTest {
- protected:
-  void open(VirtualBridge& camera) {
-    machine().hidInterfaces = {{bridgeHidInterface(camera)}};
-    ASSERT_EQ(etLib2_Init(), 1);
-    journal();
-  }
+constexpr std::uint32_t failed = 0x80004005;
 
-  // What happened, with "set feature" and "get feature" as "set" and "get".
-  Journal reports() {
-    Journal lines = journal();
-    for (std::string& line : lines) line.erase(3, std::string(" feature").size());
-    return lines;
+class HidWire : public CameraTest {
+ protected:
+  ~HidWire() override { EXPECT_EQ(bridge ? complaintsOf(bridge->camera) : "", ""); }
+
+  std::string reports() { return bytesIn(journal()); }
+
+  void expectRegister(std::uint32_t address, std::uint32_t length, std::uint32_t written) {
+    EXPECT_EQ(etLib2_RegWrite_DevNum(0, address, length, &written), 0u);
+    EXPECT_EQ(etLib2_RegRead_DevNum(0, address, length, &value), 0u);
+    EXPECT_EQ(value, written);
+  }
+  void expectController() {
+    std::uint8_t reg = 0x03;
+    data = 0x4D;
+    EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, &reg, 1, &data), 0u);
+    data = 0;
+    EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 1, &reg, 1, &data), 0u);
+    EXPECT_EQ(data, 0x4D);
   }
 
   std::uint32_t value = 0;
   std::uint8_t data = 0;
 };
 
-const std::string fetch = "get 93 41";
-
 TEST_F(HidWire, RegistersInTheNarrowAndTheWideForm) {
-  VirtualBridge camera(0x970);
-  machine().hidInterfaces = {{bridgeHidInterface(camera)}};
+  plugHid(0x970);
   etLib2_Init();
-  EXPECT_EQ(reports(), (Journal{"set 87 08 00 00 04", fetch})) << "the chip's identity";
-  std::uint32_t word = 0xF0;
-  EXPECT_EQ(etLib2_RegWrite_DevNum(0, 0x80, 1, &word), 0u);
-  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x80, 1, &value), 0u);
-  EXPECT_EQ(value, 0xF0u);
-  word = 0x8123;
-  EXPECT_EQ(etLib2_RegWrite_DevNum(0, 0x1700, 2, &word), 0u);
-  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x1700, 2, &value), 0u);
-  EXPECT_EQ(value, 0x8123u);
-  EXPECT_EQ(reports(), (Journal{"set 87 01 00 00 00", "set 93 80 01 F0" + zeros(37),
-                                "set 87 00 80 01 00", fetch,  //
-                                "set 87 09 00 00 00", "set 93 00 17 02 23 81" + zeros(35),
-                                "set 87 08 00 17 02", fetch}));
-  EXPECT_EQ(complaintsOf(camera.camera), "");
+  EXPECT_EQ(reports(), "87[4] 08 00 00 04, get 93 41") << "the chip's identity";
+  expectRegister(0x80, 1, 0xF0);
+  EXPECT_EQ(reports(), "87[4] 01, 93[40] 80 01 F0, 87[4] 00 80 01, get 93 41");
+  expectRegister(0x1700, 2, 0x8123);
+  EXPECT_EQ(reports(), "87[4] 09, 93[40] 00 17 02 23 81, 87[4] 08 00 17 02, get 93 41");
 }
 
 TEST_F(HidWire, GenerationTwoAlwaysTakesTheWideForm) {
   for (const auto family : {BridgeFamily::generation2, BridgeFamily::generation2HidOnly}) {
-    VirtualBridge camera(0x970, {.family = static_cast<std::uint8_t>(family)});
-    open(camera);
+    plugHid(0x970, {.family = static_cast<std::uint8_t>(family)});
     EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 1, &value), 0u);
-    EXPECT_EQ(reports(), (Journal{"set 87 08 85 00 01", fetch}));
-    EXPECT_EQ(complaintsOf(camera.camera), "");
+    EXPECT_EQ(reports(), "87[4] 08 85 00 01, get 93 41");
   }
 }
 
 TEST_F(HidWire, OneShotI2c) {
-  VirtualBridge camera(0x970);
-  open(camera);
+  plugHid(0x970);
   etLib2_SelectI2cBus_DevNum(0, 2, 1);
   journal();
-  std::uint8_t reg = 0x03;
-  data = 0x4D;
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, &reg, 1, &data), 0u);
-  data = 0;
-  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 1, &reg, 1, &data), 0u);
-  EXPECT_EQ(data, 0x4D);
-  EXPECT_EQ(reports(), (Journal{"set 97 0D 00 62 01 01 03 01 4D" + zeros(32),
-                                "set 93 0D 00 62 01 01 03 01 4D" + zeros(32),
-                                "set 97 0C 00 62 01 01 03 01" + zeros(33), fetch}));
-  EXPECT_EQ(complaintsOf(camera.camera), "");
+  expectController();
+  EXPECT_EQ(reports(),
+            "97[40] 0D 00 62 01 01 03 01 4D, 93[40] 0D 00 62 01 01 03 01 4D, "
+            "97[40] 0C 00 62 01 01 03 01, get 93 41");
 }
 
 TEST_F(HidWire, OlderFirmwareTakesHeaderAndBlock) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::wide});
-  open(camera);
-  etLib2_SelectI2cBus_DevNum(0, 2, 0);
-  journal();
-  std::uint8_t reg = 0x03;
-  data = 0x4D;
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, &reg, 1, &data), 0u);
-  const Journal check = {"set 87 00 05 01 00", fetch};
-  EXPECT_EQ(reports(), (Journal{"set 97 0D 00 62 00 01 03 01 4D" + zeros(32), "set 87 03 00 00 00",
-                                "set 93 62 02 01 03 4D" + zeros(35), check[0], check[1]}));
-  data = 0;
-  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 1, &reg, 1, &data), 0u);
-  EXPECT_EQ(data, 0x4D);
-  EXPECT_EQ(reports(), (Journal{"set 97 0C 00 62 00 01 03 01" + zeros(33),
-                                "set 97 0D 00 62 00 01 03 00" + zeros(33), "set 87 03 00 00 00",
-                                "set 93 62 01 00 03" + zeros(36), check[0], check[1],  //
-                                "set 87 02 62 01 01", fetch, check[0], check[1]}));
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x46, 0, nullptr, 1, &data), 0x80004005u) << "no such slave";
-  EXPECT_EQ(complaintsOf(camera.camera), "");
+  plugHid(0x970, {.firmware = BridgeFirmware::wide});
+  expectController();
+  EXPECT_EQ(reports(),
+            "97[40] 0D 00 62 00 01 03 01 4D, 87[4] 03, 93[40] 62 02 01 03 4D, "
+            "87[4] 00 05 01, get 93 41, "
+            "97[40] 0C 00 62 00 01 03 01, "
+            "97[40] 0D 00 62 00 01 03, 87[4] 03, 93[40] 62 01 00 03, 87[4] 00 05 01, get 93 41, "
+            "87[4] 02 62 01 01, get 93 41, 87[4] 00 05 01, get 93 41");
+  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x46, 0, nullptr, 1, &data), failed) << "no such slave";
 }
 
 TEST_F(HidWire, CustomCommandsCarryNoCode) {
-  VirtualBridge camera(0x970);
-  open(camera);
+  plugHid(0x970);
   std::array<std::uint8_t, 40> buffer = {0xF2, 0x01};
   for (const std::uint8_t command : std::array<std::uint8_t, 2>{29, 5}) {
     buffer = {0xF2, 0x01};
     EXPECT_EQ(etLib2_Custom_CMD_Write(0, command, 40, buffer.data()), 0u);
     EXPECT_EQ(etLib2_Custom_CMD_Read(0, command, 40, buffer.data()), 0u);
-    EXPECT_EQ(reports(), (Journal{"set 97 1E F2 01" + zeros(37), "set 93 1E F2 01" + zeros(37),
-                                  "set 97 1D F2 01" + zeros(37), fetch}));
+    EXPECT_EQ(reports(), "97[40] 1E F2 01, 93[40] 1E F2 01, 97[40] 1D F2 01, get 93 41");
   }
   machine().set({Fault::fails, 2, 1});
-  EXPECT_EQ(etLib2_Custom_CMD_Write(0, 5, 40, buffer.data()), 0x80004005u)
+  EXPECT_EQ(etLib2_Custom_CMD_Write(0, 5, 40, buffer.data()), failed)
       << "both reports must be taken";
 }
 
@@ -141,7 +112,7 @@ TEST_F(HidWire, OneShotReadNeedsABelievableCount) {
   const struct {
     std::uint8_t count;
     std::uint32_t status;
-  } rows[] = {{0, 0x80004005}, {1, 0}, {38, 0}, {39, 0x80004005}, {255, 0x80004005}};
+  } rows[] = {{0, failed}, {1, 0}, {38, 0}, {39, failed}, {255, failed}};
   for (const auto& row : rows) {
     device->reply = {row.count, 0x11, 0x22};
     data = 9;
@@ -157,12 +128,11 @@ TEST_F(HidWire, OneShotReadNeedsABelievableCount) {
 }
 
 TEST_F(HidWire, WhatFitsNoReportFails) {
-  VirtualBridge camera(0x970, {.firmware = BridgeFirmware::wide});
-  open(camera);
+  plugHid(0x970, {.firmware = BridgeFirmware::wide});
   std::array<std::uint8_t, 64> sub{}, bytes{};
-  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, sub.data(), 37, bytes.data()), 0x80004005u);
-  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 64, sub.data(), 1, bytes.data()), 0x80004005u);
-  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(etLib2_I2cWrite_DevNum(0, 0x62, 1, sub.data(), 37, bytes.data()), failed);
+  EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 64, sub.data(), 1, bytes.data()), failed);
+  EXPECT_EQ(reports(), "");
 }
 
 TEST_F(HidWire, KnowsBridgesByTheirReports) {
@@ -194,7 +164,7 @@ TEST_F(HidWire, CountsUpTo24IncludingThoseThatCannotBeOpened) {
   machine().hidInterfaces = {{mouse, broken, mouse, bridgeHidInterface(camera, "good")}};
   EXPECT_EQ(etLib2_Init(), 1);
   EXPECT_EQ(etLib2_GetDevTotalNum(), 2);
-  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 1, &value), 0x80004005u);
+  EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 1, &value), failed);
   EXPECT_EQ(etLib2_RegRead_DevNum(1, 0x85, 1, &value), 0u);
   machine().hidInterfaces->assign(30, bridgeHidInterface(camera));
   EXPECT_EQ(etLib2_Init(), 1);

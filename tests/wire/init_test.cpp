@@ -1,16 +1,14 @@
 // Init: every step, in order, as the cameras and the system see it; and every exit.
 #include <climits>
 #include <iterator>
+#include <regex>
 
 #include "api/events.h"
 #include "controls/magnification.h"
 #include "qvx64/api.h"
-#include "simulator/platform/cameras.h"
-#include "state/device_state.h"
 #include "state/read_urls.h"
-#include "tests/support/library.h"
+#include "tests/support/cameras.h"
 #include "tests/support/wifi_registers.h"
-#include "transport/usb3.h"
 
 namespace qvx::tests {
 namespace {
@@ -18,34 +16,12 @@ namespace {
 using simulator::bridgeInput;
 using simulator::VirtualBridge;
 
-const std::string base = "http://127.0.0.1:8080/";
-
-std::string readUrlOf(int reg) {
-  return base +
-         "?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=" + std::to_string(reg << 16);
-}
-
-std::vector<std::string> getsIn(const std::vector<std::string>& journal) {
-  std::vector<std::string> lines;
-  for (const std::string& line : journal) {
-    if (line.starts_with("GET ")) lines.push_back(line.substr(4));
-  }
-  return lines;
-}
-
-std::vector<std::string> readsOf(std::initializer_list<int> registers) {
-  std::vector<std::string> urls;
-  for (const int reg : registers) urls.push_back(readUrlOf(reg));
-  return urls;
-}
-
-class InitTest : public LibraryTest {
+class InitTest : public CameraTest {
  protected:
   // Init, without what it prints of USB 3 cameras.
   int initQuietly() {
-    testing::internal::CaptureStdout();
-    const int result = Init();
-    testing::internal::GetCapturedStdout();
+    int result = -1;
+    printedBy([&] { result = Init(); });
     return result;
   }
 };
@@ -56,18 +32,25 @@ class InitWifi : public InitTest {
     machine().wifi = camera.server();
     camera.values = {{0x80, 0x40}, {0xC3, 1}, {0xC5, 255}};
     SetVideoDeviceIndex(90);
+    announce("0970");
   }
 
   void announce(const char* pid) {
     camera.deviceList = std::string(R"([{"idVendor": "0x3c7e", "idProduct": "0x)") + pid + "\"}]";
+  }
+  // The controller's registers that were read.
+  std::string reads() {
+    return std::regex_replace(traffic(), std::regex("r62\\.(..)"), "$1 ",
+                              std::regex_constants::format_no_copy);
   }
 
   WifiRegisters camera;
 };
 
 TEST_F(InitTest, BuildsTheReadUrlsBeforeItAsksAnyone) {
+  s_mainhttp.clear();
   EXPECT_EQ(initQuietly(), 0);
-  EXPECT_EQ(s_mainhttp, base);
+  EXPECT_EQ(s_mainhttp, cameraUrl);
   const struct {
     const std::string* url;
     int reg;
@@ -81,32 +64,27 @@ TEST_F(InitTest, BuildsTheReadUrlsBeforeItAsksAnyone) {
               {&sReg4A, 0x4A}, {&sReg4B, 0x4B}, {&sReg80, 0x80}, {&sReg81, 0x81}, {&sReg83, 0x83},
               {&sReg84, 0x84}, {&sReg50, 0x50}};
   static_assert(std::size(rows) == 42);
-  for (const auto& row : rows) EXPECT_EQ(*row.url, readUrlOf(row.reg));
+  for (const auto& row : rows) {
+    EXPECT_EQ(*row.url, cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=" +
+                            std::to_string(row.reg << 16));
+  }
   for (const auto* unused : {&sReg4C, &sReg4D, &sReg4E, &sReg82}) EXPECT_EQ(*unused, "");
-  EXPECT_EQ(getsIn(journal()), Journal{});
+  EXPECT_EQ(traffic().find("GET"), std::string::npos);
 }
 
 TEST_F(InitWifi, SendsTheseRequestsInThisOrder) {
-  announce("0970");
   EXPECT_EQ(initQuietly(), 1);
-  const Journal expected =
-      Journal{base, base + "usbdevlist.json"} +
-      readsOf({0x80, 0x83, 0x84, 0xC0, 0xC1, 0xC2, 0xC3, 0xC4, 0xC5}) +
-      readsOf({0x80, 0x80, 0x80}) +                    // two predicates refresh, then the step
-      readsOf({0xC0, 0xC1, 0xC2, 0x01, 0xC3, 0xC5}) +  // set-up
-      readsOf({0x40, 0x41, 0x42, 0x43, 0x44, 0x45, 0x46, 0x47, 0x48, 0x49, 0x4A, 0x4B}) +
-      readsOf({0x01, 0x02});  // the first sample
-  const Journal lines = journal();
-  EXPECT_EQ(getsIn(lines), expected);
-  EXPECT_EQ(lines.front(), "time-outs 2000 2000");
-  EXPECT_EQ(lines[2], "floating point 0 mask 0");
-  EXPECT_EQ(lines[3], "floating point 9001F mask 8001F");
-  EXPECT_EQ(std::count(lines.begin(), lines.end(), "pause 100"), 1);
-  EXPECT_EQ(lines.back(), "timer 999 every 250");
+  EXPECT_EQ(std::regex_replace(traffic(), std::regex(" p5"), ""),
+            "time-outs 2000 2000 GET http://127.0.0.1:8080/ floating point 0 mask 0 "
+            "floating point 9001F mask 8001F GET http://127.0.0.1:8080/usbdevlist.json "
+            "r62.80 r62.83 r62.84 r62.C0 r62.C1 r62.C2 r62.C3 r62.C4 r62.C5 p100 "
+            "r62.80 r62.80 r62.80 "  // two predicates refresh, then the step
+            "r62.C0 r62.C1 r62.C2 r62.01 r62.C3 r62.C5 "
+            "r62.40 r62.41 r62.42 r62.43 r62.44 r62.45 r62.46 r62.47 r62.48 r62.49 r62.4A r62.4B "
+            "r62.01 r62.02 timer 999 every 250");  // the first sample
 }
 
 TEST_F(InitWifi, SettlesTheDevice) {
-  announce("0970");
   camera.values[0x83] = 4;
   EXPECT_EQ(initQuietly(), 1);
   EXPECT_EQ(GetVideoDeviceIndex(), 90);
@@ -120,10 +98,9 @@ TEST_F(InitWifi, SettlesTheDevice) {
   EXPECT_EQ(ulC3, 1u);
   EXPECT_EQ(bMAGSeries, 1);
   EXPECT_EQ(bWait, 1);
-  // Left open: the probe's request and, of each successful read, session and request.
-  const int reads = static_cast<int>(getsIn(journal()).size()) - 2;
-  EXPECT_EQ(machine().open.internetRequests, reads + 1);
-  EXPECT_EQ(machine().open.internetSessions, reads);
+  // Left open: the probe's request and, of each of the reads, session and request.
+  EXPECT_EQ(machine().open.internetRequests, 32 + 1);
+  EXPECT_EQ(machine().open.internetSessions, 32);
 }
 
 TEST_F(InitWifi, ReadsTheProductIdFromTheDeviceList) {
@@ -155,7 +132,9 @@ TEST_F(InitWifi, ReadsTheProductIdFromTheDeviceList) {
 TEST_F(InitWifi, WithoutACameraFails) {
   machine().wifi = nullptr;
   EXPECT_EQ(initQuietly(), 0);
-  EXPECT_EQ(getsIn(journal()), Journal{base});
+  EXPECT_EQ(traffic(),
+            "time-outs 2000 2000 GET http://127.0.0.1:8080/ floating point 0 mask 0 "
+            "floating point 9001F mask 8001F");
   EXPECT_EQ(machine().open.internetSessions, 0);
   EXPECT_EQ(bWait, 0);
   EXPECT_EQ(GetVideoDeviceIndex(), 90);
@@ -168,14 +147,16 @@ TEST_F(InitWifi, FeatureDecidesAboutTheMagnification) {
     const char* pid;
     int features;
     bool measures;
-    int featureReads;  // of register 0x80, in steps 14 and 15
+    const char* reads;  // before the set-up
   } rows[] = {
-      {"0890", 0x00, true, 2},  {"0893", 0x00, true, 2},  {"0894", 0x40, false, 4},
-      {"0930", 0x00, true, 2},  {"0960", 0x40, false, 5}, {"097f", 0x00, true, 3},
-      {"0980", 0x40, false, 5}, {"099f", 0x00, true, 3},  {"09b0", 0x40, true, 3},
-      {"09b0", 0x00, false, 5}, {"09c3", 0x40, true, 3},  {"09c3", 0xBF, false, 4},
-      {"09d0", 0x40, false, 5}, {"09e1", 0x40, true, 5},  {"09e1", 0x00, false, 5},
-      {"0000", 0x00, true, 4},
+      {"0890", 0x00, true, "80 80 "},           {"0893", 0x00, true, "80 80 "},
+      {"0894", 0x40, false, "80 80 80 80 "},    {"0930", 0x00, true, "80 80 "},
+      {"0960", 0x40, false, "80 80 80 80 80 "}, {"097f", 0x00, true, "80 80 80 "},
+      {"0980", 0x40, false, "80 80 80 80 80 "}, {"099f", 0x00, true, "80 80 80 "},
+      {"09b0", 0x40, true, "80 80 80 "},        {"09b0", 0x00, false, "80 80 80 80 80 "},
+      {"09c3", 0x40, true, "80 80 80 "},        {"09c3", 0xBF, false, "80 80 80 80 "},
+      {"09d0", 0x40, false, "80 80 80 80 80 "}, {"09e1", 0x40, true, "80 80 80 80 80 "},
+      {"09e1", 0x00, false, "80 80 80 80 80 "}, {"0000", 0x00, true, "80 80 80 80 "},
   };
   for (const auto& row : rows) {
     announce(row.pid);
@@ -186,41 +167,42 @@ TEST_F(InitWifi, FeatureDecidesAboutTheMagnification) {
     EXPECT_EQ(initQuietly(), 1);
     EXPECT_EQ(bMAGSeries, row.measures ? 1 : -1) << row.pid;
     EXPECT_EQ(machine().timers.size(), row.measures ? 1u : 0u) << row.pid;
-    const Journal urls = getsIn(journal());
-    EXPECT_EQ(std::count(urls.begin() + 11, urls.end(), readUrlOf(0x80)), row.featureReads)
-        << row.pid << " " << row.features;
+    const std::string all = reads(), before = "80 83 84 C0 C1 C2 C3 C4 C5 ";
+    const std::string setUp = row.measures ? "C0 C1 C2 01 C3 C5 " : "";
+    EXPECT_EQ(all.substr(0, all.rfind(setUp) + setUp.size()), before + row.reads + setUp)
+        << row.pid;
   }
 }
 
 TEST_F(InitWifi, ChoosesTheCalibrationByDegreeAndKind) {
-  const auto first = [](int reg) { return readsOf({reg}); };
+  const std::string byDegree = "68 69 6A 6B 6C 6D 6E 6F 60 61 62 63 64 65 66 67 ";
   const struct {
     int kind, degree;
-    std::vector<std::string> begins;
-    std::size_t reads;
+    std::string reads;  // between the set-up's and the first sample's
   } rows[] = {
-      {0, 0x01, first(0x68), 16}, {0, 0xF2, first(0x68), 16}, {0, 0x13, first(0x68), 16},
-      {1, 0x04, {}, 0},           {1, 0x00, {}, 0},           {1, 255, first(0x40), 12},
-      {2, 255, first(0x40), 13},  {4, 255, first(0x40), 13},  {5, 255, first(0x40), 6},
-      {0, 255, first(0x40), 6},
+      {0, 0x01, byDegree},
+      {0, 0xF2, byDegree},
+      {0, 0x13, byDegree},
+      {1, 0x04, ""},
+      {1, 0x00, ""},
+      {1, 255, "40 41 42 43 44 45 46 47 48 49 4A 4B "},
+      {2, 255, "40 40 41 42 43 44 45 46 47 48 49 4A 4B "},
+      {4, 255, "40 40 41 42 43 44 45 46 47 48 49 4A 4B "},
+      {5, 255, "40 41 42 43 44 45 "},
+      {0, 255, "40 41 42 43 44 45 "},
   };
-  announce("0970");
   for (const auto& row : rows) {
     camera.values[0xC3] = row.kind;
     camera.values[0xC5] = row.degree;
     journal();
     EXPECT_EQ(initQuietly(), 1);
-    Journal urls = getsIn(journal());
-    urls.erase(urls.begin(), urls.begin() + 11 + 3 + 6);
-    EXPECT_EQ(urls.size(), row.reads + 2) << row.kind << " " << row.degree;
-    if (!row.begins.empty()) {
-      EXPECT_EQ(urls.front(), row.begins.front()) << row.degree;
-    }
+    const std::string all = reads(), setUp = "C0 C1 C2 01 C3 C5 ";
+    EXPECT_EQ(all.substr(all.rfind(setUp) + setUp.size()), row.reads + "01 02 ")
+        << row.kind << " " << row.degree;
   }
 }
 
 TEST_F(InitWifi, TimerMeasuresWhileItMay) {
-  announce("0970");
   camera.values[0xC5] = 1;
   camera.values[0x68] = 0, camera.values[0x6A] = 40;  // 0 and 10
   camera.values[0x60] = 5, camera.values[0x62] = 25;  // x5 and x25
@@ -240,26 +222,20 @@ TEST_F(InitWifi, TimerMeasuresWhileItMay) {
   machine().pumpMessages(250);
   journal();
   machine().pumpMessages(250);
-  EXPECT_EQ(getsIn(journal()), readsOf({0x01, 0x02, 0x01, 0x02}))
-      << "a second Init, a second timer";
+  EXPECT_EQ(reads(), "01 02 01 02 ") << "a second Init, a second timer";
 }
 
-// Whatever the camera answers, and however: the same requests, and a usable library.
+// Whatever the camera answers, and however: a usable library.
 TEST_F(InitWifi, SurvivesEveryKindOfAnswer) {
-  const simulator::HttpAnswer answers[] = {
-      {true, {}},
-      {true, {}, true},
-      {true, {"re"}, true},
-      {true, {std::string(8192, 'x')}},
-      {true, {std::string(20000, '\xFE')}},
-      {true, {std::string("res:\0\0", 6)}},
-      {true, {"res:-1"}},
-      {true, {"res:2147483647"}},
-      {true, {"res:-2147483648"}},
-  };
-  for (const auto& answer : answers) {
+  for (const simulator::HttpAnswer& answer :
+       std::vector<simulator::HttpAnswer>{{true, {}},
+                                          {true, {}, true},
+                                          {true, {"re"}, true},
+                                          {true, {std::string(20000, '\xFE')}},
+                                          {true, {std::string("res:\0\0", 6)}},
+                                          {true, {"res:2147483647"}},
+                                          {true, {"res:-2147483648"}}}) {
     machine().wifi = [&](const std::string&) { return answer; };
-    SetVideoDeviceIndex(90);
     EXPECT_EQ(initQuietly(), 1);
     EXPECT_EQ(nPid, 0);
     machine().pumpMessages(2500);
@@ -335,6 +311,9 @@ TEST_F(InitBridge, FindsItByIndexAndReadsItsMagnification) {
     EXPECT_EQ(initQuietly(), 1);
     EXPECT_EQ(GetVideoDeviceIndex(), index == 1 ? 1 : 0);
     EXPECT_EQ(nPid, camera.camera.productId());
+    // Index 0 stays on the bus it is on.
+    EXPECT_NE(traffic().find(index == 1 ? "r62.80f b b r62.C0f" : "r62.80f b r62.C0f"),
+              std::string::npos);
     EXPECT_EQ(ulC5, camera.camera.controller().at(0xC5));
     EXPECT_NEAR(GetMAG(index), camera.camera.magnification(), camera.camera.magnification() / 50);
   }
@@ -346,7 +325,7 @@ TEST_F(InitBridge, WinsOverTheWifiCameraWhenChosenByIndex) {
   machine().wifi = wifi.server();
   SetVideoDeviceIndex(0);
   EXPECT_EQ(initQuietly(), 1);
-  EXPECT_EQ(getsIn(journal()), Journal{});
+  EXPECT_EQ(traffic().find("GET"), std::string::npos);
   SetVideoDeviceIndex(90);
   EXPECT_EQ(initQuietly(), 1);
   EXPECT_EQ(GetVideoDeviceIndex(), 90);
