@@ -12,35 +12,25 @@ namespace {
 using simulator::HttpAnswer;
 
 TEST(WifiCommand, PacksIdAndValueAsTheCameraReadsThem) {
+  const std::string command = "http://a/?action=commandcontrol&dest=0plugin=0&id=";
   const struct {
-    int device, regBytes, read, write;
+    std::string url;
+    const char* idGroupAndValue;
   } rows[] = {
-      {0x62, 1, 1378, 5474}, {0x78, 2, 2424, 6520}, {0x48, 2, 2376, 6472},
-      {0x42, 1, 1346, 5442}, {0x80, 1, -128, -128},  // an address with its top bit set reaches into
-                                                     // every upper bit
+      {CMD_I2C_R("http://a/", 0x62, 0x80, 1, 1), "1378&group=5&value=8388608"},
+      {CMD_I2C_R("http://a/", 0x48, 0, 2, 1), "2376&group=5&value=0"},
+      // A register in the top half makes the value negative, an address the id.
+      {CMD_I2C_R("http://a/", 0x42, 0xFFFF, 1, 1), "1346&group=5&value=-65536"},
+      {CMD_I2C_R("http://a/", 0x80, 0, 1, 1), "-128&group=5&value=0"},
+      {CMD_I2C_R("http://a/", 0x62, 0, 5, 6), "1634&group=5&value=0"},  // widths are two bits
+      {CMD_I2C_W("http://a/", 0x78, 0x3503, 2, 0x07, 1), "6520&group=5&value=889389063"},
+      {CMD_I2C_W("http://a/", 0x62, 0xFFFF, 1, 1, 1), "5474&group=5&value=-65535"},
+      {CMD_GPIO_R("http://a/", 1), "256&group=4&value=0"},
+      {CMD_GPIO_W("http://a/", 1, 0x10, 0), "1296&group=4&value=0"},
+      {CMD_GPIO_W("http://a/", 0, 7, -2), "1031&group=4&value=-2"},
+      {CMD_GPIO_W("http://a/", 0, 0x80, 0), "-128&group=4&value=0"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(CTRL_ID_I2C_R(row.device, row.regBytes, 1), row.read) << row.device;
-    EXPECT_EQ(CTRL_ID_I2C_W(row.device, row.regBytes, 1), row.write) << row.device;
-  }
-  EXPECT_EQ(CTRL_ID_I2C_R(0x62, 5, 6), 0x62 | 1 << 10 | 2 << 8) << "widths are two bits";
-  EXPECT_EQ(CTRL_ID_GPIO_R(1), 256);
-  EXPECT_EQ(CTRL_ID_GPIO_W(1, 0x10), 1296);
-  EXPECT_EQ(CTRL_ID_GPIO_W(0, 7), 1031);
-  EXPECT_EQ(CTRL_ID_GPIO_W(0, 0x80), -128);
-  EXPECT_EQ(CTRL_VAL_I2C(0xFFFF, 1), -65535) << "a register in the top half makes it negative";
-}
-
-TEST(WifiCommand, BuildsTheUrlsLetterByLetter) {
-  EXPECT_EQ(CMD_I2C_R("http://a/", 0x62, 0x80, 1, 1),
-            "http://a/?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=8388608");
-  EXPECT_EQ(CMD_I2C_W("", 0x78, 0x3503, 2, 0x07, 1),
-            "?action=commandcontrol&dest=0plugin=0&id=6520&group=5&value=889389063");
-  EXPECT_EQ(CMD_GPIO_R("", 1), "?action=commandcontrol&dest=0plugin=0&id=256&group=4&value=0");
-  EXPECT_EQ(CMD_GPIO_W("", 1, 0x10, 0),
-            "?action=commandcontrol&dest=0plugin=0&id=1296&group=4&value=0");
-  EXPECT_EQ(CMD_GPIO_W("", 0, 7, -2),
-            "?action=commandcontrol&dest=0plugin=0&id=1031&group=4&value=-2");
+  for (const auto& row : rows) EXPECT_EQ(row.url, command + row.idGroupAndValue);
 }
 
 TEST(Format, CutsLongTextsAt511Characters) {
@@ -50,13 +40,7 @@ TEST(Format, CutsLongTextsAt511Characters) {
   EXPECT_EQ(format("%d%%", -5), "-5%");
 }
 
-class WifiFetch : public LibraryTest {
- protected:
-  int load(HttpAnswer answer) {
-    machine().wifi = [answer](const std::string&) { return answer; };
-    return loadUrlwWininet("http://camera/x");
-  }
-};
+using WifiFetch = LibraryTest;
 
 TEST_F(WifiFetch, TakesTheIntegerAfterTheMarker) {
   using namespace std::string_literals;
@@ -67,6 +51,7 @@ TEST_F(WifiFetch, TakesTheIntegerAfterTheMarker) {
       {"res:37", 37},
       {"res:-1", -1},
       {"<p>res: +12 kg</p>res:5", 12},
+      {"", 0},
       {"res:", 0},
       {"res:x", 0},
       {"ok", 0},
@@ -81,32 +66,14 @@ TEST_F(WifiFetch, TakesTheIntegerAfterTheMarker) {
       {std::string(8187, 'a') + "res:6", 6},
       {std::string(300, '\xFF') + "res:6", 6},
   };
-  for (const auto& row : rows) EXPECT_EQ(load({true, {row.answer}}), row.result) << row.answer;
+  for (const auto& row : rows) {
+    machine().wifi = [&row](const std::string&) { return HttpAnswer{true, {row.answer}}; };
+    EXPECT_EQ(loadUrlwWininet("http://camera/x"), row.result) << row.answer;
+    EXPECT_EQ(journal(), (Journal{"pause 10", "GET http://camera/x"}));
+  }
 }
 
-TEST_F(WifiFetch, GivesZeroWhenNothingComesBack) {
-  EXPECT_EQ(load({.reachable = false, .chunks = {}}), 0);
-  EXPECT_EQ(load({true, {}}), 0);
-  EXPECT_EQ(load({true, {}, true}), 0);
-  EXPECT_EQ(load({true, {""}}), 0);
-}
-
-TEST_F(WifiFetch, PausesBeforeItAsksAndSaysWhatItAsks) {
-  load({true, {"res:1"}});
-  EXPECT_EQ(journal(), (Journal{"pause 10", "GET http://camera/x"}));
-}
-
-TEST_F(WifiFetch, LeavesItsHandlesOpenOnSuccessOnly) {
-  load({true, {"res:1"}});
-  EXPECT_EQ(machine().open.internetSessions, 1);
-  EXPECT_EQ(machine().open.internetRequests, 1);
-  load({true, {}});
-  load({.reachable = false, .chunks = {}});
-  EXPECT_EQ(machine().open.internetSessions, 1);
-  EXPECT_EQ(machine().open.internetRequests, 1);
-}
-
-TEST(WriteMemory, AppendsAndTerminates) {
+TEST(WriteMemory, AppendsAndTerminatesOrDropsTheBuffer) {
   MemoryStruct buffer{nullptr, 0};
   char hello[] = "hello ", world[] = "world";
   EXPECT_EQ(WriteMemoryCallback(hello, 2, 3, &buffer), 6u);
@@ -115,11 +82,8 @@ TEST(WriteMemory, AppendsAndTerminates) {
   ASSERT_EQ(buffer.size, 11u);
   EXPECT_STREQ(buffer.memory, "hello world");
   std::free(buffer.memory);
-}
-
-TEST(WriteMemory, DropsABufferThatCannotGrow) {
-  MemoryStruct buffer{nullptr, 0};
-  EXPECT_EQ(WriteMemoryCallback(nullptr, ~0ull, 1, &buffer), ~0ull);
+  buffer = {nullptr, 0};
+  EXPECT_EQ(WriteMemoryCallback(nullptr, ~0ull, 1, &buffer), ~0ull) << "cannot grow";
   EXPECT_EQ(buffer.memory, nullptr);
   EXPECT_EQ(buffer.size, 0u);
 }

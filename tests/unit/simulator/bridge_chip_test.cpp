@@ -2,7 +2,7 @@
 // do.
 #include <gtest/gtest.h>
 
-#include <string>
+#include <span>
 #include <vector>
 
 #include "simulator/model/bridge_chip_device.h"
@@ -21,59 +21,36 @@ struct Step {
   Bytes start;  // the rest is 0
 };
 
-struct Misuse {
+const struct Misuse {
   const char* complaint;
   std::vector<Step> steps;
-};
-
-void expectOneComplaint(BridgeDevice& device, const Misuse& misuse) {
-  const Violations& violations = device.camera.violations();
-  ASSERT_EQ(violations.count(), 1u) << misuse.complaint;
-  EXPECT_NE(violations[0].find(misuse.complaint), std::string_view::npos)
-      << violations[0] << " is not " << misuse.complaint;
-}
-
-TEST(BridgeChip, ComplainsOfMisuseOfItsExtensionUnit) {
-  const Misuse misuses[] = {
-      {"get without its set", {{Step::get, 26, 32, {}}}},
-      {"get without its set", {{Step::set, 26, 32, {6, 0, 1}}, {Step::get, 20, 32, {}}}},
-      {"get without its set",
-       {{Step::set, 26, 32, {6, 0, 1}}, {Step::get, 26, 32, {}}, {Step::get, 26, 32, {}}}},
-      {"wrong length", {{Step::set, 26, 31, {6, 0, 1}}}},
-      {"wrong length", {{Step::set, 26, 32, {6, 0, 1}}, {Step::get, 26, 31, {}}}},
-      {"wrong length", {{Step::set, 26, 32, {6, 0, 5}}}},
-      {"wrong length", {{Step::set, 1, 1, {5}}, {Step::set, 5, 5, {0x62, 3, 1, 4, 15}}}},
-      {"unused bytes", {{Step::set, 26, 32, {6, 0, 1, 9}}}},
-      {"unused bytes", {{Step::set, 27, 32, {6, 0, 1, 0, 9}}}},
-      {"access mode missing", {{Step::set, 10, 3, {6, 0, 1}}}},
-      {"access mode missing", {{Step::set, 1, 1, {3}}, {Step::set, 2, 2, {6, 1}}}},
-      {"not restored", {{Step::set, 1, 1, {3}}, {Step::set, 26, 32, {6, 0, 1}}}},
-      {"not restored", {{Step::set, 1, 1, {3}}, {Step::set, 1, 1, {2}}}},
-      {"never set", {{Step::set, 1, 1, {1}}}},
-      {"unknown selector", {{Step::set, 6, 1, {}}}},
-      {"unknown register 0x0037", {{Step::set, 26, 32, {0x37, 0, 1}}}},
-      {"wrong length at register 0x1700", {{Step::set, 26, 32, {0x00, 0x17, 1}}}},
-      {"read-only register 0x0085", {{Step::set, 27, 32, {0x85, 0, 1, 0x80}}}},
-      {"unknown command selector", {{Step::command, 1, 256, {}}}},
-      {"wrong length", {{Step::command, 2, 255, {0xF0, 0xF2}}}},
-      {"unknown custom command", {{Step::command, 2, 256, {0xEF, 0xF2}}}},
-      {"unknown custom command", {{Step::command, 2, 256, {0x1D, 0xF2}}}},
-      {"unknown parameter", {{Step::command, 2, 256, {0x1D, 0, 0, 3, 1}}}}};
-  for (const Misuse& misuse : misuses) {
-    BridgeDevice device(0x970, {});
-    ExtensionUnit unit(device.chip);
-    for (const auto& [kind, selector, size, start] : misuse.steps) {
-      Bytes bytes = start;
-      bytes.resize(size);
-      const auto& set = kind == Step::command ? bridgeCommandSet : bridgeRegisterSet;
-      kind == Step::get ? unit.get(set, selector, bytes) : unit.set(set, selector, bytes);
-    }
-    expectOneComplaint(device, misuse);
-  }
-}
-
-TEST(BridgeChip, ComplainsOfMisuseOfItsHidInterface) {
-  const Misuse misuses[] = {
+} ofTheExtensionUnit[] =
+    {{"get without its set", {{Step::get, 26, 32, {}}}},
+     {"get without its set", {{Step::set, 26, 32, {6, 0, 1}}, {Step::get, 20, 32, {}}}},
+     {"get without its set",
+      {{Step::set, 26, 32, {6, 0, 1}}, {Step::get, 26, 32, {}}, {Step::get, 26, 32, {}}}},
+     {"wrong length", {{Step::set, 26, 31, {6, 0, 1}}}},
+     {"wrong length", {{Step::set, 26, 32, {6, 0, 1}}, {Step::get, 26, 31, {}}}},
+     {"wrong length", {{Step::set, 26, 32, {6, 0, 5}}}},
+     {"wrong length", {{Step::set, 1, 1, {5}}, {Step::set, 5, 5, {0x62, 3, 1, 4, 15}}}},
+     {"unused bytes", {{Step::set, 26, 32, {6, 0, 1, 9}}}},
+     {"unused bytes", {{Step::set, 27, 32, {6, 0, 1, 0, 9}}}},
+     {"access mode missing", {{Step::set, 10, 3, {6, 0, 1}}}},
+     {"access mode missing", {{Step::set, 1, 1, {3}}, {Step::set, 2, 2, {6, 1}}}},
+     {"not restored", {{Step::set, 1, 1, {3}}, {Step::set, 26, 32, {6, 0, 1}}}},
+     {"not restored", {{Step::set, 1, 1, {3}}, {Step::set, 1, 1, {2}}}},
+     {"never set", {{Step::set, 1, 1, {1}}}},
+     {"unknown selector", {{Step::set, 6, 1, {}}}},
+     {"unknown register 0x0037", {{Step::set, 26, 32, {0x37, 0, 1}}}},
+     {"wrong length at register 0x1700", {{Step::set, 26, 32, {0x00, 0x17, 1}}}},
+     {"read-only register 0x0085", {{Step::set, 27, 32, {0x85, 0, 1, 0x80}}}},
+     {"unknown command selector", {{Step::command, 1, 256, {}}}},
+     {"wrong length", {{Step::command, 2, 255, {0xF0, 0xF2}}}},
+     {"unknown custom command", {{Step::command, 2, 256, {0xEF, 0xF2}}}},
+     {"unknown custom command", {{Step::command, 2, 256, {0x1D, 0xF2}}}},
+     {"unknown parameter", {{Step::command, 2, 256, {0x1D, 0, 0, 3, 1}}}},
+     {"unknown state of the lights 0xEF", {{Step::set, 27, 32, {0x80, 0, 1, 0xEF}}}}},
+  ofTheHidInterface[] = {
       {"get without its set", {{Step::get, 0x93, 40, {}}}},
       {"get without its set", {{Step::set, 0x87, 4, {0x01}}, {Step::get, 0x93, 40, {}}}},
       {"not finished", {{Step::set, 0x93, 40, {}}}},
@@ -87,17 +64,40 @@ TEST(BridgeChip, ComplainsOfMisuseOfItsHidInterface) {
       {"unused bytes", {{Step::set, 0x87, 4, {1}}, {Step::set, 0x93, 40, {6, 1, 0, 9}}}},
       {"does not repeat",
        {{Step::set, 0x97, 40, {0x1E, 0xF2, 1}}, {Step::set, 0x93, 40, {0x1E, 0xF3, 1}}}}};
+
+// `take` makes the interface take one step, given the bytes of its start filled up with 0.
+template <class Interface, class Take>
+void expectOneComplaintEach(std::span<const Misuse> misuses, Take take) {
   for (const Misuse& misuse : misuses) {
     BridgeDevice device(0x970, {});
-    HidFunction hid(device.chip);
-    for (const auto& [kind, id, size, start] : misuse.steps) {
-      Bytes report = start;
-      report.insert(report.begin(), static_cast<std::uint8_t>(id));
-      report.resize(size + 1);
-      kind == Step::get ? hid.getFeature(report) : hid.setFeature(report);
+    Interface interface(device.chip);
+    for (const Step& step : misuse.steps) {
+      Bytes bytes = step.start;
+      bytes.resize(step.size);
+      take(interface, step, bytes);
     }
-    expectOneComplaint(device, misuse);
+    const Violations& violations = device.camera.violations();
+    ASSERT_EQ(violations.count(), 1u) << misuse.complaint;
+    EXPECT_NE(violations[0].find(misuse.complaint), std::string_view::npos)
+        << violations[0] << " is not " << misuse.complaint;
   }
+}
+
+TEST(BridgeChip, ComplainsOfMisuseOfItsExtensionUnit) {
+  expectOneComplaintEach<ExtensionUnit>(
+      ofTheExtensionUnit, [](ExtensionUnit& unit, const Step& step, Bytes& bytes) {
+        const auto& set = step.kind == Step::command ? bridgeCommandSet : bridgeRegisterSet;
+        step.kind == Step::get ? unit.get(set, step.selector, bytes)
+                               : unit.set(set, step.selector, bytes);
+      });
+}
+
+TEST(BridgeChip, ComplainsOfMisuseOfItsHidInterface) {
+  expectOneComplaintEach<HidFunction>(
+      ofTheHidInterface, [](HidFunction& hid, const Step& step, Bytes& report) {
+        report.insert(report.begin(), static_cast<std::uint8_t>(step.selector));
+        step.kind == Step::get ? hid.getFeature(report) : hid.setFeature(report);
+      });
 }
 
 }  // namespace

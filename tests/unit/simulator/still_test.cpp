@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <numeric>
 #include <vector>
 
 // After what it needs.
@@ -47,8 +48,7 @@ Picture takenBy(Camera& camera) {
 }
 
 double meanOf(const Picture& picture) {
-  double sum = 0;
-  for (const std::uint8_t grey : picture.greys) sum += grey;
+  const double sum = std::accumulate(picture.greys.begin(), picture.greys.end(), 0.0);
   return sum / static_cast<double>(picture.greys.size());
 }
 
@@ -73,59 +73,49 @@ int marksIn(const Picture& picture) {
 
 void setExposure(Camera& camera, int lines) {
   camera.sensor().set(0x3503, 7);  // by hand
-  camera.sensor().set(0x3500, static_cast<std::uint8_t>(lines >> 12));
   camera.sensor().set(0x3501, static_cast<std::uint8_t>(lines >> 4));
   camera.sensor().set(0x3502, static_cast<std::uint8_t>(lines << 4));
 }
 
-void expectRising(const std::vector<double>& values) {
-  for (std::size_t i = 1; i < values.size(); ++i) EXPECT_GT(values[i], values[i - 1] + 1) << i;
+void setTarget(Camera& camera, int brightness) {
+  camera.sensor().set(0x3503, 0);  // automatic
+  camera.sensor().set(0x3A1E, static_cast<std::uint8_t>(brightness));
 }
 
-TEST(Still, HasTheSizeOfTheVideoMode) {
-  Camera camera(0x970);
-  for (const VideoMode& mode : videoModesFor(0x970)) {
-    if (mode.width > 1600) continue;
-    ASSERT_TRUE(camera.video().choose(mode.command));
-    const Picture picture = takenBy(camera);
-    EXPECT_EQ(picture.width, mode.width);
-    EXPECT_EQ(picture.height, mode.height);
+void light(Camera& camera, int segments) {
+  const std::uint8_t brightest = 6, registers[] = {3, 4}, on = static_cast<std::uint8_t>(segments);
+  camera.controller().write({&registers[0], 1}, {&brightest, 1});
+  camera.controller().write({&registers[1], 1}, {&on, 1});
+}
+
+void setBrightness(Camera& camera, int value) {
+  camera.picture().set(*pictureControl(0), {value, false});
+}
+
+// What is measured grows from each value to the next.
+template <class Measure>
+void expectRising(Measure measure, std::initializer_list<int> values) {
+  double last = -1;
+  for (const int value : values) {
+    const double now = measure(value);
+    EXPECT_GT(now, last + 1) << value;
+    last = now;
   }
-  EXPECT_FALSE(camera.video().choose(5));
 }
 
 TEST(Still, BrightensWithExposureLightTargetAndControls) {
   Camera camera(0x970);
   camera.video().choose(1);
-  std::vector<double> means;
-  for (const int lines : {60, 250, 500, 900}) {
-    setExposure(camera, lines);
-    means.push_back(meanOf(takenBy(camera)));
-  }
-  expectRising(means);
-
-  means.clear();
-  camera.controller().write(std::array<std::uint8_t, 1>{0x03}, std::array<std::uint8_t, 1>{6});
-  for (const std::uint8_t segments : std::initializer_list<std::uint8_t>{0x10, 1, 3, 15}) {
-    camera.controller().write(std::array<std::uint8_t, 1>{0x04}, std::array{segments});
-    means.push_back(meanOf(takenBy(camera)));
-  }
-  expectRising(means);
-
-  means.clear();
-  camera.sensor().set(0x3503, 0);
-  for (const std::uint8_t target : std::initializer_list<std::uint8_t>{0x10, 0x38, 0x50}) {
-    camera.sensor().set(0x3A1E, target);
-    means.push_back(meanOf(takenBy(camera)));
-  }
-  expectRising(means);
-
-  means.clear();
-  for (const std::int32_t brightness : {-64, 0, 64}) {
-    camera.picture().set(*pictureControl(0), {brightness, false});
-    means.push_back(meanOf(takenBy(camera)));
-  }
-  expectRising(means);
+  const auto meanAfter = [&camera](void (*set)(Camera&, int)) {
+    return [&camera, set](int value) {
+      set(camera, value);
+      return meanOf(takenBy(camera));
+    };
+  };
+  expectRising(meanAfter(setExposure), {60, 250, 500, 900});
+  expectRising(meanAfter(light), {0x10, 1, 3, 15});
+  expectRising(meanAfter(setTarget), {0x10, 0x38, 0x50});
+  expectRising(meanAfter(setBrightness), {-64, 0, 64});
 }
 
 TEST(Still, EverySensorCanBeExposedByHand) {
@@ -154,19 +144,13 @@ TEST(Still, EverySensorCanBeExposedByHand) {
 TEST(Still, IsSharpestWhereTheLensIsInFocus) {
   Camera camera(0x990);
   camera.video().choose(1);
-  const std::uint8_t zero = camera.controller().at(0x50);
-  std::vector<double> sharpness;
-  for (int offset = 0; offset <= 24; offset += 4) {
-    I2cDevice* const driver = camera.deviceAt(lensControllerAddress);
-    ASSERT_NE(driver, nullptr);
-    const auto position = static_cast<std::uint8_t>(zero + offset);
-    ASSERT_TRUE(driver->write({}, std::array{position}));
-    sharpness.push_back(sharpnessOf(takenBy(camera)));
-  }
-  const std::vector<double> before(sharpness.begin(), sharpness.begin() + 4);
-  const std::vector<double> after(sharpness.rbegin(), sharpness.rbegin() + 4);
-  expectRising(before);
-  expectRising(after);
+  const auto sharpnessAt = [&camera](int offset) {
+    const std::uint8_t position = static_cast<std::uint8_t>(camera.controller().at(0x50) + offset);
+    camera.deviceAt(lensControllerAddress)->write({}, {&position, 1});
+    return sharpnessOf(takenBy(camera));
+  };
+  expectRising(sharpnessAt, {0, 4, 8, 12});
+  expectRising(sharpnessAt, {24, 20, 16, 12});
 }
 
 TEST(Still, ShowsTheRulerAtTheMagnificationOfTheRing) {

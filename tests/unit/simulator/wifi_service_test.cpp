@@ -5,7 +5,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <iterator>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,17 +15,21 @@
 namespace qvx::wifi_camera {
 namespace {
 
-std::string parse(std::vector<const char*> arguments, Options& options) {
-  const auto parsed = optionsFrom(arguments);
+// What is wrong with a command line; nothing when it is taken.
+std::string parse(const std::string& line, Options& options) {
+  std::istringstream words(line);
+  const std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
+  std::vector<const char*> texts;
+  for (const std::string& argument : arguments) texts.push_back(argument.c_str());
+  const auto parsed = optionsFrom(texts);
   if (const auto* const wrong = std::get_if<std::string>(&parsed)) return *wrong;
   options = std::get<Options>(parsed);
   return "";
 }
 
-TEST(WifiCameraOptions, AreTaken) {
+TEST(WifiCameraOptions, AreTakenOrRefused) {
   Options options;
-  ASSERT_EQ(parse({"--pid", "0x9C0", "--port", "0", "--zoom", "63", "--address", "127.0.0.9",
-                   "--fault", "silent:250:3", "--log"},
+  ASSERT_EQ(parse("--pid 0x9C0 --port 0 --zoom 63 --address 127.0.0.9 --fault silent:250:3 --log",
                   options),
             "");
   EXPECT_EQ(options.productId, 0x9C0);
@@ -34,65 +40,43 @@ TEST(WifiCameraOptions, AreTaken) {
   EXPECT_FALSE(options.fault.strikes(FaultKind::silent, 2));
   EXPECT_TRUE(options.fault.strikes(FaultKind::silent, 3));
   EXPECT_TRUE(options.log);
-}
-
-TEST(WifiCameraOptions, AreRefused) {
-  const std::vector<const char*> cases[] = {
-      {"--pid"},
-      {"--pid", "0"},
-      {"--pid", "0x10000"},
-      {"--pid", "97g"},
-      {"--port", "65536"},
-      {"--port", "-1"},
-      {"--address", "localhost"},
-      {"--zoom", "1:200"},
-      {"--pid", "0x870", "--zoom", "5"},
-      {"--zoom", "5", "--pid", "0x870"},
-      {"--fault", "none"},
-      {"--fault", "half:0"},
-      {"--fault", "half:"},
-      {"--fault", "silent"},
-      {"--fault", "half:1:2"},
-      {"8080"},
-  };
-  for (const auto& arguments : cases) {
-    Options options;
-    EXPECT_NE(parse(arguments, options), "") << arguments[0] << ' ' << arguments.back();
+  for (const char* const line :
+       {"--pid", "--pid 0", "--pid 0x10000", "--pid 97g", "--port 65536", "--port -1",
+        "--address localhost", "--zoom 1:200", "--pid 0x870 --zoom 5", "--zoom 5 --pid 0x870",
+        "--fault none", "--fault half:0", "--fault half:", "--fault silent", "--fault half:1:2",
+        "8080"}) {
+    EXPECT_NE(parse(line, options), "") << line;
   }
 }
 
 // A client that leaves its side of every connection open, as WinINet clients do.
 class LeavingClient {
  public:
-  explicit LeavingClient(int port) : port_(port) {}
+  explicit LeavingClient(int port) : port_(static_cast<std::uint16_t>(port)) {}
   ~LeavingClient() {
     for (const int socket : sockets_) close(socket);
   }
 
   // All that comes until the server closes; "refused" without a connection.
   std::string get(const std::string& target) {
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockets_.push_back(socket);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port_));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+    const int socket = sockets_.emplace_back(::socket(AF_INET, SOCK_STREAM, 0));
+    const sockaddr_in address{AF_INET, htons(port_), {htonl(INADDR_LOOPBACK)}, {}};
+    if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
       return "refused";
     }
     const std::string request = "GET " + target + " HTTP/1.1\r\nHost: camera\r\n\r\n";
     EXPECT_EQ(send(socket, request.data(), request.size(), 0), std::ssize(request));
     std::string answer;
     char buffer[4096];
-    for (ssize_t count = 1; count > 0;) {
-      count = recv(socket, buffer, sizeof buffer, 0);
-      if (count > 0) answer.append(buffer, static_cast<std::size_t>(count));
+    while (const ssize_t count = recv(socket, buffer, sizeof buffer, 0)) {
+      if (count < 0) break;
+      answer.append(buffer, static_cast<std::size_t>(count));
     }
     return answer;
   }
 
  private:
-  int port_;
+  std::uint16_t port_;
   std::vector<int> sockets_;
 };
 
@@ -105,8 +89,7 @@ struct Running {
   }
   static Options optionsWith(const std::string& fault) {
     Options options;
-    options.port = 0;
-    if (!fault.empty()) options.fault = *faultFrom(fault);
+    EXPECT_EQ(parse("--port 0 " + fault, options), "");
     return options;
   }
   Service service;
@@ -116,13 +99,9 @@ TEST(WifiService, ClosesEveryConnectionOfAClientThatNeverDoes) {
   Running running("");
   LeavingClient client(running.service.port());
   for (int i = 0; i < 50; ++i) ASSERT_TRUE(client.get(readFeatures).ends_with("\r\n\r\nres:86"));
-}
-
-TEST(WifiService, DoesNotShareItsPort) {
-  Running running("");
-  Options options;
-  options.port = static_cast<std::uint16_t>(running.service.port());
-  EXPECT_FALSE(Service(options).start());
+  Options samePort;
+  samePort.port = static_cast<std::uint16_t>(running.service.port());
+  EXPECT_FALSE(Service(samePort).start()) << "shares its port";
 }
 
 TEST(WifiService, GoesWrongFromTheRequestOn) {
@@ -136,7 +115,7 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
   };
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.fault);
-    Running running(expected.fault);
+    Running running(std::string("--fault ") + expected.fault);
     LeavingClient client(running.service.port());
     EXPECT_TRUE(client.get(readFeatures).ends_with("res:86"));
     const std::string second = client.get(readFeatures);
@@ -147,7 +126,7 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
 }
 
 TEST(WifiService, EndsWhileItIsSilent) {
-  auto running = std::make_unique<Running>("silent:600000");
+  auto running = std::make_unique<Running>("--fault silent:600000");
   const int port = running->service.port();
   std::thread client([port] { LeavingClient(port).get("/"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
