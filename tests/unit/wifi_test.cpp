@@ -74,7 +74,8 @@ TEST_F(WifiFetch, TakesTheIntegerAfterTheMarker) {
 }
 
 TEST(WriteMemory, AppendsAndTerminatesOrDropsTheBuffer) {
-  MemoryStruct buffer{nullptr, 0};
+  MemoryStruct buffer{static_cast<char*>(std::malloc(16)), 0};
+  std::memset(buffer.memory, 'x', 16);  // nothing ends a text by chance
   char hello[] = "hello ", world[] = "world";
   EXPECT_EQ(WriteMemoryCallback(hello, 2, 3, &buffer), 6u);
   EXPECT_EQ(WriteMemoryCallback(world, 1, 5, &buffer), 5u);
