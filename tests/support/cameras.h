@@ -1,9 +1,12 @@
 // Simulated cameras on every transport, plugged in for a test.
 #pragma once
 
+#include <algorithm>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "etlib2/etLib2.h"
 #include "simulator/platform/cameras.h"
@@ -21,21 +24,38 @@ inline std::string printedBy(const std::function<void()>& call) {
   return testing::internal::GetCapturedStdout();
 }
 
+// One camera at a time, at index 0 or over Wi-Fi; when it goes, it must have nothing to complain
+// of.
 class CameraTest : public LibraryTest {
  protected:
   CameraTest() { s_mainhttp = cameraUrl; }
+  ~CameraTest() override { take(); }
 
   static void name(int index, int pid) {
     strOrvaDevice[static_cast<std::size_t>(index)] =
         formatted("vid_3c7e&pid_%04x", static_cast<unsigned>(pid));
   }
 
-  void plugWifi(simulator::Camera& camera) {
-    machine().wifi = wifiFront(camera);
-    nCurrPid = nPid = camera.productId();
+  void plug(int pid, const simulator::BridgeSetup& setup = {}) {
+    make(pid, setup);
+    plugBridges({bridge.get()});
+  }
+  void plugHid(int pid, const simulator::BridgeSetup& setup = {}) {
+    plug(pid, setup);
+    machine().videoInputs.clear();
+    machine().hidInterfaces = {{bridgeHidInterface(*bridge)}};
+    openBridges();
+  }
+  void plugUsb3(int pid) {
+    make(pid, {});
+    plugUsb3(pid, usb3Front(camera()));
+  }
+  void plugWifi(int pid) {
+    make(pid, {});
+    machine().wifi = wifiFront(camera());
+    nCurrPid = nPid = pid;
   }
 
-  // With the bus on the camera, as Init leaves it.
   void plugBridges(std::initializer_list<simulator::VirtualBridge*> cameras) {
     machine().videoInputs.clear();
     int index = 0;
@@ -43,26 +63,8 @@ class CameraTest : public LibraryTest {
       name(index, camera->camera.productId());
       machine().videoInputs.push_back(bridgeInput(*camera, std::to_string(++index)));
     }
-    etLib2_Init();
-    etLib2_SelectI2cBus_DevNum(0, 2, 0);
-    journal();
+    openBridges();
   }
-
-  // A new bridge of the test's own, at index 0.
-  void plug(int pid, const simulator::BridgeSetup& setup = {}) {
-    bridge = std::make_unique<simulator::VirtualBridge>(static_cast<std::uint16_t>(pid), setup);
-    nPid = 0;
-    plugBridges({bridge.get()});
-  }
-  void plugHid(int pid, const simulator::BridgeSetup& setup = {}) {
-    plug(pid, setup);
-    machine().videoInputs.clear();
-    machine().hidInterfaces = {{bridgeHidInterface(*bridge)}};
-    etLib2_Init();
-    etLib2_SelectI2cBus_DevNum(0, 2, 0);
-    journal();
-  }
-
   void plugUsb3(int pid, const std::shared_ptr<simulator::ControlEndpoint>& endpoint) {
     machine().usbDevices = {{cameraVendorId, pid, "A", "", "", {}, true, endpoint}};
     name(0, pid);
@@ -70,13 +72,60 @@ class CameraTest : public LibraryTest {
     printedBy(U3Open);
     journal();
   }
-  void plugUsb3(simulator::Camera& camera) { plugUsb3(camera.productId(), usb3Front(camera)); }
 
-  simulator::Sensor& sensor() { return bridge->camera.sensor(); }
+  void take() {
+    if (bridge == nullptr) return;
+    EXPECT_EQ(complaintsOf(camera()), "");
+    etLib2_Release();
+    machine().videoInputs.clear();
+    machine().wifi = nullptr;
+    bridge.reset();
+  }
+
+  simulator::Camera& camera() { return bridge->camera; }
+  void set(int reg, int value) {  // of the controller
+    camera().controller().set(static_cast<std::uint8_t>(reg), static_cast<std::uint8_t>(value));
+  }
 
   std::string traffic() { return trafficIn(journal()); }
 
   std::unique_ptr<simulator::VirtualBridge> bridge;
+
+ private:
+  void make(int pid, const simulator::BridgeSetup& setup) {
+    take();
+    bridge = std::make_unique<simulator::VirtualBridge>(static_cast<std::uint16_t>(pid), setup);
+    nPid = 0;
+  }
+  // With the bus on the camera, as Init leaves it.
+  void openBridges() {
+    etLib2_Init();
+    etLib2_SelectI2cBus_DevNum(0, 2, 0);
+    journal();
+  }
+};
+
+// A device behind an extension unit that may refuse some selectors and answers with these bytes,
+// one answer after the other; the last one stays.
+class ScriptedNode final : public simulator::PropertyNode {
+ public:
+  std::deque<std::vector<std::uint8_t>> replies;
+  std::vector<std::uint32_t> refused;
+  bool refusesGets = false;
+
+  bool supports(const simulator::PropertySetId&) override { return true; }
+  bool set(const simulator::PropertySetId&, std::uint32_t selector,
+           std::span<const std::uint8_t>) override {
+    return std::find(refused.begin(), refused.end(), selector) == refused.end();
+  }
+  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> data) override {
+    if (refusesGets || replies.empty()) return false;
+    std::fill(data.begin(), data.end(), std::uint8_t{0xEE});
+    std::copy_n(replies.front().begin(), std::min(replies.front().size(), data.size()),
+                data.begin());
+    if (replies.size() > 1) replies.pop_front();
+    return true;
+  }
 };
 
 // The lights' traffic; with the reads, and the switch between them, or without.

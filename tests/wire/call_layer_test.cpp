@@ -48,10 +48,11 @@ void expectAllFail(std::uint32_t device = 0) {
 
 class CallLayer : public LibraryTest {
  protected:
-  CallLayer() { machine().videoInputs = {bridgeInput(camera)}; }
+  CallLayer() { open(camera); }
 
-  void openCameras() {
-    ASSERT_EQ(etLib2_Init(), 1);
+  void open(VirtualBridge& first) {
+    machine().videoInputs = {bridgeInput(first)};
+    EXPECT_EQ(etLib2_Init(), 1);
     journal();
   }
 
@@ -86,15 +87,14 @@ class CallLayer : public LibraryTest {
 };
 
 TEST_F(CallLayer, ClosedItFailsWithoutStartingAThread) {
+  etLib2_Release();
   expectAllFail();
   etLib2_SelectI2cBus_DevNum(0, 2, 1);
-  etLib2_Release();
   EXPECT_EQ(etLib2_GetDevTotalNum(), 0);
   EXPECT_EQ(machine().threadsStarted, 0);
 }
 
 TEST_F(CallLayer, AnswerInTime) {
-  openCameras();
   EXPECT_EQ(readStatus(), 0u);
   EXPECT_EQ(value, 0u);
   machine().set({Fault::stalls, 1, 1, 499});
@@ -105,7 +105,6 @@ TEST_F(CallLayer, AnswerInTime) {
 }
 
 TEST_F(CallLayer, LateAnswerCostsTheLimitAndNothingLater) {
-  openCameras();
   machine().set({Fault::stalls, 1, 1, 600});
   EXPECT_EQ(timeOf([this] { EXPECT_EQ(readStatus(), failed); }), 500u);
   EXPECT_EQ(journal().size(), 1u);
@@ -117,7 +116,6 @@ TEST_F(CallLayer, LateAnswerCostsTheLimitAndNothingLater) {
 
 // What was lent is gone before the workers write: the sanitizer would tell.
 TEST_F(CallLayer, LateAnswersWhoseCallersHaveGoneAreHarmless) {
-  openCameras();
   machine().set({Fault::stalls, 1, simulator::Clock::forever, 1100});
   expectAllFail();
   etLib2_Release();
@@ -127,7 +125,6 @@ TEST_F(CallLayer, LateAnswersWhoseCallersHaveGoneAreHarmless) {
 }
 
 TEST_F(CallLayer, BusyMutexDelaysTheTransferBeyondTheCaller) {
-  openCameras();
   holdMutexFor(700);
   EXPECT_EQ(timeOf([this] { EXPECT_EQ(readStatus(), failed); }), 500u);
   EXPECT_EQ(journal(), Journal{});
@@ -136,7 +133,6 @@ TEST_F(CallLayer, BusyMutexDelaysTheTransferBeyondTheCaller) {
 }
 
 TEST_F(CallLayer, MutexHeldTooLongMeansNoTransfer) {
-  openCameras();
   holdMutexFor(5000);
   EXPECT_EQ(readStatus(), failed);
   Bytes bytes{};
@@ -151,7 +147,6 @@ TEST_F(CallLayer, MutexHeldTooLongMeansNoTransfer) {
 }
 
 TEST_F(CallLayer, OneWorkerPerStep) {
-  openCameras();
   machine().threadsStarted = 0;
   readStatus();
   EXPECT_EQ(machine().threadsStarted, 1);
@@ -165,7 +160,6 @@ TEST_F(CallLayer, OneWorkerPerStep) {
 }
 
 TEST_F(CallLayer, RefusesWhatDoesNotFit) {
-  openCameras();
   machine().threadsStarted = 0;
   Bytes room{};
   std::uint8_t *const bytes = room.data(), *const none = nullptr;
@@ -191,7 +185,6 @@ TEST_F(CallLayer, RefusesWhatDoesNotFit) {
 }
 
 TEST_F(CallLayer, InitTwiceClosesAndOpens) {
-  openCameras();
   VirtualBridge other(0x870);
   machine().videoInputs.push_back(bridgeInput(other, "2"));
   EXPECT_EQ(etLib2_GetDevTotalNum(), 1);
@@ -207,39 +200,34 @@ TEST_F(CallLayer, InitTwiceClosesAndOpens) {
 }
 
 TEST_F(CallLayer, OpeningNeedsTheMutexForAWhile) {
+  etLib2_Release();
   holdMutexFor(2500);
   EXPECT_EQ(timeOf([] { EXPECT_EQ(etLib2_Init(), 0); }), 2000u) << "1 s for each transport";
   machine().clock.waitForOthers();
   EXPECT_EQ(etLib2_Init(), 1);
 }
 
-class BusSelection : public CallLayer {
- protected:
-  // Speed flag as the next one-shot I2C request carries it.
-  int speedOnTheWire() {
-    std::uint8_t sub = 0x80, data = 0;
-    journal();
-    etLib2_I2cRead_DevNum(0, 0x62, 1, &sub, 1, &data);
-    return trafficIn(journal()) == "r62.80f" ? 1 : 0;
-  }
-};
+using BusSelection = CallLayer;
 
 TEST_F(BusSelection, SwitchesTheBusAndThenTheSpeed) {
-  openCameras();
   const struct {
     std::uint8_t bus;
-    std::uint32_t fast;
-    std::uint32_t select;
-    int speed;
-  } rows[] = {
-      {2, 1, 0x04, 1}, {2, 0, 0x04, 0}, {1, 7, 0x00, 1}, {0, 0, 0x04, 0}, {255, 1, 0x04, 1}};
+    std::uint32_t fast, select;
+    const char* read;  // the next one; on the other bus there is no camera
+  } rows[] = {{2, 1, 0x04, "r62.80f"},
+              {2, 0, 0x04, "r62.80"},
+              {1, 7, 0x00, nullptr},
+              {0, 0, 0x04, "r62.80"},
+              {255, 1, 0x04, "r62.80f"}};
   for (const auto& row : rows) {
     etLib2_SelectI2cBus_DevNum(0, row.bus, row.fast);
     EXPECT_EQ(camera.chip.peek(6) & 0x04, row.select) << int{row.bus};
     EXPECT_EQ(i2cSpeed, row.fast != 0 ? 0x10 : 0);
-    if (row.bus != 1) {
-      EXPECT_EQ(speedOnTheWire(), row.speed) << int{row.bus};
-    }
+    if (row.read == nullptr) continue;
+    std::uint8_t sub = 0x80, data = 0;
+    journal();
+    etLib2_I2cRead_DevNum(0, 0x62, 1, &sub, 1, &data);
+    EXPECT_EQ(trafficIn(journal()), row.read) << int{row.bus};
   }
   etLib2_Release();
   etLib2_Init();
@@ -248,7 +236,6 @@ TEST_F(BusSelection, SwitchesTheBusAndThenTheSpeed) {
 }
 
 TEST_F(BusSelection, AFailedStepLeavesTheSpeed) {
-  openCameras();
   etLib2_SelectI2cBus_DevNum(0, 2, 0);
   // Operations: set and get of the identity, set and get of register 6, set of register 6. Each
   // failing request also fails in its legacy forms; a late write counts as failed.
@@ -263,17 +250,15 @@ TEST_F(BusSelection, AFailedStepLeavesTheSpeed) {
 
 TEST_F(BusSelection, GenerationTwoChipsHaveNoSwitch) {
   VirtualBridge second(0x970, {.family = BridgeFamily::generation2});
-  machine().videoInputs = {bridgeInput(second)};
-  openCameras();
+  open(second);
   etLib2_SelectI2cBus_DevNum(0, 2, 1);
   EXPECT_EQ(i2cSpeed, 0);
   EXPECT_EQ(bytesIn(journal()), "26[32] 00 00 04, get 26 32");
 }
 
-class Eeprom : public CallLayer {};
+using Eeprom = CallLayer;
 
 TEST_F(Eeprom, SelectsItsBusAndSwapsTheAddress) {
-  openCameras();
   etLib2_SelectI2cBus_DevNum(0, 2, 1);
   std::array<std::uint8_t, 2> sub = {0x34, 0x01};
   std::uint8_t data = 0x5A;
@@ -292,8 +277,7 @@ TEST_F(Eeprom, SelectsItsBusAndSwapsTheAddress) {
 
 TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
   VirtualBridge second(0x970, {.family = BridgeFamily::generation2});
-  machine().videoInputs = {bridgeInput(second)};
-  openCameras();
+  open(second);
   std::array<std::uint8_t, 2> sub = {0x12, 0x34};
   std::uint8_t data = 0;
   etLib2_I2cRead_DevNum(0, 0xA0, 2, sub.data(), 1, &data);
@@ -306,7 +290,10 @@ class CallLayerThreads : public CallLayer {
   static constexpr int threads = 8, roundsPerThread = 1250;
   static constexpr std::uint8_t ringOn = 15;
 
-  CallLayerThreads() { machine().videoInputs.push_back(bridgeInput(other, "2")); }
+  CallLayerThreads() {
+    machine().videoInputs.push_back(bridgeInput(other, "2"));
+    etLib2_Init();
+  }
 
   // A round of calls to one device, every answer checked. Returns how many were lost.
   int round(std::uint32_t device, int number) {
@@ -338,7 +325,6 @@ class CallLayerThreads : public CallLayer {
 };
 
 TEST_F(CallLayerThreads, LoseNoReply) {
-  openCameras();
   std::atomic<int> lost = 0;
   runThreads([this, &lost](int thread) {
     for (int i = 0; i < roundsPerThread; ++i)

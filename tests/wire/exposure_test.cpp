@@ -23,11 +23,11 @@ struct Table {
 
 class Exposure : public CameraTest {
  protected:
-  int at(int reg) { return sensor().at(static_cast<std::uint16_t>(reg)); }
+  int at(int reg) { return camera().sensor().at(static_cast<std::uint16_t>(reg)); }
 
   void program(int value) {
     for (const int reg : {0x3503, 0x0380, 0x0120, 0x13}) {
-      sensor().set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
+      camera().sensor().set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
     }
     const auto mode4xx7 = static_cast<std::uint32_t>(value);
     etLib2_RegWrite_DevNum(0, 0x1700, 2, &mode4xx7);
@@ -154,7 +154,6 @@ TEST_F(Exposure, OfEveryFamilyBehindABridge) {
       if (row.before != 0) program(row.before);
       nPid = row.pid;  // which the flicker goes by
       check(table, row, 0);
-      EXPECT_EQ(complaintsOf(bridge->camera), "");
     }
   }
 }
@@ -181,12 +180,10 @@ TEST_F(Exposure, OfTheWifiCameraUnderBothIndexes) {
   for (const Table& table : wifiTables) {
     for (const Row& row : table.rows) {
       for (const int index : {90, -1}) {
-        simulator::Camera camera(static_cast<std::uint16_t>(row.pid));
-        plugWifi(camera);
+        plugWifi(row.pid);
         nTmpIdx = 90;
         check(table, row, index);
         EXPECT_EQ(nTmpIdx, 90);
-        EXPECT_EQ(complaintsOf(camera), "");
       }
     }
   }
@@ -231,8 +228,8 @@ TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
     if (value < 1125) {
       ASSERT_EQ(at(0x0202) * 256 + at(0x0203), expectedFor(shutterOneLess, value)) << value;
     }
-    sensor().set(0x0202, static_cast<std::uint8_t>(value / 256));
-    sensor().set(0x0203, static_cast<std::uint8_t>(value % 256));
+    camera().sensor().set(0x0202, static_cast<std::uint8_t>(value / 256));
+    camera().sensor().set(0x0203, static_cast<std::uint8_t>(value % 256));
     ASSERT_EQ(GetExposureValue(0), expectedFor(exposureOneLess, value)) << value;
   }
   SetExposureValue(0, 1126);
@@ -241,7 +238,7 @@ TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
 
 TEST_F(Exposure, HalvesOfTheSensorAt42AreAdded) {
   plug(0x9A1);
-  sensor().set(0x2E, 2);
+  camera().sensor().set(0x2E, 2);
   EXPECT_EQ(GetExposureValue(0), 0x125 + 0x213);
 }
 

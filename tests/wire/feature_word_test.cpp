@@ -1,7 +1,6 @@
 // The feature word, and what of a product id and the registers behind it decides how a camera is
 // taken.
 #include <climits>
-#include <map>
 
 #include "qvx64/api.h"
 #include "tests/support/cameras.h"
@@ -75,77 +74,6 @@ TEST_F(FeatureWord, ListsTheCamerasWhileTheIndexHasNone) {
   }
   EXPECT_EQ(listings(), before + 7) << "the Wi-Fi camera is no video input";
   EXPECT_EQ(complaintsOf(first.camera) + complaintsOf(second.camera), "");
-}
-
-// A digest of what all 4096 product ids give, a block of 16 at a time: after a change it tells
-// which ids give something else.
-using Digests = std::map<int, std::uint32_t>;
-
-class Sweep : public FeatureWord {
- protected:
-  using Registers = std::map<int, int>;
-  using Results = std::vector<qvx_long> (*)();
-
-  std::uint32_t digestOf(int block, const std::vector<Registers>& combinations, Results ask) {
-    std::uint32_t digest = 2166136261;  // FNV-1a
-    for (int pid = 16 * block; pid < 16 * (block + 1); ++pid) {
-      for (const Registers& registers : combinations) {
-        nCurrPid = pid;
-        camera.values = registers;
-        for (const qvx_long result : ask()) {
-          digest = (digest ^ static_cast<std::uint32_t>(result)) * 16777619;
-        }
-      }
-    }
-    journal();
-    return digest;
-  }
-
-  // Blocks that are not listed give the same as block 0.
-  void expect(const Digests& listed, const std::vector<Registers>& combinations, Results ask) {
-    for (int block = 0; block < 256; ++block) {
-      const std::uint32_t digest = digestOf(block, combinations, ask);
-      EXPECT_EQ(digest, listed.at(listed.count(block) != 0 ? block : 0))
-          << "product ids 0x" << std::hex << block << "0 on: {0x" << block << ", 0x" << digest
-          << '}';
-    }
-  }
-};
-
-TEST_F(Sweep, FeatureWords) {
-  std::vector<Registers> combinations;
-  for (const int reg80 : {0x00, 0x01, 0x02, 0x04, 0x10, 0x40, 0x80, 0xD7, 0xFF}) {
-    combinations.push_back({{0x80, reg80}, {0x83, 4}});
-  }
-  combinations.push_back({{0x80, 0xD7}, {0x83, 5}});
-  const Digests listed = {{0x00, 0x02187E45}, {0x61, 0xA338E08D}, {0x71, 0xDA9D4705},
-                          {0x81, 0x04331BF5}, {0x82, 0x4F8D9F35}, {0x84, 0xA2D800B5},
-                          {0x86, 0xC6972345}, {0x87, 0xDA29850D}, {0x88, 0xBA053D8D},
-                          {0x89, 0x6D2020ED}, {0x91, 0x28FC9735}, {0x92, 0x4E7D75AD},
-                          {0x96, 0x44831684}, {0x97, 0x826B026A}, {0x98, 0xAF391961},
-                          {0x99, 0x4A5EC046}, {0x9A, 0xECC6FC35}, {0x9B, 0x9E9F2B5C},
-                          {0x9C, 0x93D78E39}, {0x9D, 0x952C2AED}, {0x9E, 0x93D78E39}};
-  expect(listed, combinations, [] { return std::vector<qvx_long>{GetConfig(90)}; });
-}
-
-TEST_F(Sweep, LensLimits) {
-  const std::vector<Registers> combinations = {
-      {{0xCA, 1}, {0xC2, 0}, {0x5F, 255}, {0x5E, 255}},
-      {{0xCA, 1}, {0xC2, 1}, {0x5F, 255}, {0x5E, 9}},
-      {{0xCA, 2}, {0xC2, 0}, {0x5F, 12}, {0x5E, 255}},
-      {{0xCA, 2}, {0xC2, 1}, {0x5F, 255}, {0x5E, 9}},
-      {{0xCA, 255}, {0xC2, 0}, {0x5F, 12}, {0x5E, 255}},
-      {{0xCA, 255}, {0xC2, 1}, {0x5F, 0}, {0x5E, 9}},
-  };
-  const Digests listed = {{0x00, 0x411C9485}, {0x91, 0x8749FC45}, {0x98, 0x8FF28905},
-                          {0x99, 0x0D4C13C5}, {0x9B, 0xE46321F3}, {0x9C, 0x0D4C13C5},
-                          {0x9E, 0x26674605}};
-  expect(listed, combinations, [] {
-    std::vector<qvx_long> limits(4);
-    GetLensPosLimits(90, &limits[0], &limits[1]);
-    GetLensFinePosLimits(90, &limits[2], &limits[3]);
-    return limits;
-  });
 }
 
 }  // namespace

@@ -17,8 +17,6 @@ constexpr std::uint32_t failed = 0x80004005;
 
 class HidWire : public CameraTest {
  protected:
-  ~HidWire() override { EXPECT_EQ(bridge ? complaintsOf(bridge->camera) : "", ""); }
-
   std::string reports() { return bytesIn(journal()); }
 
   void expectRegister(std::uint32_t address, std::uint32_t length, std::uint32_t written) {
@@ -157,16 +155,16 @@ TEST_F(HidWire, KnowsBridgesByTheirReports) {
 }
 
 TEST_F(HidWire, CountsUpTo24IncludingThoseThatCannotBeOpened) {
-  VirtualBridge camera(0x970);
+  VirtualBridge found(0x970);
   const HidInterface mouse{"mouse", 0, {}, nullptr};
-  HidInterface broken = bridgeHidInterface(camera, "broken");
+  HidInterface broken = bridgeHidInterface(found, "broken");
   broken.device = nullptr;
-  machine().hidInterfaces = {{mouse, broken, mouse, bridgeHidInterface(camera, "good")}};
+  machine().hidInterfaces = {{mouse, broken, mouse, bridgeHidInterface(found, "good")}};
   EXPECT_EQ(etLib2_Init(), 1);
   EXPECT_EQ(etLib2_GetDevTotalNum(), 2);
   EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x85, 1, &value), failed);
   EXPECT_EQ(etLib2_RegRead_DevNum(1, 0x85, 1, &value), 0u);
-  machine().hidInterfaces->assign(30, bridgeHidInterface(camera));
+  machine().hidInterfaces->assign(30, bridgeHidInterface(found));
   EXPECT_EQ(etLib2_Init(), 1);
   EXPECT_EQ(etLib2_GetDevTotalNum(), 24);
   etLib2_Release();

@@ -2,6 +2,7 @@
 #include "controls/led_state.h"
 
 #include <climits>
+#include <span>
 
 #include "controls/lighting.h"
 #include "qvx64/api.h"
@@ -10,19 +11,18 @@
 namespace qvx::tests {
 namespace {
 
-using simulator::VirtualBridge;
-
 struct Registers {
   std::uint8_t features, board = 0xFF, kind = 0;  // 0x80, 0x84, 0x83
 };
 
-void program(simulator::Camera& camera, const Registers& registers) {
-  camera.controller().set(0x80, registers.features);
-  camera.controller().set(0x84, registers.board);
-  camera.controller().set(0x83, registers.kind);
-}
-
-using LedState = LightsTest;
+class LedState : public LightsTest {
+ protected:
+  void program(const Registers& registers) {
+    set(0x80, registers.features);
+    set(0x84, registers.board);
+    set(0x83, registers.kind);
+  }
+};
 
 struct States {
   std::uint16_t pid;
@@ -118,43 +118,33 @@ const States wifiFamilies[] = {
     {0x9AF, {0xFF}, {"pins5=0", "pins5=0", "pins5=0", "pins5=0"}},
 };
 
-TEST_F(LedState, BridgeCameras) {
-  for (const States& row : families) {
-    for (int state = 0; state < 3; ++state) {
-      SCOPED_TRACE(testing::Message() << std::hex << row.pid << " state " << state);
-      VirtualBridge camera(row.pid);
-      program(camera.camera, row.registers);
-      plugBridges({&camera});
-      // What the predicates and the board leave, for state 2 of the cameras that go by it.
-      ul80 = row.registers.features;
-      ul84 = row.registers.board;
-      nTmpIdx = 5;  // whoever was used last
-      SEGCount[0] = 1;
-      SetLEDState(0, state);
-      EXPECT_EQ(traffic(), row.traffic[state]);
-      EXPECT_EQ(complaintsOf(camera.camera), "");
-      EXPECT_EQ(nTmpIdx, 0);
-    }
-  }
-}
-
-TEST_F(LedState, Usb3AndWifiCameras) {
-  const auto check = [this](const States& row, int index, int state, const char* expected) {
-    simulator::Camera camera(row.pid);
-    program(camera, row.registers);
-    if (index == 90) plugWifi(camera);
-    if (index == 0) plugUsb3(camera);
-    SEGCount[0] = 1;
-    SetLEDState(index, state);
-    EXPECT_EQ(traffic(), expected) << std::hex << row.pid << " state " << state;
-    EXPECT_EQ(complaintsOf(camera), "");
+TEST_F(LedState, OfEveryCamera) {
+  const struct {
+    std::function<void(int pid)> plugIn;
+    int index;
+    std::span<const States> rows;
+  } transports[] = {
+      {[this](int pid) { plug(pid); }, 0, families},
+      {[this](int pid) { plugUsb3(pid); }, 0, usb3},
+      {[this](int pid) { plugWifi(pid); }, 90, wifiFamilies},
   };
-  for (const States& row : usb3) {
-    for (const int state : {0, 1, 2}) check(row, 0, state, row.traffic[state]);
-  }
-  nPid = 0;
-  for (const States& row : wifiFamilies) {
-    for (const int state : {0, 1, 2, 7}) check(row, 90, state, row.traffic[std::min(state, 3)]);
+  for (const auto& transport : transports) {
+    for (const States& row : transport.rows) {
+      for (int i = 0; i < 4 && row.traffic[i] != nullptr; ++i) {
+        const int state = i == 3 ? 7 : i;
+        SCOPED_TRACE(testing::Message() << std::hex << row.pid << " state " << state);
+        transport.plugIn(row.pid);
+        program(row.registers);
+        // What the predicates and the board leave, for state 2 of the cameras that go by it.
+        ul80 = row.registers.features;
+        ul84 = row.registers.board;
+        nTmpIdx = 5;  // whoever was used last
+        SEGCount[0] = 1;
+        SetLEDState(transport.index, state);
+        EXPECT_EQ(traffic(), row.traffic[i]);
+        EXPECT_EQ(nTmpIdx, transport.index == 0 ? 0 : nTmpIdx);
+      }
+    }
   }
 }
 
@@ -197,9 +187,8 @@ TEST_F(LedState, WifiSegmentsAndProgressThatAreChosen) {
 // State 3 is taken by cameras with a lighting controller, and does nothing there. Under index -1
 // nothing is read from the Wi-Fi camera once the feature word is known.
 TEST_F(LedState, WifiOddities) {
-  simulator::Camera camera(0x978);
-  program(camera, {0x01, 0xFF, 4});
-  plugWifi(camera);
+  plugWifi(0x978);
+  program({0x01, 0xFF, 4});
   SetLEDState(90, 3);
   EXPECT_EQ(traffic(Reads::shown), "128? 131?") << "the feature word's";
   SetLEDState(90, 1);
@@ -226,9 +215,8 @@ TEST_F(LedState, ReadsInOrder) {
       {0x9E0, {0x00}, 2, word + "b 131? b p b 128? b 131? b 132?"},
   };
   for (const auto& row : rows) {
-    VirtualBridge camera(row.pid);
-    program(camera.camera, row.registers);
-    plugBridges({&camera});
+    plug(row.pid);
+    program(row.registers);
     SetLEDState(0, row.state);
     EXPECT_EQ(traffic(Reads::shown), row.traffic) << std::hex << row.pid << " " << row.state;
   }
@@ -237,34 +225,34 @@ TEST_F(LedState, ReadsInOrder) {
 // State 2 of 0x9E0 to 0x9EF reads the registers and then goes by what was known before.
 TEST_F(LedState, GoesByKnownRegistersWhereTheRuleSaysSo) {
   plug(0x9E0);
-  program(bridge->camera, {0x0A, 4});
+  program({0x0A, 4});
   SEGCount[0] = 1;
   ul80 = 0;
   SetLEDState(0, 2);
   EXPECT_EQ(traffic(), "p");
   ul80 = 0x0A;
   ul84 = 4;
-  program(bridge->camera, {0x00, 0});
+  program({0x00, 0});
   SetLEDState(0, 2);
   EXPECT_EQ(traffic(), "p 4=8 p p 3=6 p");
 }
 
 TEST_F(LedState, SegmentModeIsEnteredOnce) {
   plug(0x998);
-  program(bridge->camera, {0x01, 5});
+  program({0x01, 5});
   SetLEDState(0, 1);
   traffic();
   SetLEDState(0, 2);
   EXPECT_EQ(traffic(), "p F2 0 F3 0 p 4=16 p 3=13 p");
   EXPECT_EQ(SEGCount[0], 0) << "not counted as a lighting command";
-  bridge->camera.controller().set(0x84, 7);
+  set(0x84, 7);
   SetLEDState(0, 0);
   EXPECT_EQ(traffic(), "p F2 1 p F3 1 p F2 1 F3 1 4=16 p p p 3=7 p p") << "the first one counted";
 }
 
 TEST_F(LedState, OtherStatesAndDevicesChangeNothing) {
   plug(0x9E0);
-  program(bridge->camera, {0x01, 5});
+  program({0x01, 5});
   for (const int state : {3, -1, INT_MIN, INT_MAX}) {
     SetLEDState(0, state);
     EXPECT_EQ(traffic(), "p") << state;

@@ -63,12 +63,11 @@ TEST_F(Lens, BehindABridge) {
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << std::hex << row.pid << ": " << row.traffic);
     plug(row.pid);
-    bridge->camera.controller().set(0x5F, row.ahead);
-    bridge->camera.controller().set(0x5E, row.back);
+    set(0x5F, row.ahead);
+    set(0x5E, row.back);
     f890Rate = 20;
     call(row.called, 0, row.position);
     EXPECT_EQ(traffic(), row.traffic);
-    EXPECT_EQ(complaintsOf(bridge->camera), "");
   }
 }
 
@@ -94,13 +93,11 @@ TEST_F(Lens, OverUsb3) {
       {0xCA, 2, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5F r62.5E"},
   };
   for (const auto& row : rows) {
-    simulator::Camera camera(0x9B0);
-    camera.controller().set(0x5E, 200);
-    camera.controller().set(row.reg, row.value);
-    plugUsb3(camera);
+    plugUsb3(0x9B0);
+    set(0x5E, 200);
+    set(row.reg, row.value);
     call(row.called, 0, row.position);
     EXPECT_EQ(traffic(), row.traffic);
-    EXPECT_EQ(complaintsOf(camera), "");
   }
 }
 
@@ -125,11 +122,9 @@ TEST_F(Lens, OverWifi) {
       {0x9C7, move, -5, 1, ""},
   };
   for (const auto& row : rows) {
-    simulator::Camera camera(row.pid);
-    joinWifi(wifiFront(camera), row.pid);
+    plugWifi(row.pid);
     call(row.called, row.device, row.position);
     EXPECT_EQ(traffic(), row.traffic);
-    EXPECT_EQ(complaintsOf(camera), "");
   }
 }
 
@@ -193,13 +188,13 @@ TEST_F(Lens, SpeedFollowsOpticsAndMagnification) {
   };
   plug(0x9E0);
   for (const auto& row : rows) {
-    bridge->camera.controller().set(0xC0, row.optics);
+    set(0xC0, row.optics);
     f890Rate = row.rate;
     SetLensPos(0, row.position);
     EXPECT_TRUE(traffic().ends_with(row.move)) << int{row.optics} << " at " << row.rate;
   }
-  bridge->camera.controller().set(0x50, 20);
-  bridge->camera.controller().set(0xC0, 0);
+  set(0x50, 20);
+  set(0xC0, 0);
   f890Rate = 20;
   SetLensPos(0, -48);  // a target below zero counts as above the middle: 156 times 26
   EXPECT_TRUE(traffic().ends_with("w62.08=02f w18.FD=81f"));
@@ -225,18 +220,18 @@ TEST_F(Lens, FineLimitsMoveWithTheOffset) {
 
 // The same move ends at the same place whatever carries it.
 TEST_F(Lens, ArrivesOnEveryTransport) {
+  const auto expectAt = [this](int device, int position) {
+    SetLensPos(device, position);
+    EXPECT_EQ(camera().lens().offset(), position);
+  };
   plug(0x990);
-  SetLensPos(0, 30);
-  EXPECT_EQ(bridge->camera.lens().offset(), 30);
-  simulator::Camera wifi(0x9C0), usb3(0x9B0);
-  joinWifi(wifiFront(wifi), 0x9C0);
-  SetLensPos(90, -20);
-  EXPECT_EQ(wifi.lens().offset(), -20);
+  expectAt(0, 30);
+  plugUsb3(0x9B0);
+  expectAt(0, -48);
+  plugWifi(0x9C0);
+  expectAt(90, -20);
   call(limits, 90);
-  EXPECT_EQ(wifi.lens().offset(), 0) << "asking for the limits brings it back";
-  plugUsb3(usb3);
-  SetLensPos(0, -48);
-  EXPECT_EQ(usb3.lens().offset(), -48);
+  EXPECT_EQ(camera().lens().offset(), 0) << "asking for the limits brings it back";
 }
 
 TEST_F(Lens, OddArgumentsAndAnswersDoNoHarm) {

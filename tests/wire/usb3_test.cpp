@@ -15,7 +15,7 @@ class Usb3 : public CameraTest {
  protected:
   UsbDevice device(int pid, const std::string& instance) {
     return {cameraVendorId, pid, instance, "Camera " + instance,
-            "Maker",        {},  true,     simulator::usb3Front(camera)};
+            "Maker",        {},  true,     simulator::usb3Front(plain)};
   }
 
   // What it prints.
@@ -23,7 +23,7 @@ class Usb3 : public CameraTest {
     return printedBy([=] { EXPECT_EQ(U3Open(), result); });
   }
 
-  simulator::Camera camera{0x9B0};
+  simulator::Camera plain{0x9B0};
 };
 
 TEST_F(Usb3, OpensListsPipesOnceAndAsksForTheDescriptor) {
@@ -103,13 +103,13 @@ TEST_F(Usb3, GoesOnAfterAFailedOpen) {
 class Usb3Controller : public Usb3 {
  protected:
   Usb3Controller() {
-    plugUsb3(camera);
+    plugUsb3(0x9B0);
     name(1, 0x9B5);
   }
 };
 
 TEST_F(Usb3Controller, ReadsWithASetAndAGet) {
-  camera.controller().set(0x80, 0x52);
+  set(0x80, 0x52);
   EXPECT_EQ(ReadFromPIC(0, 0x180), 0x52u) << "the low byte names the register";
   EXPECT_EQ(journal(), (Journal{"usb 21 01 0303 0300 2: 62 80", "usb A1 81 0303 0300 1"}));
   handle = nullptr;
@@ -121,7 +121,7 @@ TEST_F(Usb3Controller, WritesForTheWholeBlockButReadsForOneProduct) {
   EXPECT_EQ(nPid, 0x9B5);
   EXPECT_EQ(nTmpIdx, 1);
   EXPECT_EQ(journal(), Journal{"usb 21 01 0300 0300 3: 62 03 07"});
-  EXPECT_EQ(camera.controller().at(0x03), 7);
+  EXPECT_EQ(camera().controller().at(0x03), 7);
   EXPECT_EQ(ReadFromPIC(1, 0x80), 0u) << "read through the bridge, which is not there";
   EXPECT_EQ(journal(), Journal{});
   ec = 31;

@@ -117,12 +117,9 @@ TEST_F(VideoProcAmpCapture, OutlivesTheFailureOfEveryStep) {
 class VideoProcAmpWifi : public CameraTest {
  protected:
   VideoProcAmpWifi() {
-    machine().wifi = wifiFront(camera);
+    plugWifi(0x970);
     SetVideoDeviceIndex(90);
   }
-  ~VideoProcAmpWifi() override { EXPECT_EQ(complaintsOf(camera), ""); }
-
-  simulator::Camera camera{0x970};
 };
 
 TEST_F(VideoProcAmpWifi, SendsACommandAndDoesNotReadItsAnswer) {

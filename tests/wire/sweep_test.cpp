@@ -1,0 +1,223 @@
+// What all 4096 product ids give and are told, with every register value that a rule looks at: a
+// digest per block of 16 ids tells which ids it is that a change is felt by. The call layer is
+// replaced by one that notes calls and answers from a table, since a worker thread for each access
+// would take minutes; it is driven for real in the other suites.
+#include <array>
+#include <functional>
+#include <map>
+
+#include "controls/lighting.h"
+#include "qvx64/api.h"
+#include "tests/support/cameras.h"
+#include "tests/support/wifi_registers.h"
+
+namespace qvx {
+
+namespace {
+
+std::array<std::uint8_t, 256> controller;  // of the camera at every device number
+
+std::uint32_t note(const char* what, std::uint32_t device, std::uint32_t first,
+                   std::uint32_t second) {
+  char line[64];
+  std::snprintf(line, sizeof line, "%s %u %X %X", what, device, first, second);
+  simulator::world().note([&] { return std::string(line); });
+  return 0;
+}
+
+}  // namespace
+
+int etLib2_Init() {
+  return 0;
+}
+void etLib2_Release() {}
+int etLib2_GetDevTotalNum() {
+  return 0;
+}
+
+void etLib2_SelectI2cBus_DevNum(std::uint32_t DevNum, std::uint8_t bus, std::uint32_t fast) {
+  note("bus", DevNum, bus, fast);
+}
+std::uint32_t etLib2_RegRead_DevNum(std::uint32_t DevNum, std::uint32_t address, std::uint32_t,
+                                    std::uint32_t*) {
+  return note("register", DevNum, address, 0);
+}
+std::uint32_t etLib2_RegWrite_DevNum(std::uint32_t DevNum, std::uint32_t address, std::uint32_t,
+                                     const std::uint32_t* value) {
+  return note("set register", DevNum, address, *value);
+}
+std::uint32_t etLib2_I2cRead_DevNum(std::uint32_t DevNum, std::uint32_t slave, std::uint32_t,
+                                    std::uint8_t* subAddress, std::uint32_t, std::uint8_t* data) {
+  *data = controller[*subAddress];
+  return note("read", DevNum, slave, *subAddress);
+}
+std::uint32_t etLib2_I2cWrite_DevNum(std::uint32_t DevNum, std::uint32_t slave, std::uint32_t,
+                                     std::uint8_t* subAddress, std::uint32_t,
+                                     const std::uint8_t* data) {
+  return note("write", DevNum, slave << 8 | *subAddress, *data);
+}
+std::uint32_t etLib2_Custom_CMD_Read(std::uint32_t DevNum, std::uint8_t command, std::uint8_t,
+                                     std::uint8_t* buffer) {
+  return note("ask", DevNum, command, buffer[0]);
+}
+std::uint32_t etLib2_Custom_CMD_Write(std::uint32_t DevNum, std::uint8_t command, std::uint8_t,
+                                      const std::uint8_t* buffer) {
+  return note("command", DevNum, command, static_cast<std::uint32_t>(buffer[0] << 8 | buffer[1]));
+}
+
+namespace tests {
+namespace {
+
+using Registers = std::map<int, int>;
+using Digests = std::map<int, std::uint32_t>;  // by block
+
+class Usb3Registers final : public simulator::ControlEndpoint {
+ public:
+  std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
+                                      std::span<std::uint8_t> buffer) override {
+    if (setup.requestType == 0x21 && setup.value == 0x0303) register_ = buffer[1];
+    if (setup.requestType == 0xA1) buffer[0] = controller[register_];
+    return buffer.size();
+  }
+
+ private:
+  std::uint8_t register_ = 0;
+};
+
+class Sweep : public CameraTest {
+ protected:
+  Sweep() { machine().wifi = wifi.server(); }
+
+  void program(int pid, const Registers& registers) {
+    for (const auto& [reg, value] : registers) {
+      controller[static_cast<std::size_t>(reg)] = static_cast<std::uint8_t>(value);
+    }
+    wifi.values = registers;
+    name(0, pid);
+    nCurrPid = pid;
+    ul80 = controller[0x80];  // what an earlier call may have left
+    ul84 = controller[0x84];
+    SEGCount.fill(0);
+  }
+
+  void add(std::uint32_t value) { digest = (digest ^ value) * 16777619; }
+
+  // Blocks that are not listed give the same as block 0. Older models look at no light register,
+  // so that two cameras of them do.
+  void expect(const Digests& listed, const std::vector<Registers>& newer,
+              const std::vector<Registers>& older, const std::function<void()>& call) {
+    for (int block = 0; block < 256; ++block) {
+      digest = 2166136261;  // FNV-1a
+      for (int pid = 16 * block; pid < 16 * (block + 1); ++pid) {
+        for (const Registers& registers : block >= 0x96 && block <= 0x9E ? newer : older) {
+          prepare = [&] { program(pid, registers); };
+          call();
+        }
+      }
+      EXPECT_EQ(digest, listed.at(listed.count(block) != 0 ? block : 0))
+          << "product ids 0x" << std::hex << block << "0 on: {0x" << block << ", 0x" << digest
+          << '}';
+    }
+  }
+
+  void expectLeds(const Digests& listed, int device, const std::vector<Registers>& newer) {
+    const std::vector<Registers> older = {{{0x80, 0xFF}, {0x83, 0}, {0x84, 0xFF}},
+                                          {{0x80, 0x17}, {0x83, 4}, {0x84, 5}}};
+    expect(listed, newer, older, [=, this] {
+      for (const int state : {0, 1, 2, 3}) {
+        prepare();
+        nTmpIdx = device;
+        SetLEDState(device, state);
+        for (const std::string& line : journal()) {
+          for (const char character : line + '\n') add(static_cast<std::uint8_t>(character));
+        }
+      }
+    });
+  }
+
+  void expectResults(const Digests& listed, const std::vector<Registers>& combinations,
+                     std::vector<qvx_long> (*ask)()) {
+    expect(listed, combinations, combinations, [=, this] {
+      prepare();
+      for (const qvx_long result : ask()) add(static_cast<std::uint32_t>(result));
+      journal();
+    });
+  }
+
+  WifiRegisters wifi;
+  std::function<void()> prepare;
+  std::uint32_t digest = 0;
+};
+
+TEST_F(Sweep, LedsOfUsbCameras) {
+  plugUsb3(0x9B0, std::make_shared<Usb3Registers>());
+  std::vector<Registers> combinations;
+  for (const int features : {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0A, 0x0B, 0x10, 0xFF}) {
+    for (const int kind : {0, 4}) {
+      for (const int board : {4, 5, 255}) {
+        combinations.push_back({{0x80, features}, {0x83, kind}, {0x84, board}});
+      }
+    }
+  }
+  const Digests listed = {{0x00, 0xE058AAC5}, {0x87, 0xFDF50BD5}, {0x88, 0x30920D15},
+                          {0x89, 0x6CFDD31D}, {0x91, 0xEC5871CD}, {0x92, 0xEB4D8F69},
+                          {0x96, 0x915C0145}, {0x97, 0x42032365}, {0x98, 0x0E5F8E35},
+                          {0x99, 0x08149A3D}, {0x9A, 0xC32704C5}, {0x9B, 0x3C664AEC},
+                          {0x9C, 0x0BF5BBED}, {0x9D, 0xAF865B3D}, {0x9E, 0x9225E595}};
+  expectLeds(listed, 0, combinations);
+}
+
+TEST_F(Sweep, LedsOfWifiCameras) {
+  std::vector<Registers> combinations;
+  for (const int features : {0x00, 0x01, 0xFF}) {
+    for (const int kind : {0, 4}) {
+      combinations.push_back({{0x80, features}, {0x83, kind}, {0x84, 0}});
+    }
+  }
+  const Digests listed = {{0x00, 0x960E09C5}, {0x87, 0x9DC041E5}, {0x88, 0x3A623FE5},
+                          {0x89, 0x7A17E925}, {0x91, 0x91313C0D}, {0x92, 0xC9F91D45},
+                          {0x96, 0xADBA6066}, {0x97, 0xDF26214E}, {0x98, 0xB20B2545},
+                          {0x99, 0x6BF43556}, {0x9A, 0xFBFAB845}, {0x9B, 0x42A31CBA},
+                          {0x9C, 0x4C564FC5}, {0x9D, 0xC618A745}, {0x9E, 0xCC988445}};
+  expectLeds(listed, 90, combinations);
+}
+
+TEST_F(Sweep, FeatureWords) {
+  std::vector<Registers> combinations;
+  for (const int reg80 : {0x00, 0x01, 0x02, 0x04, 0x10, 0x40, 0x80, 0xD7, 0xFF}) {
+    combinations.push_back({{0x80, reg80}, {0x83, 4}});
+  }
+  combinations.push_back({{0x80, 0xD7}, {0x83, 5}});
+  const Digests listed = {{0x00, 0x02187E45}, {0x61, 0xA338E08D}, {0x71, 0xDA9D4705},
+                          {0x81, 0x04331BF5}, {0x82, 0x4F8D9F35}, {0x84, 0xA2D800B5},
+                          {0x86, 0xC6972345}, {0x87, 0xDA29850D}, {0x88, 0xBA053D8D},
+                          {0x89, 0x6D2020ED}, {0x91, 0x28FC9735}, {0x92, 0x4E7D75AD},
+                          {0x96, 0x44831684}, {0x97, 0x826B026A}, {0x98, 0xAF391961},
+                          {0x99, 0x4A5EC046}, {0x9A, 0xECC6FC35}, {0x9B, 0x9E9F2B5C},
+                          {0x9C, 0x93D78E39}, {0x9D, 0x952C2AED}, {0x9E, 0x93D78E39}};
+  expectResults(listed, combinations, [] { return std::vector<qvx_long>{GetConfig(90)}; });
+}
+
+TEST_F(Sweep, LensLimits) {
+  const std::vector<Registers> combinations = {
+      {{0xCA, 1}, {0xC2, 0}, {0x5F, 255}, {0x5E, 255}},
+      {{0xCA, 1}, {0xC2, 1}, {0x5F, 255}, {0x5E, 9}},
+      {{0xCA, 2}, {0xC2, 0}, {0x5F, 12}, {0x5E, 255}},
+      {{0xCA, 2}, {0xC2, 1}, {0x5F, 255}, {0x5E, 9}},
+      {{0xCA, 255}, {0xC2, 0}, {0x5F, 12}, {0x5E, 255}},
+      {{0xCA, 255}, {0xC2, 1}, {0x5F, 0}, {0x5E, 9}},
+  };
+  const Digests listed = {{0x00, 0x411C9485}, {0x91, 0x8749FC45}, {0x98, 0x8FF28905},
+                          {0x99, 0x0D4C13C5}, {0x9B, 0xE46321F3}, {0x9C, 0x0D4C13C5},
+                          {0x9E, 0x26674605}};
+  expectResults(listed, combinations, [] {
+    std::vector<qvx_long> limits(4);
+    GetLensPosLimits(90, &limits[0], &limits[1]);
+    GetLensFinePosLimits(90, &limits[2], &limits[3]);
+    return limits;
+  });
+}
+
+}  // namespace
+}  // namespace tests
+}  // namespace qvx
