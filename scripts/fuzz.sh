@@ -25,11 +25,12 @@ cp "$corpus"/* "$run/corpus"
 
 # Most time goes into keeping account of allocations: less of it means more executions.
 export ASAN_OPTIONS=malloc_context_size=2:quarantine_size_mb=16
+common=(-timeout=10 -artifact_prefix="$run/")
 
 # The lines of src that the inputs of a folder reach, in percent.
 coverage() {
   local folder=$1 profile=$run/$2
-  LLVM_PROFILE_FILE=$profile.raw "$fuzzer" -runs=0 "${@:3}" "$folder" >"$profile.log" 2>&1 || {
+  LLVM_PROFILE_FILE=$profile.raw "$fuzzer" "${common[@]}" -runs=0 "${@:3}" "$folder" >"$profile.log" 2>&1 || {
     tail -n 40 "$profile.log" >&2
     return 1
   }
@@ -42,9 +43,8 @@ coverage() {
 fuzz() {
   local i processes=() status=0
   for ((i = 0; i < jobs; i++)); do
-    LLVM_PROFILE_FILE=$run/fuzz-$i.raw "$fuzzer" -max_total_time="$seconds" -timeout=10 \
-      -max_len=400 -len_control=20 -detect_leaks=0 -print_final_stats=1 \
-      -artifact_prefix="$run/" "$run/corpus" >"$run/fuzz-$i.log" 2>&1 &
+    LLVM_PROFILE_FILE=$run/fuzz-$i.raw "$fuzzer" "${common[@]}" -max_total_time="$seconds" \
+      -max_len=400 -len_control=20 -detect_leaks=0 -print_final_stats=1 "$run/corpus" >"$run/fuzz-$i.log" 2>&1 &
     processes+=($!)
   done
   for i in "${!processes[@]}"; do
@@ -57,8 +57,11 @@ fuzz() {
 
 regressions=(tests/fuzz/regressions/*)
 if [ -e "${regressions[0]}" ]; then
-  LLVM_PROFILE_FILE=$run/regressions.raw "$fuzzer" "${regressions[@]}" >"$run/regressions.log" 2>&1 ||
-    { tail -n 60 "$run/regressions.log"; fail "a fault of the past is back"; }
+  LLVM_PROFILE_FILE=$run/regressions.raw "$fuzzer" "${common[@]}" "${regressions[@]}" \
+    >"$run/regressions.log" 2>&1 || {
+    tail -n 60 "$run/regressions.log"
+    fail "a fault of the past is back"
+  }
 fi
 before=$(coverage "$corpus" before) || fail "an input of $corpus breaks the library"
 broken=0
