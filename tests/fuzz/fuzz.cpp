@@ -16,8 +16,8 @@
 #include "etlib2/etLib2.h"
 #include "qvx64/api.h"
 #include "simulator/platform/world.h"
-#include "tests/fuzz/input.h"
-#include "tests/fuzz/machine.h"
+#include "simulator/arbitrary/input.h"
+#include "simulator/arbitrary/machine.h"
 #include "tests/fuzz/promises.h"
 #include "tests/support/every_export.h"
 #include "tests/support/reset_library.h"
@@ -26,6 +26,9 @@
 namespace qvx::fuzz {
 
 namespace {
+
+using simulator::Input;
+using simulator::Machine;
 
 using simulator::world;
 

@@ -1,6 +1,6 @@
-// What the fuzzer makes up. The script (which machine, which calls with which arguments) is taken
-// from the end of its bytes, what devices answer from their beginning: a changed answer leaves the
-// script as it was. When the bytes are used up, everything is 0.
+// A stream of bytes made up by a fuzzer. The script (which machine, which calls with which
+// arguments) is taken from the end of its bytes, what devices answer from their beginning: a
+// changed answer leaves the script as it was. When the bytes are used up, everything is 0.
 #pragma once
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -9,7 +9,7 @@
 #include <mutex>
 #include <span>
 
-namespace qvx::fuzz {
+namespace qvx::simulator {
 
 class Input {
  public:
@@ -55,4 +55,4 @@ class Input {
   FuzzedDataProvider provider_;
 };
 
-}  // namespace qvx::fuzz
+}  // namespace qvx::simulator

@@ -1,13 +1,14 @@
-// A simulated machine on which every device answers what the fuzzer makes up.
+// A simulated machine on which every device answers what a stream of bytes says: a fuzzer's,
+// usually.
 #pragma once
 
 #include <string>
 #include <thread>
 
 #include "simulator/platform/world.h"
-#include "tests/fuzz/input.h"
+#include "simulator/arbitrary/input.h"
 
-namespace qvx::fuzz {
+namespace qvx::simulator {
 
 class Machine {
  public:
@@ -43,4 +44,4 @@ class Machine {
   simulator::PictureControls picture_;
 };
 
-}  // namespace qvx::fuzz
+}  // namespace qvx::simulator

@@ -1,4 +1,4 @@
-#include "tests/fuzz/machine.h"
+#include "simulator/arbitrary/machine.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <cwchar>
 #include <new>
 
-namespace qvx::fuzz {
+namespace qvx::simulator {
 
 namespace {
 
@@ -282,4 +282,4 @@ HttpAnswer Machine::answerTo(const std::string& url) {
   return {true, {body}};
 }
 
-}  // namespace qvx::fuzz
+}  // namespace qvx::simulator
