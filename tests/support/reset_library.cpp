@@ -13,7 +13,16 @@ namespace qvx::tests {
 
 namespace {
 
-void resetDeviceState() {
+void resetCallLayer() {
+  etLib2_Release();
+  for (SpeedTable::Entry& entry : speedTable.entries) {
+    entry.slave = 0;
+    entry.speed = standardSpeed;
+  }
+  i2cSpeed = standardSpeed;
+}
+
+void resetDevices() {
   VideoDeviceIndex = nPid = nCurrPid = nTmpIdx = m_EnableMT = 0;
   bWait = 0;
   bMAGSeries = -1;
@@ -24,15 +33,6 @@ void resetDeviceState() {
   }
   n80 = n83 = n84 = nC0 = nC1 = nC2 = nC3 = nC4 = nC5 = 0;
   ul80 = ul84 = ulC3 = ulC5 = 0;
-}
-
-void resetEvents() {
-  OnEvent = nullptr;
-  m_MT = m_count = 0;
-  timer_2_proc::barry = -1;
-}
-
-void resetUsb3() {
   deviceList = nullptr;
   deviceInfo = nullptr;
   Usb = {};
@@ -43,37 +43,25 @@ void resetUsb3() {
   nUSBVer = 0;
 }
 
-void resetMagnification() {
+void resetFunctions() {
+  OnEvent = nullptr;
+  m_MT = m_count = 0;
+  timer_2_proc::barry = -1;
   f890Rate = f890a = f890b = f890c = f890d = 0;
   fabc.fill(0);
   fRate5s = fRate5s1 = f890PreMag = 0;
   count_890_rate::k = 0;
   count_890_rate::fRatePre = 0;
-}
-
-void resetLights() {
   SEGCount.fill(0);
   m_LEDStatus = m_LED1Status = m_LED2Status = m_LED3Status = m_LED4Status = nProgress = 0;
-}
-
-void resetCallLayer() {
-  etLib2_Release();
-  for (SpeedTable::Entry& entry : speedTable.entries) {
-    entry.slave = 0;
-    entry.speed = standardSpeed;
-  }
-  i2cSpeed = standardSpeed;
 }
 
 }  // namespace
 
 void resetLibrary() {
   resetCallLayer();
-  resetDeviceState();
-  resetEvents();
-  resetUsb3();
-  resetMagnification();
-  resetLights();
+  resetDevices();
+  resetFunctions();
 }
 
 }  // namespace qvx::tests

@@ -160,11 +160,5 @@ TEST_F(WifiVideo, IsForDevice90Only) {
   EXPECT_TRUE(GetWiFiVideoCaps(&count, nullptr, nullptr)) << "whatever the index";
 }
 
-TEST_F(WifiVideo, SwitchesTheCamera) {
-  plugWifi(0x970);
-  EXPECT_TRUE(SetWiFiVideoRes(2048, 1536));
-  EXPECT_EQ(camera().video().mode().height, 1536);
-}
-
 }  // namespace
 }  // namespace qvx::tests
