@@ -145,23 +145,6 @@ STDMETHODIMP CaptureFilter::QueryVendorInfo(LPWSTR*) {
   return E_NOTIMPL;
 }
 
-STDMETHODIMP CaptureFilter::HoldButton(BOOL down) {
-  camera_->withDevice([down](BridgeDevice& device) {
-    down ? device.chip.pressButton() : device.chip.releaseButton();
-  });
-  return S_OK;
-}
-
-STDMETHODIMP_(ULONG) CaptureFilter::ControllerRegister(BYTE address) {
-  return camera_->withDevice(
-      [address](BridgeDevice& device) -> ULONG { return device.camera.controller().at(address); });
-}
-
-STDMETHODIMP_(ULONG) CaptureFilter::BridgeRegister(USHORT address) {
-  return camera_->withDevice(
-      [address](BridgeDevice& device) -> ULONG { return device.chip.peek(address); });
-}
-
 STDMETHODIMP_(ULONG) CaptureFilter::ViolationCount() {
   return camera_->withDevice(
       [](BridgeDevice& device) { return static_cast<ULONG>(device.camera.violations().count()); });

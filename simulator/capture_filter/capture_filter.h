@@ -43,9 +43,6 @@ class CaptureFilter final : public ComObject<IBaseFilter, IPersistPropertyBag, I
   STDMETHODIMP JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) override;
   STDMETHODIMP QueryVendorInfo(LPWSTR* info) override;
 
-  STDMETHODIMP HoldButton(BOOL down) override;
-  STDMETHODIMP_(ULONG) ControllerRegister(BYTE address) override;
-  STDMETHODIMP_(ULONG) BridgeRegister(USHORT address) override;
   STDMETHODIMP_(ULONG) ViolationCount() override;
   STDMETHODIMP Violation(ULONG index, char* text, ULONG size) override;
 

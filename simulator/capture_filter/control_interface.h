@@ -1,17 +1,10 @@
 // For tests that run in the client's process: any filter object of a virtual camera has this
-// interface, which looks and reaches beneath what the client sees.
+// interface, which looks beneath what the client sees.
 #pragma once
 
 #include <unknwn.h>
 
 struct IVirtualCamera : public IUnknown {
-  // The button on the camera's body, held or let go by hand.
-  STDMETHOD(HoldButton)(BOOL down) PURE;
-
-  // Registers of the controller and of the bridge chip, as the camera itself sees them.
-  STDMETHOD_(ULONG, ControllerRegister)(BYTE address) PURE;
-  STDMETHOD_(ULONG, BridgeRegister)(USHORT address) PURE;
-
   // What the client did that it must not do.
   STDMETHOD_(ULONG, ViolationCount)() PURE;
   // Copies one to the buffer, cut to its size; empty when there is none of that index.

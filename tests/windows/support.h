@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <memory>
+#include <cmath>
 #include <string>
 
 #include "qvx64/api.h"
@@ -27,6 +27,23 @@ inline void pumpMessages(DWORD milliseconds) {
 // never freed.
 inline std::wstring copyOf(const wchar_t* text) {
   return text == nullptr ? L"(null)" : text;
+}
+
+inline void openCamera(int index) {
+  SetVideoDeviceIndex(index);
+  ASSERT_EQ(Init(), 1);
+  ASSERT_EQ(GetVideoDeviceIndex(), index);
+}
+
+// Whether that is the magnification once the first window of samples is full. On a busy machine an
+// access may come too late, and what Init read with it is lost: it tries again.
+inline bool measures(int index, double magnification) {
+  for (int i = 0; i < 3; ++i) {
+    if (i != 0) Init();
+    pumpMessages(3000);
+    if (std::abs(GetMAG(index) - magnification) <= magnification / 40) return true;
+  }
+  return false;
 }
 
 }  // namespace qvx::tests

@@ -10,9 +10,7 @@ namespace qvx::tests {
 namespace {
 
 TEST(WifiCamera, IsOpenedAndMeasured) {
-  SetVideoDeviceIndex(90);
-  ASSERT_EQ(Init(), 1);
-  EXPECT_EQ(GetVideoDeviceIndex(), 90);
+  openCamera(90);
   EXPECT_EQ(copyOf(GetDeviceId(90)), L"");
   // The family of product id 0x970: pixels of 0.2744 * 2592 / 640.
   EXPECT_NEAR(FOVx(90, 1.0), 352000 * 0.2744 * 2592 / 640, 0.01);
@@ -41,34 +39,6 @@ TEST(WifiCamera, ButtonIsPolledWithoutHarm) {
   EXPECT_EQ(presses, 1);
 }
 
-TEST(WifiCamera, SensorAndLightsAreDriven) {
-  SetVideoDeviceIndex(90);
-  ASSERT_EQ(Init(), 1);
-  SetExposureValue(90, 700);
-  EXPECT_EQ(GetExposureValue(90), 700);
-  SetAETarget(90, 90);
-  EXPECT_EQ(GetAETarget(90), 90);
-  SetAutoExposure(90, 0);
-  EXPECT_EQ(GetAutoExposure(90), 0);
-  SetAutoExposure(-1, 1);
-  EXPECT_EQ(GetAutoExposure(90), 1);
-  EXPECT_EQ(GetConfig(90) & 0x46, 0x46);
-  for (const int state : {0, 2, 1}) SetLEDState(90, state);
-}
-
-TEST(WifiCamera, PicturePropertiesAreSetAndRead) {
-  SetVideoDeviceIndex(90);
-  SetVideoProcAmp(5, 180);
-  EXPECT_EQ(GetVideoProcAmp(5), 180);
-  SetVideoProcAmp(5, 100);
-  qvx_long property = 0, least = 0, most = 0, step = 0, standard = 77;
-  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &least, &most, &step, &standard), 0);
-  EXPECT_EQ(least, -64);
-  EXPECT_EQ(most, 64);
-  EXPECT_EQ(step, 1);
-  EXPECT_EQ(standard, 0);
-}
-
 // The file's content, after which the file is gone.
 std::string taken(const wchar_t* path) {
   std::ifstream file(std::filesystem::path(path), std::ios::binary);
@@ -79,31 +49,29 @@ std::string taken(const wchar_t* path) {
 }
 
 TEST(WifiCamera, StillsComeWholeAndInTheChosenSize) {
-  SetVideoDeviceIndex(90);
-  ASSERT_EQ(Init(), 1);
-  qvx_long count = 0;
-  short widths[5] = {}, heights[5] = {};
-  ASSERT_TRUE(GetWiFiVideoCaps(&count, widths, heights));
-  ASSERT_EQ(count, 5);
-  std::size_t last = 0;
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_TRUE(SetWiFiVideoRes(widths[i], heights[i]));
+  openCamera(90);
+  std::size_t last = SIZE_MAX;
+  for (const auto& [width, height] : {std::pair{1280, 960}, std::pair{640, 480}}) {
+    EXPECT_TRUE(SetWiFiVideoRes(width, height));
+    std::ofstream("qvx-still-\u00E4.jpg") << std::string(1 << 20, 'x');  // is replaced
     EXPECT_TRUE(GetWiFiImage("qvx-still-\xE4.jpg"));
     const std::string still = taken(L"qvx-still-\u00E4.jpg");
     EXPECT_TRUE(still.starts_with("\xFF\xD8"));
     EXPECT_TRUE(still.ends_with("\xFF\xD9"));
-    EXPECT_GT(still.size(), last);
+    EXPECT_LT(still.size(), last);
     last = still.size();
   }
   EXPECT_FALSE(GetWiFiImage("no-such-folder\\still.jpg"));
 }
 
-TEST(WifiCamera, MayBeOpenedAgainAndAgain) {
-  for (int i = 0; i < 5; ++i) {
-    SetVideoDeviceIndex(90);
-    EXPECT_EQ(Init(), 1);
-    EXPECT_EQ(GetVideoDeviceIndex(), 90);
-  }
+// Whatever else it answers, or nothing.
+TEST(StrangeCamera, NeitherHangsNorBreaksTheLibrary) {
+  SetVideoDeviceIndex(90);
+  const ULONGLONG start = GetTickCount64();
+  Init();
+  pumpMessages(300);
+  EXPECT_LT(GetTickCount64() - start, 15000u);
+  EXPECT_FALSE(GetMAG(90) < 0.0);
 }
 
 }  // namespace
