@@ -32,7 +32,7 @@ function(qvx_add_test_suite name)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
   endif()
 
-  set(properties TIMEOUT 60)
+  set(properties TIMEOUT 240)
   foreach(property LABELS RESOURCE_LOCK)
     if(suite_${property})
       list(APPEND properties ${property} ${suite_${property}})

@@ -213,9 +213,8 @@ bool ExtensionUnitBridge::readI2c(I2cBlock& block) {
     OneShot request{0, block.slave, block.speedBit(), block.subAddressLength};
     request.append(subAddressOf(block));
     request.append({block.dataLength});
-    if (set(i2cReadOneShot, request.whole())) {
-      std::array<std::uint8_t, 32> reply{};
-      if (!get(i2cReadOneShot, reply)) return false;
+    std::array<std::uint8_t, 32> reply{};
+    if (set(i2cReadOneShot, request.whole()) && get(i2cReadOneShot, reply)) {
       // The camera's own count holds, whatever was asked for.
       const std::size_t count = std::min<std::size_t>(reply[0], reply.size() - 1);
       std::copy_n(reply.begin() + 1, count, block.data.begin());

@@ -24,6 +24,28 @@ inline std::string printedBy(const std::function<void()>& call) {
   return testing::internal::GetCapturedStdout();
 }
 
+// A device behind an extension unit that may refuse some selectors and answers with these bytes,
+// one answer after the other; the last one stays.
+class ScriptedNode final : public simulator::PropertyNode {
+ public:
+  std::deque<std::vector<std::uint8_t>> replies;
+  std::vector<std::uint32_t> refused;
+
+  bool supports(const simulator::PropertySetId&) override { return true; }
+  bool set(const simulator::PropertySetId&, std::uint32_t selector,
+           std::span<const std::uint8_t>) override {
+    return std::find(refused.begin(), refused.end(), selector) == refused.end();
+  }
+  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> data) override {
+    if (replies.empty()) return false;
+    std::fill(data.begin(), data.end(), std::uint8_t{0xEE});
+    std::copy_n(replies.front().begin(), std::min(replies.front().size(), data.size()),
+                data.begin());
+    if (replies.size() > 1) replies.pop_front();
+    return true;
+  }
+};
+
 // One camera at a time, at index 0 or over Wi-Fi; when it goes, it must have nothing to complain
 // of.
 class CameraTest : public LibraryTest {
@@ -73,6 +95,14 @@ class CameraTest : public LibraryTest {
     journal();
   }
 
+  std::shared_ptr<ScriptedNode> plugScripted(std::deque<std::vector<std::uint8_t>> replies) {
+    const auto node = std::make_shared<ScriptedNode>();
+    machine().videoInputs = {{L"x", L"x", {node}}};
+    openBridges();
+    node->replies = std::move(replies);
+    return node;
+  }
+
   void take() {
     if (bridge == nullptr) return;
     EXPECT_EQ(complaintsOf(camera()), "");
@@ -102,29 +132,6 @@ class CameraTest : public LibraryTest {
     etLib2_Init();
     etLib2_SelectI2cBus_DevNum(0, 2, 0);
     journal();
-  }
-};
-
-// A device behind an extension unit that may refuse some selectors and answers with these bytes,
-// one answer after the other; the last one stays.
-class ScriptedNode final : public simulator::PropertyNode {
- public:
-  std::deque<std::vector<std::uint8_t>> replies;
-  std::vector<std::uint32_t> refused;
-  bool refusesGets = false;
-
-  bool supports(const simulator::PropertySetId&) override { return true; }
-  bool set(const simulator::PropertySetId&, std::uint32_t selector,
-           std::span<const std::uint8_t>) override {
-    return std::find(refused.begin(), refused.end(), selector) == refused.end();
-  }
-  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> data) override {
-    if (refusesGets || replies.empty()) return false;
-    std::fill(data.begin(), data.end(), std::uint8_t{0xEE});
-    std::copy_n(replies.front().begin(), std::min(replies.front().size(), data.size()),
-                data.begin());
-    if (replies.size() > 1) replies.pop_front();
-    return true;
   }
 };
 

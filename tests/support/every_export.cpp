@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
@@ -10,7 +11,7 @@ namespace qvx::tests {
 
 namespace {
 
-std::string text(long long number) {
+std::string text(std::integral auto number) {
   return std::to_string(number);
 }
 
@@ -29,11 +30,8 @@ std::string text(wchar_t* allocated) {
   return narrow;
 }
 
-template <class... Numbers>
-std::string texts(long long first, Numbers... others) {
-  std::string all = text(first);
-  ((all += ' ' + text(static_cast<long long>(others))), ...);
-  return all;
+std::string texts(auto first, auto... others) {
+  return (text(first) + ... + (' ' + text(others)));
 }
 
 std::string limits(qvx_long (*ask)(int, qvx_long*, qvx_long*), int index) {
@@ -55,10 +53,9 @@ std::string videoCaps(const Arguments&) {
   widths.fill(leftAlone);
   heights.fill(leftAlone);
   const bool known = GetWiFiVideoCaps(&count, widths.data(), heights.data());
-  std::string all = texts(known ? 1 : 0, count);
+  std::string all = texts(known, count);
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
-    all += ' ' + text(static_cast<long long>(widths.at(i))) + 'x' +
-           text(static_cast<long long>(heights.at(i)));
+    all += ' ' + text(widths.at(i)) + 'x' + text(heights.at(i));
   for (auto i = static_cast<std::size_t>(count); i < widths.size(); ++i)
     if (widths.at(i) != leftAlone || heights.at(i) != leftAlone) all += " and more";
   return all;
@@ -78,22 +75,18 @@ std::string videoCaps(const Arguments&) {
     } \
   }
 
-long long number(long long value) {
-  return value;
-}
-
 const ExportedCall table[] = {
-    GIVES(Init, number(Init())),
-    GIVES(GetVideoDeviceCount, number(GetVideoDeviceCount())),
-    GIVES(GetVideoDeviceIndex, number(GetVideoDeviceIndex())),
+    GIVES(Init, Init()),
+    GIVES(GetVideoDeviceCount, GetVideoDeviceCount()),
+    GIVES(GetVideoDeviceIndex, GetVideoDeviceIndex()),
     DOES(SetVideoDeviceIndex, SetVideoDeviceIndex(a.index)),
     GIVES(GetVideoDeviceName, GetVideoDeviceName(a.index)),
     GIVES(GetDeviceId, GetDeviceId(a.index)),
     {"GetDeviceIDA", [](const Arguments& a) { return std::string(GetDeviceIDA(a.index)); }},
-    GIVES(GetConfig, number(GetConfig(a.index))),
+    GIVES(GetConfig, GetConfig(a.index)),
     DOES(SetEventCallback, SetEventCallback(a.callback)),
     DOES(FireEvent, FireEvent()),
-    GIVES(EnablePressKey, number(EnablePressKey(a.index))),
+    GIVES(EnablePressKey, EnablePressKey(a.index)),
     GIVES(GetMAG, GetMAG(a.index)),
     GIVES(FOVx, FOVx(a.index, a.magnification)),
     DOES(SetLensInitPos, SetLensInitPos(a.index)),
@@ -103,14 +96,14 @@ const ExportedCall table[] = {
     {"GetLensFinePosLimits",
      [](const Arguments& a) { return limits(GetLensFinePosLimits, a.index); }},
     DOES(SetExposureValue, SetExposureValue(a.index, a.value)),
-    GIVES(GetExposureValue, number(GetExposureValue(a.index))),
+    GIVES(GetExposureValue, GetExposureValue(a.index)),
     DOES(SetAETarget, SetAETarget(a.index, a.value)),
-    GIVES(GetAETarget, number(GetAETarget(a.index))),
+    GIVES(GetAETarget, GetAETarget(a.index)),
     DOES(SetAutoExposure, SetAutoExposure(a.index, a.value)),
-    GIVES(GetAutoExposure, number(GetAutoExposure(a.index))),
+    GIVES(GetAutoExposure, GetAutoExposure(a.index)),
     DOES(SetFlicker, SetFlicker(a.index, a.value)),
     DOES(SetVideoProcAmp, SetVideoProcAmp(a.index, a.value)),
-    GIVES(GetVideoProcAmp, number(GetVideoProcAmp(a.index))),
+    GIVES(GetVideoProcAmp, GetVideoProcAmp(a.index)),
     {"GetVideoProcAmpValueRange", pictureRange},
     DOES(SetLEDState, SetLEDState(a.index, static_cast<int>(a.value))),
     DOES(SetSEGSwitch, SetSEGSwitch(a.index, a.value)),
@@ -118,8 +111,8 @@ const ExportedCall table[] = {
     DOES(SetESEG, SetESEG(a.index, a.value, a.second)),
     DOES(SetAXILevel, SetAXILevel(a.index, a.value)),
     DOES(SetAimpointLevel, SetAimpointLevel(a.index, a.value)),
-    GIVES(GetWiFiImage, number(GetWiFiImage(a.file))),
-    GIVES(SetWiFiVideoRes, number(SetWiFiVideoRes(a.value, a.second))),
+    GIVES(GetWiFiImage, GetWiFiImage(a.file)),
+    GIVES(SetWiFiVideoRes, SetWiFiVideoRes(a.value, a.second)),
     {"GetWiFiVideoCaps", videoCaps},
 };
 #undef GIVES

@@ -22,28 +22,28 @@ constexpr std::uint32_t failed = 0x80004005;
 
 using Bytes = std::array<std::uint8_t, 64>;
 
-// What a caller lends to an access.
+// What a caller lends to an access: the bus switch, the light switch, and a command with its
+// answer.
 struct Lent {
-  std::uint32_t word = 0xAAAAAAAA;
-  std::uint8_t sub = 0x80;
-  Bytes bytes = {0, 0x5A};
+  std::uint32_t select = 0;
+  std::uint8_t reg = 0x04, light = 0;
+  Bytes command = {0xF2, 0x5A};
 };
 
-// The status of every kind of access.
+// The status of every kind of access. What is written is what was read before.
 std::set<std::uint32_t> tryAll(std::uint32_t device, Lent& lent) {
-  std::uint8_t* const bytes = lent.bytes.data();
-  return {etLib2_RegRead_DevNum(device, 0x85, 1, &lent.word),
-          etLib2_RegWrite_DevNum(device, 6, 1, &lent.word),
-          etLib2_I2cRead_DevNum(device, 0x62, 1, &lent.sub, 1, bytes),
-          etLib2_I2cWrite_DevNum(device, 0x62, 1, &lent.sub, 1, bytes),
-          etLib2_Custom_CMD_Read(device, 29, 40, bytes),
-          etLib2_Custom_CMD_Write(device, 30, 40, bytes)};
+  return {etLib2_RegRead_DevNum(device, 6, 1, &lent.select),
+          etLib2_RegWrite_DevNum(device, 6, 1, &lent.select),
+          etLib2_I2cRead_DevNum(device, 0x62, 1, &lent.reg, 1, &lent.light),
+          etLib2_I2cWrite_DevNum(device, 0x62, 1, &lent.reg, 1, &lent.light),
+          etLib2_Custom_CMD_Read(device, 0xF0, 40, lent.command.data()),
+          etLib2_Custom_CMD_Write(device, 0xF0, 40, lent.command.data())};
 }
 
 void expectAllFail(std::uint32_t device = 0) {
   const auto lent = std::make_unique<Lent>();
   EXPECT_EQ(tryAll(device, *lent), std::set{failed});
-  EXPECT_EQ(lent->bytes[1], 0x5A) << "what is lent stays as it is";
+  EXPECT_EQ(lent->command[1], 0x5A) << "what is lent stays as it is";
 }
 
 class CallLayer : public LibraryTest {
@@ -288,30 +288,20 @@ TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
 class CallLayerThreads : public CallLayer {
  protected:
   static constexpr int threads = 8, roundsPerThread = 1250;
-  static constexpr std::uint8_t ringOn = 15;
 
   CallLayerThreads() {
     machine().videoInputs.push_back(bridgeInput(other, "2"));
     etLib2_Init();
+    camera.camera.controller().set(0x04, 15);
+    other.camera.controller().set(0x04, 16);
   }
 
-  // A round of calls to one device, every answer checked. Returns how many were lost.
-  int round(std::uint32_t device, int number) {
-    VirtualBridge& own = device == 0 ? camera : other;
-    std::uint32_t select = 0;
-    std::uint8_t sub = 0x80, data = 0;
-    std::array<std::uint8_t, 40> block = {0xF2};
+  // A round of calls to one device. Returns whether each had its own answer.
+  static bool round(std::uint32_t device, int number) {
+    Lent lent;
     etLib2_SelectI2cBus_DevNum(device, 2, static_cast<std::uint32_t>(number & 1));
-    int lost = etLib2_GetDevTotalNum() == 2 ? 0 : 1;
-    lost += etLib2_RegRead_DevNum(device, 6, 1, &select) != 0 || (select & 4) == 0;
-    lost += etLib2_RegWrite_DevNum(device, 6, 1, &select) != 0;
-    lost += etLib2_I2cRead_DevNum(device, 0x62, 1, &sub, 1, &data) != 0;
-    lost += data != own.camera.controller().at(0x80);
-    lost += etLib2_Custom_CMD_Read(device, 0xF0, 40, block.data()) != 0;
-    lost += etLib2_Custom_CMD_Write(device, 0xF0, 40, block.data()) != 0;
-    std::uint8_t lightSwitch = 0x04;
-    lost += etLib2_I2cWrite_DevNum(device, 0x62, 1, &lightSwitch, 1, &ringOn) != 0;
-    return lost;
+    return etLib2_GetDevTotalNum() == 2 && tryAll(device, lent) == std::set{0u} &&
+           (lent.select & 4) != 0 && lent.light == (device == 0 ? 15 : 16);
   }
 
   void runThreads(const std::function<void(int)>& body) {
@@ -326,9 +316,9 @@ class CallLayerThreads : public CallLayer {
 
 TEST_F(CallLayerThreads, LoseNoReply) {
   std::atomic<int> lost = 0;
-  runThreads([this, &lost](int thread) {
+  runThreads([&lost](int thread) {
     for (int i = 0; i < roundsPerThread; ++i)
-      lost += round(static_cast<std::uint32_t>(thread & 1), i);
+      lost += round(static_cast<std::uint32_t>(thread & 1), i) ? 0 : 1;
   });
   EXPECT_EQ(lost, 0);
   EXPECT_EQ(machine().open.filters, 2);
@@ -337,7 +327,7 @@ TEST_F(CallLayerThreads, LoseNoReply) {
 
 // What is called while the library is closed fails; nothing else does, and nothing stays open.
 TEST_F(CallLayerThreads, SurviveOpeningAndClosing) {
-  runThreads([this](int thread) {
+  runThreads([](int thread) {
     for (int i = 0; i < roundsPerThread / 25; ++i) {
       if (thread == 0) etLib2_Init();
       if (thread == 1) etLib2_Release();

@@ -42,10 +42,10 @@ TEST_F(Enumeration, KeepsTheMakersCamerasOnly) {
 }
 
 TEST_F(Enumeration, PutsUsb3CamerasLast) {
-  for (const auto& [pid, name] :
-       {std::pair(0x9B0, "a"), {0x870, "b"}, {0x9BF, "c"}, {0x9C0, "d"}}) {
-    plug(pid, name);
-  }
+  plug(0x9B0, "a");
+  plug(0x870, "b");
+  plug(0x9BF, "c");
+  plug(0x9C0, "d");
   const int expected[] = {0x870, 0x9C0, 0x9B0, 0x9BF};
   idOf(0);
   for (int i = 0; i < 4; ++i) EXPECT_EQ(productIdOf(i), expected[i]) << i;

@@ -114,6 +114,9 @@ TEST_F(BridgeButton, SevenThousandsAreAskedByCommand) {
   bridge->chip.releaseButton();
   bridge->chip.pressButton();
   EXPECT_EQ(firedIn(), 1);
+  plugScripted({{0xF4, 0, 1}});
+  EXPECT_EQ(firedIn(), 1) << "also of firmware that answers otherwise";
+  EXPECT_TRUE(traffic().starts_with("r0085.1 cmdF0:F5 cmdF0:F50001"));
 }
 
 TEST_F(BridgeButton, ASilentCameraFiresNothing) {

@@ -149,20 +149,17 @@ TEST_F(LedState, OfEveryCamera) {
 }
 
 TEST_F(LedState, WifiStatesThatAreKept) {
-  const struct {
-    int pid, kept[4];  // after states 0, 1, 2 and 7, from 9 before each
-  } rows[] = {{0x978, {0, 9, 9, 9}},
-              {0x920, {0, 9, 9, 9}},
-              {0x9AE, {0, 1, 2, 1}},
-              {0x9AD, {9, 9, 9, 9}},
-              {0x9D0, {9, 9, 9, 9}}};
-  const int states[] = {0, 1, 2, 7};
-  for (const auto& row : rows) {
+  // After states 0, 1, 2 and 7, from 9 before each.
+  for (const auto& [pid, kept] : {std::pair(0x978, "0999"),
+                                  {0x920, "0999"},
+                                  {0x9AE, "0121"},
+                                  {0x9AD, "9999"},
+                                  {0x9D0, "9999"}}) {
     for (int i = 0; i < 4; ++i) {
-      nCurrPid = row.pid;
+      nCurrPid = pid;
       m_LEDStatus = 9;
-      SetLEDState(90, states[i]);
-      EXPECT_EQ(m_LEDStatus, row.kept[i]) << std::hex << row.pid << " state " << states[i];
+      SetLEDState(90, i == 3 ? 7 : i);
+      EXPECT_EQ(m_LEDStatus, kept[i] - '0') << std::hex << pid << " state " << i;
     }
   }
 }
@@ -170,17 +167,13 @@ TEST_F(LedState, WifiStatesThatAreKept) {
 TEST_F(LedState, WifiSegmentsAndProgressThatAreChosen) {
   nCurrPid = 0x9D9;
   nProgress = 8;
-  const struct {
-    std::int32_t* segment;
-    const char* traffic;
-  } rows[] = {{&m_LED1Status, "4=1 3=8 3=13"},
-              {&m_LED2Status, "4=3 3=8 3=13"},
-              {&m_LED3Status, "4=7 3=8 3=13"},
-              {&m_LED4Status, "4=15 3=8 3=13"}};
-  for (const auto& row : rows) {
-    *row.segment = 1;
+  for (const auto& [segment, expected] : {std::pair(&m_LED1Status, "4=1 3=8 3=13"),
+                                          {&m_LED2Status, "4=3 3=8 3=13"},
+                                          {&m_LED3Status, "4=7 3=8 3=13"},
+                                          {&m_LED4Status, "4=15 3=8 3=13"}}) {
+    *segment = 1;
     SetLEDState(90, 2);
-    EXPECT_EQ(traffic(), row.traffic);
+    EXPECT_EQ(traffic(), expected);
   }
 }
 

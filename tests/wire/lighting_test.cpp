@@ -149,6 +149,8 @@ TEST_F(Lighting, QuadrantsOnRingsThatHaveThem) {
       {2, 12, "19=30 p 19=12 p"},
       {2, 31, "19=31 p"},
       {1, 300, "18=30 p 18=44 p"},
+      {3, 30, "20=30 p 20=30 p"},
+      {3, 5, "20=5 p"},
       {4, 0, "21=30 p 21=0 p"},
       {0, 7, "3=7 p"},
       {5, 7, ""},
@@ -183,21 +185,6 @@ TEST_F(Lighting, WifiTakesWholeNumbers) {
   EXPECT_EQ(traffic(), "p 65535=65534 p");
 }
 
-TEST_F(Lighting, SegmentModeIsAskedOfSevenThousandsOnly) {
-  plug(0x97F);
-  nPid = 0x97F;
-  EXPECT_FALSE(isSEGMode());
-  EXPECT_EQ(traffic(), "F2 0 F3 0");
-  LedCtrlUVC5640_SegSet(0);
-  EXPECT_TRUE(isSEGMode());
-  traffic();
-  for (const int pid : {0x95F, 0x9A0, 0x9C0}) {
-    nPid = pid;
-    EXPECT_FALSE(isSEGMode());
-  }
-  EXPECT_EQ(traffic(), "");
-}
-
 TEST_F(Lighting, SegmentModeIsOnWhenBothAnswersSaySo) {
   const struct {
     std::deque<std::vector<std::uint8_t>> answers;
@@ -208,16 +195,19 @@ TEST_F(Lighting, SegmentModeIsOnWhenBothAnswersSaySo) {
       {{{0, 0, 1}, {0, 0, 1}}, true, "F2 0 F3 0"},  {{{0, 0, 1}, {0, 0, 0}}, false, "F2 0 F3 0"},
       {{{0, 0, 0}, {0, 1, 0}}, false, "F2 0 F3 0"}, {{{0, 2, 2}, {0, 2, 2}}, false, "F2 0 F3 2"},
   };
-  const auto node = std::make_shared<ScriptedNode>();
-  machine().videoInputs = {{L"x", L"x", {node}}};
-  etLib2_Init();
+  const auto node = plugScripted({});
   nPid = 0x960;
-  journal();
   for (const auto& row : rows) {
     node->replies = row.answers;
     EXPECT_EQ(isSEGMode(), row.on);
     EXPECT_EQ(traffic(), row.traffic);
   }
+  node->replies = {{0, 1, 1}};
+  for (const int pid : {0x95F, 0x960, 0x99F, 0x9A0, 0x9C0}) {
+    nPid = pid;
+    EXPECT_EQ(isSEGMode(), pid == 0x960 || pid == 0x99F) << "others are not asked";
+  }
+  EXPECT_EQ(traffic(), "F2 0 F3 1 F2 0 F3 1");
 }
 
 }  // namespace

@@ -1,36 +1,117 @@
-// What all 4096 product ids give and are told, with every register value that a rule looks at: a
-// digest per block of 16 ids tells which ids a change is felt by. Workers run on the caller's
-// thread: one of their own for each access would take minutes.
-#include <array>
+// The models: what a product id and the registers behind it decide, and whatever an application may
+// pass to a camera of any.
+#include <climits>
 #include <functional>
 #include <map>
 
 #include "controls/lighting.h"
-#include "qvx64/api.h"
 #include "tests/support/cameras.h"
+#include "tests/support/every_export.h"
 #include "tests/support/wifi_registers.h"
 
 namespace qvx::tests {
 namespace {
 
+class FeatureWord : public CameraTest {
+ protected:
+  FeatureWord() { machine().wifi = camera.server(); }
+
+  WifiRegisters camera;
+};
+
+// Every rule with a quirk, and the ids beside it.
+TEST_F(FeatureWord, FollowsTheModelAndItsRegisters) {
+  const struct {
+    int pid, reg80, reg83, word;
+  } rows[] = {
+      {0x000, 0x55, 4, 0x00}, {0x610, 0xFF, 0, 0x04}, {0x616, 0xFF, 0, 0x00},
+      {0x617, 0xFF, 0, 0x08}, {0x712, 0xFF, 0, 0x08}, {0x713, 0xFF, 0, 0x00},
+      {0x825, 0xD7, 4, 0x08}, {0x841, 0xFF, 0, 0x04}, {0x842, 0xFF, 0, 0x08},
+      {0x847, 0xFF, 0, 0x00}, {0x877, 0xFF, 0, 0x00}, {0x890, 0xFF, 0, 0x44},
+      {0x891, 0xD7, 4, 0x04}, {0x892, 0xFF, 0, 0x48}, {0x893, 0xFF, 0, 0x44},
+      {0x894, 0xFF, 0, 0x08}, {0x910, 0xFF, 4, 0x84}, {0x910, 0x55, 3, 0x94},
+      {0x912, 0x10, 4, 0xB8}, {0x920, 0x10, 4, 0x04}, {0x922, 0xFF, 0, 0x08},
+      {0x929, 0xFF, 0, 0x00}, {0x960, 0xFF, 4, 0x06}, {0x960, 0x50, 4, 0x36},
+      {0x968, 0xFF, 4, 0x00}, {0x968, 0x85, 0, 0x07}, {0x968, 0x40, 4, 0x6A},
+      {0x969, 0xFF, 0, 0x0A}, {0x969, 0x04, 0, 0x0E}, {0x96E, 0x14, 4, 0x30},
+      {0x970, 0xFF, 0, 0x46}, {0x978, 0xFF, 0, 0x0A}, {0x978, 0x44, 0, 0x4E},
+      {0x978, 0x41, 0, 0x4B}, {0x979, 0xFF, 0, 0x4A}, {0x97F, 0x81, 0, 0x4A},
+      {0x980, 0xFF, 0, 0x86}, {0x981, 0xFF, 0, 0x82}, {0x981, 0x04, 0, 0x86},
+      {0x987, 0x00, 0, 0x8A}, {0x988, 0x04, 0, 0x8E}, {0x990, 0xFF, 0, 0xC6},
+      {0x994, 0x10, 4, 0xF6}, {0x995, 0xFF, 0, 0xC2}, {0x995, 0x04, 0, 0xC6},
+      {0x997, 0x00, 0, 0xCA}, {0x998, 0xFF, 0, 0xCA}, {0x998, 0x05, 0, 0xCF},
+      {0x999, 0x01, 0, 0xCA}, {0x9A8, 0xD7, 4, 0x04}, {0x9A9, 0xFF, 0, 0x00},
+      {0x9AD, 0xFF, 0, 0x04}, {0x9AE, 0xFF, 0, 0x08}, {0x9AF, 0xFF, 0, 0x00},
+      {0x9B0, 0xFF, 4, 0x00}, {0x9B0, 0xD5, 4, 0xF7}, {0x9B0, 0x00, 0, 0x0A},
+      {0x9B1, 0xD5, 4, 0x00}, {0x9C0, 0xD1, 4, 0xFB}, {0x9C7, 0xD5, 4, 0xB3},
+      {0x9D4, 0x04, 0, 0x06}, {0x9D5, 0x40, 0, 0x02}, {0x9D8, 0x00, 0, 0x0A},
+      {0x9D9, 0x04, 0, 0x02}, {0x9E6, 0x40, 0, 0x4A}, {0x9E7, 0x44, 0, 0x02},
+      {0x9EF, 0x80, 4, 0xA2}, {0x9F0, 0xD5, 4, 0x00}, {0x9C0, -1, 4, 0xF7},
+  };
+  for (const auto& row : rows) {
+    nCurrPid = row.pid;
+    camera.values = {{0x80, row.reg80}, {0x83, row.reg83}};
+    EXPECT_EQ(GetConfig(90), row.word) << std::hex << row.pid << " reads " << row.reg80;
+  }
+}
+
+TEST_F(FeatureWord, ListsTheCamerasWhileTheIndexHasNone) {
+  simulator::VirtualBridge first(0x998), second(0x9C7);
+  machine().videoInputs = {bridgeInput(first, "1"), bridgeInput(second, "2")};
+  etLib2_Init();
+  const auto listings = [this] { return machine().open.comInitializations; };
+  const int before = listings();
+  journal();
+  EXPECT_EQ(GetConfig(0), 0xEB);
+  EXPECT_TRUE(traffic().ends_with("b r62.80f b r62.83f"));
+  EXPECT_EQ(nPid, 0x998);
+  EXPECT_EQ(listings(), before + 1);
+  EXPECT_EQ(GetConfig(1), 0x83);
+  EXPECT_EQ(listings(), before + 1) << "the table is filled";
+  for (const int index : {2, 8, 91, -2, INT_MIN, INT_MAX}) EXPECT_EQ(GetConfig(index), 0) << index;
+  EXPECT_EQ(listings(), before + 7);
+  nCurrPid = 0x891;
+  for (const int index : {-1, 90}) {
+    EXPECT_EQ(GetConfig(index), 0x04);
+    EXPECT_EQ(nPid, 0x891);
+  }
+  EXPECT_EQ(listings(), before + 7) << "the Wi-Fi camera is no video input";
+  EXPECT_EQ(complaintsOf(first.camera) + complaintsOf(second.camera), "");
+}
+
+using Arguments = CameraTest;
+
+TEST_F(Arguments, OfAnyValueAreHarmless) {
+  WifiRegisters odd;
+  for (const int reg : {0x00, 0x40, 0x50, 0x5E, 0xC0, 0xC2}) odd.values[reg] = INT_MIN;
+  odd.values[0x5F] = INT_MAX;
+  for (const int pid : {0, 0x870, 0x910, 0x930, 0x970, 0x990, 0x9A0, 0x9B0, 0x9BE, 0x9C0, 0x9E0}) {
+    plug(pid);
+    machine().workersInline = true;
+    machine().wifi = odd.server();
+    printedBy([&] {
+      for (const int index : {INT_MIN, -2, -1, 0, 7, 8, 15, 90, 91, 100, INT_MAX}) {
+        odd.values[0xCA] = index == 90 ? 2 : INT_MIN;
+        for (const qvx_long value : {INT_MIN, -1, 0x7FFFFFF0, INT_MAX}) {
+          for (const ExportedCall& exported : everyExport()) {
+            nCurrPid = pid;
+            exported.call({.index = index, .value = value, .second = value});
+          }
+        }
+        EXPECT_TRUE(pid != 0 || GetAETarget(index) == 16) << index;
+      }
+    });
+    EXPECT_EQ(GetLensPosLimits(0, nullptr, nullptr), 1);
+    EXPECT_EQ(GetLensFinePosLimits(0, nullptr, nullptr), 1);
+  }
+}
+
 using Registers = std::map<int, int>;
 using Digests = std::map<int, std::uint32_t>;  // by block
 
-class Usb3Registers final : public simulator::ControlEndpoint {
- public:
-  std::array<std::uint8_t, 256> values{};
-
-  std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
-                                      std::span<std::uint8_t> buffer) override {
-    if (setup.requestType == 0x21 && setup.value == 0x0303) register_ = buffer[1];
-    if (setup.requestType == 0xA1) buffer[0] = values[register_];
-    return buffer.size();
-  }
-
- private:
-  std::uint8_t register_ = 0;
-};
-
+// What all 4096 product ids give and are told, with every register value that a rule looks at: a
+// digest per block of 16 ids tells which ids a change is felt by. Workers run on the caller's
+// thread: one of their own for each access would take minutes.
 class Sweep : public CameraTest {
  protected:
   Sweep() {
@@ -40,14 +121,14 @@ class Sweep : public CameraTest {
 
   void program(int pid, const Registers& registers) {
     for (const auto& [reg, value] : registers) {
-      usb3->values[static_cast<std::size_t>(reg)] = static_cast<std::uint8_t>(value);
+      usb3.controller().set(static_cast<std::uint8_t>(reg), static_cast<std::uint8_t>(value));
       if (bridge != nullptr) set(reg, value);
     }
     wifi.values = registers;
     name(0, pid);
     nCurrPid = pid;
-    ul80 = usb3->values[0x80];  // what an earlier call may have left
-    ul84 = usb3->values[0x84];
+    ul80 = usb3.controller().at(0x80);  // what an earlier call may have left
+    ul84 = usb3.controller().at(0x84);
     SEGCount.fill(0);
   }
 
@@ -97,13 +178,13 @@ class Sweep : public CameraTest {
   }
 
   WifiRegisters wifi;
-  std::shared_ptr<Usb3Registers> usb3 = std::make_shared<Usb3Registers>();
+  simulator::Camera usb3{0x9B0};
   std::function<void()> prepare;
   std::uint32_t digest = 0;
 };
 
 TEST_F(Sweep, LedsOfUsbCameras) {
-  plugUsb3(0x9B0, usb3);
+  plugUsb3(0x9B0, usb3Front(usb3));
   std::vector<Registers> combinations;
   for (const int features : {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0A, 0x0B, 0x10, 0xFF}) {
     for (const int kind : {0, 4}) {
