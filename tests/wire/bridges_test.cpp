@@ -9,8 +9,6 @@ namespace {
 
 using simulator::BridgeFamily;
 using simulator::BridgeFirmware;
-using simulator::bridgeHidInterface;
-using simulator::bridgeInput;
 using simulator::Fault;
 using simulator::HidInterface;
 using simulator::VirtualBridge;

@@ -14,7 +14,6 @@ namespace qvx::tests {
 namespace {
 
 using simulator::BridgeFamily;
-using simulator::bridgeInput;
 using simulator::Fault;
 using simulator::VirtualBridge;
 

@@ -264,11 +264,10 @@ TEST_F(Exposure, FlickerKnowsItsRanges) {
 TEST_F(Exposure, FlickerIsAPropertyOfTheCurrentDeviceOn4xx7) {
   plug(0x9E0);
   GetDeviceIDA(0);
-  const std::pair<int, std::string> rows[] = {{0, ""},
-                                              {1, " capture: set 13 to 2 manually"},
-                                              {2, " capture: set 13 to 1 manually"},
-                                              {3, ""}};
-  for (const auto& [mode, set] : rows) {
+  const std::string sets[] = {"", "capture: set 13 to 2 manually", "capture: set 13 to 1 manually",
+                              ""};
+  for (int mode = 0; mode < 4; ++mode) {
+    const std::string& set = sets[mode];
     nPid = 0x9E0;
     journal();
     SetFlicker(5, mode);

@@ -12,7 +12,6 @@
 namespace qvx::tests {
 namespace {
 
-using simulator::bridgeInput;
 using simulator::VirtualBridge;
 
 class InitTest : public CameraTest {
@@ -80,11 +79,9 @@ TEST_F(InitWifi, SendsTheseRequestsInThisOrder) {
 TEST_F(InitWifi, SettlesTheDevice) {
   camera.values[0x83] = 4;
   EXPECT_EQ(initQuietly(), 1);
-  EXPECT_EQ(std::tuple(GetVideoDeviceIndex(), nPid, nCurrPid, nTmpIdx),
-            std::tuple(90, 0x970, 0x970, 90));
+  EXPECT_EQ(std::tuple(GetVideoDeviceIndex(), nPid, nCurrPid, nTmpIdx, bMAGSeries, int{bWait}),
+            std::tuple(90, 0x970, 0x970, 90, 1, 1));
   EXPECT_EQ(std::tuple(n80, n83, nC5, ul80, ulC3), std::tuple(0x40u, 4u, 255u, 0x40u, 1u));
-  EXPECT_EQ(bMAGSeries, 1);
-  EXPECT_EQ(bWait, 1);
   // Left open: the probe's request and, of each of the reads, session and request.
   EXPECT_EQ(machine().open.internetRequests, 32 + 1);
   EXPECT_EQ(machine().open.internetSessions, 32);

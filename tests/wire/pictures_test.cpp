@@ -150,12 +150,9 @@ TEST_F(VideoProcAmpWifi, ReadsTheControlDocument) {
   EXPECT_EQ(rangeOf(4), "0 0 7 1 2");
   EXPECT_EQ(machine().open.internetSessions, 3);
   EXPECT_EQ(machine().open.internetRequests, 3);
-}
-
-TEST_F(VideoProcAmpWifi, TakesEveryNegativeIndex) {
   for (const int index : {-1, -2, -3, INT_MIN}) {
     SetVideoDeviceIndex(index);
-    EXPECT_EQ(GetVideoProcAmp(5), 100) << index;
+    EXPECT_EQ(GetVideoProcAmp(5), 100) << "under every negative index";
   }
 }
 

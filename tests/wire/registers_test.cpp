@@ -209,10 +209,7 @@ TEST_F(WifiSensor, LeavesHandlesAsTheChannelDoes) {
   }
 }
 
-class Usb3Sensor : public CameraTest {
- protected:
-  Usb3Sensor() { plugUsb3(0x9B0); }
-};
+using Usb3Sensor = Usb3Controller;
 
 TEST_F(Usb3Sensor, TakesClassRequests) {
   EXPECT_EQ(GetAETarget(0), 0x38);
