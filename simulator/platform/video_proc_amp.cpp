@@ -41,9 +41,14 @@ bool step(const char* line) {
   return world().operate([line] { return std::string("capture: ") + line; });
 }
 
-bool step(const char* verb, std::int32_t property, const std::string& more = "") {
+// What the simulated driver calls it: it numbers the properties as the platform does.
+std::int32_t numberOf(PictureProperty property) {
+  return static_cast<std::int32_t>(property);
+}
+
+bool step(const char* verb, PictureProperty property, const std::string& more = "") {
   return world().operate(
-      [&] { return std::string("capture: ") + verb + std::to_string(property) + more; });
+      [&] { return std::string("capture: ") + verb + std::to_string(numberOf(property)) + more; });
 }
 
 // False while the camera is gone, and for what was opened before it went.
@@ -102,21 +107,21 @@ VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   return opened(world().open.videoProcAmps, VideoProcAmp{*controls, filter.connection});
 }
 
-void setProperty(VideoProcAmp& amplifier, std::int32_t property, std::int32_t value) {
-  const auto* const control = simulator::pictureControl(property);
+void setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
+  const auto* const control = simulator::pictureControl(numberOf(property));
   const bool reached =
       step("set ", property, " to " + std::to_string(value) + " manually") && isThere(amplifier);
   if (reached && control != nullptr) amplifier.controls.set(*control, {value, false});
 }
 
-std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, std::int32_t property) {
-  const auto* const control = simulator::pictureControl(property);
+std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, PictureProperty property) {
+  const auto* const control = simulator::pictureControl(numberOf(property));
   if (!step("get ", property) || !isThere(amplifier) || control == nullptr) return std::nullopt;
   return amplifier.controls.get(*control).value;
 }
 
-std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, std::int32_t property) {
-  const auto* const control = simulator::pictureControl(property);
+std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PictureProperty property) {
+  const auto* const control = simulator::pictureControl(numberOf(property));
   const bool answers = step("range of ", property) && isThere(amplifier);
   if (!answers || control == nullptr) return std::nullopt;
   return PropertyRange{control->least, control->most, control->step, control->standard};

@@ -156,11 +156,12 @@ void SetFlicker(int deviceIndex, qvx_long Value) {
 }
 
 void SetVideoProcAmp(int valueIndex, qvx_long newValue) {
-  guarded([=] { setVideoProcAmp(valueIndex, static_cast<std::int32_t>(newValue)); });
+  guarded(
+      [=] { setVideoProcAmp(PictureProperty{valueIndex}, static_cast<std::int32_t>(newValue)); });
 }
 
 qvx_long GetVideoProcAmp(int valueIndex) {
-  return guarded<qvx_long>(0, [=] { return getVideoProcAmp(valueIndex); });
+  return guarded<qvx_long>(0, [=] { return getVideoProcAmp(PictureProperty{valueIndex}); });
 }
 
 // The property number comes in through a pointer that callers have always passed as writable.
@@ -169,12 +170,12 @@ qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMin, qvx_lon
                                    qvx_long* lSteppomgDelta, qvx_long* lDefault) {
   if (valueIndex == nullptr) return 0;
   guarded([=] {
-    const auto range = getVideoProcAmpRange(static_cast<std::int32_t>(*valueIndex));
+    const auto range = getVideoProcAmpRange(static_cast<PictureProperty>(*valueIndex));
     if (!range) return;
-    storeAt(lMin, range->least);
-    storeAt(lMax, range->most);
+    storeAt(lMin, range->min);
+    storeAt(lMax, range->max);
     storeAt(lSteppomgDelta, range->step);
-    storeAt(lDefault, range->standard);
+    storeAt(lDefault, range->defaultValue);
   });
   return 0;
 }

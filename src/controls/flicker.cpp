@@ -51,9 +51,9 @@ void setFlicker48(int deviceNumber, std::int32_t mode) {
 
 // The camera's own property, of the current device whatever the index.
 void setFlicker4xx7(int /*deviceNumber*/, std::int32_t mode) {
-  constexpr std::int32_t powerLineFrequency = 13, at50Hz = 1, at60Hz = 2;
-  if (mode == mains60Hz) setVideoProcAmp(powerLineFrequency, at60Hz);
-  if (mode == mains50Hz) setVideoProcAmp(powerLineFrequency, at50Hz);
+  constexpr std::int32_t at50Hz = 1, at60Hz = 2;
+  if (mode == mains60Hz) setVideoProcAmp(PictureProperty::powerLineFrequency, at60Hz);
+  if (mode == mains50Hz) setVideoProcAmp(PictureProperty::powerLineFrequency, at50Hz);
 }
 
 constexpr FamilyRow<void(int, std::int32_t)> setters[] = {

@@ -28,7 +28,7 @@ constexpr WifiProperty wifiProperties[] = {
     {"Saturation", 9963778}, {"Sharpness", 9963803}, {"Gamma", 9963792},
 };
 
-const WifiProperty* wifiProperty(std::int32_t property) {
+const WifiProperty* wifiProperty(PictureProperty property) {
   const auto position = static_cast<std::uint32_t>(property);
   return position < std::size(wifiProperties) ? &wifiProperties[position] : nullptr;
 }
@@ -106,7 +106,7 @@ bool withAmplifier(const AmplifierUse& use) {
 
 }  // namespace
 
-void setVideoProcAmp(std::int32_t property, std::int32_t value) {
+void setVideoProcAmp(PictureProperty property, std::int32_t value) {
   if (!isWifiCurrent()) {
     withAmplifier([=](platform::VideoProcAmp& amplifier) {
       platform::setProperty(amplifier, property, value);
@@ -116,7 +116,7 @@ void setVideoProcAmp(std::int32_t property, std::int32_t value) {
   }
 }
 
-std::int32_t getVideoProcAmp(std::int32_t property) {
+std::int32_t getVideoProcAmp(PictureProperty property) {
   if (isWifiCurrent()) {
     const WifiProperty* const wanted = wifiProperty(property);
     if (wanted == nullptr) return unavailable;
@@ -130,7 +130,7 @@ std::int32_t getVideoProcAmp(std::int32_t property) {
   return anyInput ? value : 0;
 }
 
-std::optional<platform::PropertyRange> getVideoProcAmpRange(std::int32_t property) {
+std::optional<platform::PropertyRange> getVideoProcAmpRange(PictureProperty property) {
   constexpr platform::PropertyRange none = {unavailable, unavailable, unavailable, unavailable};
   if (isWifiCurrent()) {
     const WifiProperty* const wanted = wifiProperty(property);

@@ -17,8 +17,12 @@ struct CaptureBuilder;
 struct StreamConfig;
 struct VideoProcAmp;
 
+// A picture property by its number in api.h, where all are listed. Any other number is allowed, and
+// handed to the driver as it is.
+enum class PictureProperty : std::int32_t { brightness = 0, gain = 9, powerLineFrequency = 13 };
+
 struct PropertyRange {
-  std::int32_t least, most, step, standard;
+  std::int32_t min, max, step, defaultValue;
 };
 
 // The system's list of video inputs. Null when it is empty or cannot be had.
@@ -45,10 +49,10 @@ void countCapabilities(StreamConfig& config);
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter);
 
 // Sets a property and switches its automatic mode off. Whether the driver took it is not told.
-void setProperty(VideoProcAmp& amplifier, std::int32_t property, std::int32_t value);
+void setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value);
 
 // Nothing when the driver refuses: mostly for a property that the camera does not have.
-std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, std::int32_t property);
-std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, std::int32_t property);
+std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, PictureProperty property);
+std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PictureProperty property);
 
 }  // namespace qvx::platform

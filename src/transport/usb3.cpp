@@ -21,7 +21,7 @@ enum UsbRequestType : std::uint8_t { classOut = 0x21, standardIn = 0x80, classIn
 enum UsbRequest : std::uint8_t { setCur = 0x01, getDescriptor = 0x06, getCur = 0x81 };
 
 // The lines go out at once, so that they keep their place among the application's own output.
-__attribute__((format(printf, 1, 2))) void print(const char* pattern, ...) {
+[[gnu::format(printf, 1, 2)]] void print(const char* pattern, ...) {
   va_list arguments;
   va_start(arguments, pattern);
   std::vprintf(pattern, arguments);

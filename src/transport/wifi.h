@@ -40,11 +40,7 @@ std::string CMD_GPIO_R(std::string base, int port);
 std::string CMD_GPIO_W(std::string base, int port, int mask, int levels);
 
 // printf-style text, cut to 511 characters.
-#if defined(__GNUC__)
-__attribute__((format(printf, 1, 2)))
-#endif
-std::string
-format(const char* pattern, ...);
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
 
 // Sends a command after a pause of 10 ms and returns the integer of its answer, 0 on any failure.
 int loadUrlwWininet(std::string url);

@@ -16,10 +16,10 @@ TEST(ControlDocument, GivesTheFirstControlOfTheName) {
   const auto control = controlIn(whole, "Gamma");
   ASSERT_TRUE(control);
   EXPECT_EQ(control->value, 120);
-  EXPECT_EQ(control->range.least, 72);
-  EXPECT_EQ(control->range.most, 500);
+  EXPECT_EQ(control->range.min, 72);
+  EXPECT_EQ(control->range.max, 500);
   EXPECT_EQ(control->range.step, 2);
-  EXPECT_EQ(control->range.standard, 100);
+  EXPECT_EQ(control->range.defaultValue, 100);
   EXPECT_FALSE(controlIn(whole, "gamma"));
   EXPECT_FALSE(controlIn(whole, "Gam"));
 }
@@ -56,7 +56,7 @@ TEST(ControlDocument, ReadsNumbersAsTheirTextStarts) {
         std::string(R"({"controls": [{"name": "Hue", "value": )") + row.value + "}]}", "Hue");
     ASSERT_TRUE(control) << row.value;
     EXPECT_EQ(control->value, row.expected) << row.value;
-    EXPECT_EQ(control->range.most, 0) << "missing";
+    EXPECT_EQ(control->range.max, 0) << "missing";
   }
 }
 

@@ -24,6 +24,13 @@ IAMVideoProcAmp* unwrap(VideoProcAmp& amplifier) {
   return reinterpret_cast<IAMVideoProcAmp*>(&amplifier);
 }
 
+// DirectShow's number of a property: the same, as these two ends of its list show.
+static_assert(VideoProcAmp_Brightness == static_cast<int>(PictureProperty::brightness) &&
+              VideoProcAmp_Gain == static_cast<int>(PictureProperty::gain));
+long numberOf(PictureProperty property) {
+  return static_cast<long>(property);
+}
+
 // A new reference to an object that the system creates. Null when it cannot.
 void* create(REFCLSID type, REFIID iid) {
   void* object = nullptr;
@@ -111,22 +118,22 @@ VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   return static_cast<VideoProcAmp*>(amplifier);
 }
 
-void setProperty(VideoProcAmp& amplifier, std::int32_t property, std::int32_t value) {
-  unwrap(amplifier)->Set(property, value, VideoProcAmp_Flags_Manual);
+void setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
+  unwrap(amplifier)->Set(numberOf(property), value, VideoProcAmp_Flags_Manual);
 }
 
-std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, std::int32_t property) {
+std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, PictureProperty property) {
   long value = 0, flags = 0;
-  if (FAILED(unwrap(amplifier)->Get(property, &value, &flags))) return std::nullopt;
+  if (FAILED(unwrap(amplifier)->Get(numberOf(property), &value, &flags))) return std::nullopt;
   return value;
 }
 
-std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, std::int32_t property) {
-  long least = 0, most = 0, step = 0, standard = 0, flags = 0;
-  if (FAILED(unwrap(amplifier)->GetRange(property, &least, &most, &step, &standard, &flags))) {
-    return std::nullopt;
-  }
-  return PropertyRange{least, most, step, standard};
+std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PictureProperty property) {
+  long min = 0, max = 0, step = 0, defaultValue = 0, flags = 0;
+  const HRESULT result =
+      unwrap(amplifier)->GetRange(numberOf(property), &min, &max, &step, &defaultValue, &flags);
+  if (FAILED(result)) return std::nullopt;
+  return PropertyRange{min, max, step, defaultValue};
 }
 
 }  // namespace qvx::platform
