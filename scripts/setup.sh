@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing: setup.sh [build | demo | test]
 # Each purpose includes the one before it; the default is test. Says nothing when all is there.
-# jsoncpp comes as Debian's source package, too: the Windows build compiles it.
+# jsoncpp and cpp-httplib come as Debian's source packages, too: the Windows build compiles them.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
@@ -80,3 +80,4 @@ fetch_source() {
 command -v dpkg-query >/dev/null || fail "this is not Debian; the build needs: ${wanted[*]}"
 install_missing
 fetch_source libjsoncpp
+fetch_source cpp-httplib

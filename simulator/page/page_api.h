@@ -1,0 +1,16 @@
+// The page on which a person sees the cameras and turns them.
+#pragma once
+
+#include <httplib.h>
+
+#include "simulator/program/desk.h"
+
+namespace qvx::simulator {
+
+// Whether a request belongs to the page rather than to a Wi-Fi camera that shares the server.
+bool isForPage(const httplib::Request& request);
+
+// Adds the page's routes to a server. The desk must outlive it.
+void addPageRoutes(httplib::Server& server, Desk& desk);
+
+}  // namespace qvx::simulator

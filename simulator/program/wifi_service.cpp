@@ -1,0 +1,60 @@
+#include "simulator/program/wifi_service.h"
+
+#include "simulator/page/page_api.h"
+
+namespace qvx::simulator {
+
+namespace {
+
+using Handled = httplib::Server::HandlerResponse;
+
+Reply answer(CameraDevice& device, const httplib::Request& request) {
+  constexpr int methodNotAllowed = 405;
+  WifiAnswer answer = request.method == "GET"
+                          ? device.wifi.get(request.target)
+                          : WifiAnswer{methodNotAllowed, "text/plain", "405: GET only\n",
+                                       "unknown method " + request.method};
+  return {true,          std::move(answer.body),       0, std::move(answer.description),
+          answer.status, std::move(answer.contentType)};
+}
+
+// Fewer bytes than announced, and then the connection closes.
+void sendPart(Reply& reply, httplib::Response& response) {
+  response.set_content_provider(
+      reply.announced, reply.contentType,
+      [part = std::move(reply.bytes)](std::size_t, std::size_t, httplib::DataSink& sink) {
+        sink.write(part.data(), part.size());
+        return false;
+      });
+}
+
+}  // namespace
+
+WifiService::WifiService(PluggedCamera& camera, Desk& desk)
+    : camera_(camera), http_([&camera] { return camera.isDeaf(); }) {
+  camera.onHearing = [this] { http_.reconsider(); };
+  // Clients leave their side of a connection open. It must not hold a thread after the answer.
+  http_.server.set_keep_alive_max_count(1);
+  addPageRoutes(http_.server, desk);
+  http_.server.set_pre_routing_handler(
+      [this](const httplib::Request& request, httplib::Response& response) {
+        if (isForPage(request)) return Handled::Unhandled;
+        serve(request, response);
+        return Handled::Handled;
+      });
+}
+
+WifiService::~WifiService() {
+  camera_.close();
+  http_.stop();
+}
+
+void WifiService::serve(const httplib::Request& request, httplib::Response& response) {
+  constexpr int unavailable = 503;
+  Reply reply = camera_.carry([&](CameraDevice& device) { return answer(device, request); });
+  response.status = reply.done ? reply.status : unavailable;
+  if (reply.bytes.size() < reply.announced) return sendPart(reply, response);
+  response.set_content(reply.bytes, reply.contentType);
+}
+
+}  // namespace qvx::simulator
