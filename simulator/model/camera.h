@@ -41,11 +41,17 @@ class Camera {
   double brightness() const { return controller_.lights().brightness(gpio_.lights()); }
 
   Controller& controller() { return controller_; }
+  const Controller& controller() const { return controller_; }
   Gpio& gpio() { return gpio_; }
+  const Gpio& gpio() const { return gpio_; }
   FocusLens& lens() { return lens_; }
+  const FocusLens& lens() const { return lens_; }
   Sensor& sensor() { return sensor_; }
+  const Sensor& sensor() const { return sensor_; }
   PictureControls& picture() { return picture_; }
+  const PictureControls& picture() const { return picture_; }
   VideoOutput& video() { return video_; }
+  const VideoOutput& video() const { return video_; }
   Violations& violations() { return violations_; }
 
  private:

@@ -74,12 +74,18 @@ void Illumination::takeLevel(std::uint8_t value) {
   }
 }
 
-double Illumination::ring() const {
-  double lit = 0;
-  for (std::size_t i = 0; i < quadrantLevels_.size(); ++i) {
-    if ((segments_ >> i & 1) != 0) lit += quadrantLevels_[i];
+std::array<double, 4> Illumination::quadrants() const {
+  std::array<double, 4> lit{};
+  for (std::size_t i = 0; i < lit.size(); ++i) {
+    if ((segments_ >> i & 1) != 0) lit[i] = ringLevel_ * quadrantLevels_[i];
   }
-  return ringLevel_ * lit / static_cast<double>(quadrantLevels_.size());
+  return lit;
+}
+
+double Illumination::ring() const {
+  double sum = 0;
+  for (const double lit : quadrants()) sum += lit;
+  return sum / static_cast<double>(quadrantLevels_.size());
 }
 
 double Illumination::brightness(std::uint8_t pinLevels) const {

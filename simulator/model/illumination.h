@@ -17,7 +17,8 @@ class Illumination {
 
   std::uint8_t segments() const { return segments_; }  // a bit for each that is lit
 
-  // From 0 (dark) to 1.
+  // From 0 (dark) to 1; the four quadrants of the ring are full when the ring is at 1.
+  std::array<double, 4> quadrants() const;
   double ring() const;
   double axial() const { return axialOn_ ? axialLevel_ : 0; }
   double aim() const { return aimOn_ ? aimLevel_ : 0; }

@@ -23,6 +23,8 @@ class FocusLens {
   // The driver at an address of the I2C bus, null for one that the camera does not have.
   I2cDevice* driverAt(std::uint8_t address);
 
+  bool isFitted() const { return hasLens_; }
+
   // How far the lens stands from its zero position, in units of the lens controller; 0 without a
   // lens.
   double offset() const { return offset_; }

@@ -10,40 +10,15 @@
 
 #include "simulator/scene/object.h"
 #include "simulator/scene/tone.h"
-#include "simulator/scene/view.h"
 
 namespace qvx::simulator {
 
 namespace {
 
-// Renders a picture line by line.
-class Renderer {
- public:
-  explicit Renderer(const View& view) : view_(view), tone_(view) {}
-
-  void render(int line, std::vector<std::uint8_t>& row) const {
-    constexpr double halfPixel = 0.7;
-    const double pixel_um = view_.fieldWidth_um / view_.width_px;
-    const double softness_um = (halfPixel + view_.blur_px) * pixel_um;
-    const double y_um = (line - view_.height_px / 2) * pixel_um;
-    row.clear();
-    for (int column = 0; column < view_.width_px; ++column) {
-      const double x_um = (column - view_.width_px / 2) * pixel_um;
-      const Pixel pixel = tone_.of(colourAt(x_um, y_um, softness_um));
-      row.insert(row.end(), pixel.begin(), pixel.end());
-    }
-  }
-
- private:
-  const View& view_;
-  Tone tone_;
-};
-
 // A file that grows in memory.
 class JpegFile {
  public:
-  JpegFile(int width, int height) {
-    constexpr int quality = 90;
+  JpegFile(int width, int height, int quality) {
     encoder_.err = jpeg_std_error(&errors_);
     jpeg_create_compress(&encoder_);
     jpeg_mem_dest(&encoder_, &bytes_, &size_);
@@ -62,9 +37,10 @@ class JpegFile {
   JpegFile(const JpegFile&) = delete;
   JpegFile& operator=(const JpegFile&) = delete;
 
-  void append(std::vector<std::uint8_t>& row) {
-    JSAMPROW line = row.data();
-    jpeg_write_scanlines(&encoder_, &line, 1);
+  // The encoder does not write to the line, though its type says so.
+  void append(const std::uint8_t* line) {
+    auto* row = const_cast<JSAMPROW>(line);
+    jpeg_write_scanlines(&encoder_, &row, 1);
   }
 
   // Call it once, after the last line.
@@ -82,16 +58,36 @@ class JpegFile {
 
 }  // namespace
 
-std::string stillOf(Camera& camera) {
-  const View view = viewOf(camera);
-  const Renderer renderer(view);
-  JpegFile file(view.width_px, view.height_px);
-  std::vector<std::uint8_t> row;
-  for (int line = 0; line < view.height_px; ++line) {
-    renderer.render(line, row);
-    file.append(row);
+Picture render(const View& view, int width, int height, std::uint64_t /*frame*/) {
+  constexpr double halfPixel = 0.7;
+  const Tone tone(view);
+  const double pixel_um = view.fieldWidth_um / width;
+  const double softness_um = halfPixel * pixel_um + view.blur * view.fieldWidth_um;
+  Picture picture{width, height, {}};
+  picture.rgb.reserve(std::size_t{3} * static_cast<std::size_t>(width * height));
+  for (int line = 0; line < height; ++line) {
+    for (int column = 0; column < width; ++column) {
+      const Pixel pixel = tone.of(
+          colourAt((column - width / 2) * pixel_um, (line - height / 2) * pixel_um, softness_um));
+      picture.rgb.insert(picture.rgb.end(), pixel.begin(), pixel.end());
+    }
+  }
+  return picture;
+}
+
+std::string jpegOf(const Picture& picture, int quality) {
+  JpegFile file(picture.width, picture.height, quality);
+  const std::size_t lineBytes = std::size_t{3} * static_cast<std::size_t>(picture.width);
+  for (int line = 0; line < picture.height; ++line) {
+    file.append(&picture.rgb[lineBytes * static_cast<std::size_t>(line)]);
   }
   return file.take();
+}
+
+std::string stillOf(const Camera& camera) {
+  constexpr int quality = 90;
+  const VideoMode& mode = camera.video().mode();
+  return jpegOf(look(camera, mode.width, mode.height, 0), quality);
 }
 
 }  // namespace qvx::simulator

@@ -62,7 +62,7 @@ double lightOf(const Camera& camera) {
   return room + own * camera.brightness();
 }
 
-double exposureOf(Camera& camera) {
+double exposureOf(const Camera& camera) {
   constexpr double mostGain = 8;  // that automatic exposure has
   const SensorKind* const kind = sensorFor(camera.productId());
   if (kind == nullptr) return lightOf(camera);
@@ -99,26 +99,22 @@ double fieldWidth_um(const Camera& camera) {
 }
 
 // A camera without a focus lens was focused by hand.
-double blur_px(Camera& camera) {
-  constexpr double perUnit = 1.0 / 1600;  // of the picture's width
-  if (camera.lens().driverAt(lensControllerAddress) == nullptr) return 0;
-  return std::abs(camera.lens().offset() - focusAt) * perUnit * camera.video().mode().width;
+double blurOf(const Camera& camera) {
+  constexpr double perUnit = 1.0 / 1600;
+  return camera.lens().isFitted() ? std::abs(camera.lens().offset() - focusAt) * perUnit : 0;
 }
 
-double setting(Camera& camera, std::int32_t property) {
+double setting(const Camera& camera, std::int32_t property) {
   return camera.picture().get(*pictureControl(property)).value;
 }
 
 }  // namespace
 
-View viewOf(Camera& camera) {
-  const VideoMode& mode = camera.video().mode();
+View viewOf(const Camera& camera) {
   View view{};
-  view.width_px = mode.width;
-  view.height_px = mode.height;
   view.fieldWidth_um = fieldWidth_um(camera);
   view.exposure = exposureOf(camera);
-  view.blur_px = blur_px(camera);
+  view.blur = blurOf(camera);
   view.brightness = setting(camera, 0) / 256;
   view.contrast = setting(camera, 1) / pictureControl(1)->standard;
   view.hue_rad = setting(camera, 2) * std::numbers::pi / 180;

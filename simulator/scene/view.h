@@ -6,16 +6,15 @@
 namespace qvx::simulator {
 
 struct View {
-  int width_px, height_px;
   double fieldWidth_um;  // of the object, across the picture
   double exposure;       // 1 is right
-  double blur_px;        // how far an edge spreads to either side
+  double blur;           // how far an edge spreads to either side, in parts of the picture's width
 
   // The picture controls, as what they do.
   double brightness, contrast, gamma, saturation, hue_rad;
 };
 
-View viewOf(Camera& camera);
+View viewOf(const Camera& camera);
 
 // Where the lens must stand, in units from its zero position, to show the object sharply.
 constexpr double focusAt = 12;

@@ -17,14 +17,14 @@
 namespace qvx::simulator {
 namespace {
 
-struct Picture {
+struct GreyPicture {
   int width = 0, height = 0;
   std::vector<std::uint8_t> greys;
 
   int at(int x, int y) const { return greys[static_cast<std::size_t>(y * width + x)]; }
 };
 
-Picture takenBy(Camera& camera) {
+GreyPicture takenBy(Camera& camera) {
   const std::string file = stillOf(camera);
   jpeg_decompress_struct decoder{};
   jpeg_error_mgr errors{};
@@ -34,7 +34,7 @@ Picture takenBy(Camera& camera) {
   jpeg_read_header(&decoder, TRUE);
   decoder.out_color_space = JCS_GRAYSCALE;
   jpeg_start_decompress(&decoder);
-  Picture picture{
+  GreyPicture picture{
       static_cast<int>(decoder.output_width), static_cast<int>(decoder.output_height), {}};
   picture.greys.resize(std::size_t{decoder.output_width} * decoder.output_height);
   while (decoder.output_scanline < decoder.output_height) {
@@ -47,13 +47,13 @@ Picture takenBy(Camera& camera) {
   return picture;
 }
 
-double meanOf(const Picture& picture) {
+double meanOf(const GreyPicture& picture) {
   const double sum = std::accumulate(picture.greys.begin(), picture.greys.end(), 0.0);
   return sum / static_cast<double>(picture.greys.size());
 }
 
 // The usual measure of an auto-focus.
-double sharpnessOf(const Picture& picture) {
+double sharpnessOf(const GreyPicture& picture) {
   double sum = 0;
   for (std::size_t i = 1; i < picture.greys.size(); ++i) {
     sum += std::pow(picture.greys[i] - picture.greys[i - 1], 2);
@@ -62,7 +62,7 @@ double sharpnessOf(const Picture& picture) {
 }
 
 // How many marks of the ruler's row lie in the picture.
-int marksIn(const Picture& picture) {
+int marksIn(const GreyPicture& picture) {
   const int row = picture.height / 2 + 15;
   int marks = 0;
   for (int x = 1; x < picture.width; ++x) {
