@@ -187,13 +187,26 @@ void sendZeroOverBridge(int deviceIndex, std::uint32_t zero) {
   sendPositionOverBridge(deviceIndex, static_cast<std::int32_t>(zero));
 }
 
-// The factory's fine adjustment. Both registers are read; the forward one counts first.
+// The factory's fine adjustment of the coil: both registers, of which the forward one counts first.
+struct FineOffset {
+  std::uint32_t ahead, back;
+
+  std::optional<CoilMove> move() const {
+    if (ahead != notCalibrated) return CoilMove{forward, static_cast<std::int32_t>(2 * ahead)};
+    if (back != notCalibrated) return CoilMove{backward, static_cast<std::int32_t>(2 * back)};
+    return std::nullopt;
+  }
+};
+
 std::optional<CoilMove> readFineOffset(int deviceIndex) {
   const std::uint32_t ahead = read(deviceIndex, fineOffsetForward);
+  return FineOffset{ahead, read(deviceIndex, fineOffsetBackward)}.move();
+}
+
+// Asking for the limits reads the two the other way round.
+std::optional<CoilMove> readFineOffsetForLimits(int deviceIndex) {
   const std::uint32_t back = read(deviceIndex, fineOffsetBackward);
-  if (ahead != notCalibrated) return CoilMove{forward, static_cast<std::int32_t>(2 * ahead)};
-  if (back != notCalibrated) return CoilMove{backward, static_cast<std::int32_t>(2 * back)};
-  return std::nullopt;
+  return FineOffset{read(deviceIndex, fineOffsetForward), back}.move();
 }
 
 std::int32_t signedSteps(const CoilMove& move) {
@@ -341,7 +354,7 @@ LensRange fineLensLimits(int deviceIndex) {
   read(deviceIndex, wideRange);
   const int device = selectCameraOfLimits(deviceIndex);
   restoreZero(device, driver);
-  const std::optional<CoilMove> offset = readFineOffset(device);
+  const std::optional<CoilMove> offset = readFineOffsetForLimits(device);
   if (!hasFineRange(driver)) return noFineLens;
   return offset ? shifted(fineLens, signedSteps(*offset)) : fineLens;
 }

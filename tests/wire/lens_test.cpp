@@ -59,7 +59,7 @@ const Row bridgeRows[] = {
     {0x9E0, {}, limits, 0, "b r62.CAf b r62.C2f b r62.50f"},
     {0x990, {}, limits, 0, "b r62.CAf b r62.C2f b r62.50f w46=76f"},
     {0x970, {}, limits, 0, "b r62.CAf b r62.C2f"},
-    {0x9E0, {}, fineLimits, 0, "b r62.CAf b r62.C2f b r62.50f b r62.5Ff b r62.5Ef"},
+    {0x9E0, {}, fineLimits, 0, "b r62.CAf b r62.C2f b r62.50f b r62.5Ef b r62.5Ff"},
 };
 
 const std::string readingUsb3 = "r62.CA r62.C2 r62.C0 ", resettingUsb3 = "r62.50 r62.CA ";
@@ -75,7 +75,7 @@ const Row usb3Rows[] = {
     {0x9B0, {{0x5F, 12}}, fine, -25, readingUsb3 + "r62.5F r62.5E w62.08=02 p50 w18.00=11"},
     {0x9B0, {{0xCA, 1}}, fine, -25, readingUsb3 + "r62.5F r62.5E w46=00"},
     {0x9B0, {}, limits, 0, "r62.CA r62.C2 r62.50"},
-    {0x9B0, {}, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5F r62.5E"},
+    {0x9B0, {}, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5E r62.5F"},
 };
 
 const std::string readingWifi = "r62.CA p5 r62.C2 p5 ";
@@ -90,6 +90,7 @@ const Row wifiRows[] = {
     {0x910, {}, limits, 0, readingWifi + "r62.40 p5 p10 w46.40=6E", 90},
     {0x9E0, {}, limits, 0, readingWifi + "r62.50 p5 p10 w46.50=80", 90},
     {0x9C7, {}, limits, 0, "r62.50 p5 p10 w46.50=76", -5},
+    {0x9E0, {}, fineLimits, 0, readingWifi + "r62.50 p5 p10 w46.50=80 r62.5E p5 r62.5F p5", 90},
     {0x9C7, {}, reset, 0, "", -5},
     {0x9C7, {}, move, 1, "", -5},
 };
