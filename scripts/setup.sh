@@ -6,9 +6,9 @@ set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
 # GoogleTest is source that the Windows preset configures; llvm-14 brings llvm-dlltool, dpkg-dev
-# what unpacks a source package. libclang-rt-14-dev has libFuzzer.
+# what unpacks a source package; nasm makes the JPEG encoder fast. libclang-rt-14-dev has libFuzzer.
 build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-dev pkgconf
-  googletest libjsoncpp-dev libjpeg-dev dpkg-dev)
+  googletest libjsoncpp-dev libjpeg-dev nasm dpkg-dev)
 demo=(wine64)
 test=(clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev python3 shellcheck)
 
@@ -80,4 +80,5 @@ fetch_source() {
 command -v dpkg-query >/dev/null || fail "this is not Debian; the build needs: ${wanted[*]}"
 install_missing
 fetch_source libjsoncpp
+fetch_source libjpeg-turbo
 fetch_source cpp-httplib
