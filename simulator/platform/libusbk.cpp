@@ -88,8 +88,10 @@ std::string lineOf(const WINUSB_SETUP_PACKET& setup, std::span<const std::uint8_
 
 }  // namespace
 
-bool LstK_Init(KLST_HANDLE* deviceList, int /*flags*/) {
-  if (!world().libusbkInstalled || !world().grants()) return false;
+// Flags would ask for other lists, such as one with the devices that were unplugged: none is had
+// here.
+bool LstK_Init(KLST_HANDLE* deviceList, int flags) {
+  if (flags != 0 || !world().libusbkInstalled || !world().grants()) return false;
   DeviceList list;
   for (const UsbDevice& device : world().usbDevices) {
     if (world().pluggedIn()) list.records.push_back(recordOf(device, list.records.size()));

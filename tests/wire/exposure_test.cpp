@@ -1,5 +1,6 @@
 // Exposure, its automatic and the mains flicker: calls in, sensor registers out, for every family.
 #include <climits>
+#include <map>
 
 #include "tests/support/cameras.h"
 #include "tests/support/every_export.h"
@@ -52,9 +53,10 @@ const Table bridgeTables[] = {
     {"SetExposureValue",
      {{{0x960}, 100, "b w78.350C=00 b w78.350D=60 b w78.3500=00 b w78.3501=06 b w78.3502=40"},
       {{0x92F}, 65535, "b w78.350C=00 b w78.350D=0F b w78.3500=0F b w78.3501=FF b w78.3502=F0"},
+      {{0x962}, 4096, "b w78.350C=10 b w78.350D=10 b w78.3500=01 b w78.3501=00 b w78.3502=00"},
       {{0x970}, -1, "b w78.350C=00 b w78.350D=40 b w78.3500=00 b w78.3501=00 b w78.3502=F0"},
       {{0x870}, 1000, "b w48.0015=03 b w48.0016=E8"},
-      {{0x899}, 255, "b w48.0015=00 b w48.0016=FF"},
+      {{0x899}, 65535, "b w48.0015=FF b w48.0016=FF"},
       {{0x919}, 256, "b w48.0015=01 b w48.0016=00"},
       {{0x9C0}, 1000, ask + "b w48.0015=03 " + ask + "b w48.0016=E8"},
       {{0x9E0}, 2000, "w34.0340=07 w34.0341=D0 w34.0202=00 w34.0203=00"},
@@ -223,10 +225,25 @@ TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
   EXPECT_EQ(GetExposureValue(0), 1126) << "a longer frame is the exposure";
 }
 
-TEST_F(Exposure, HalvesOfTheSensorAt42AreAdded) {
-  plug(0x9A1);
-  camera().sensor().set(0x2E, 2);
-  EXPECT_EQ(GetExposureValue(0), 0x125 + 0x213);
+// Every register with a value of its own. The sensor at 0x42 has two exposures, which are added.
+TEST_F(Exposure, IsReadFromEveryRegister) {
+  const struct {
+    int pid;
+    std::map<int, int> registers;
+    qvx_long lines;
+  } rows[] = {
+      {0x970, {{0x3500, 0x0F}, {0x3501, 0xA5}, {0x3502, 0x7C}}, 0xFA57},
+      {0x870, {{0x15, 0xFE}, {0x16, 0xDC}}, 0xFEDC},
+      {0x9A1, {{0x08, 0xA1}, {0x10, 0xB2}, {0x2E, 0xC3}, {0x2D, 0xD4}}, 0xA1B2 + 0xC3D4},
+      {0x9E0, {{0x0340, 0xFE}, {0x0341, 0xDC}}, 0xFEDC},
+  };
+  for (const auto& row : rows) {
+    plug(row.pid);
+    for (const auto& [reg, value] : row.registers) {
+      camera().sensor().set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
+    }
+    EXPECT_EQ(GetExposureValue(0), row.lines) << std::hex << row.pid;
+  }
 }
 
 TEST_F(Exposure, TargetWithoutAProductId) {

@@ -136,34 +136,60 @@ TEST_F(InitWifi, WithoutACameraFails) {
   EXPECT_EQ(initQuietly(), 1) << "and a camera that comes later is found";
 }
 
-TEST_F(InitWifi, FeatureDecidesAboutTheMagnification) {
+TEST_F(InitWifi, ModelAndFeatureDecideAboutTheMagnification) {
+  // The models from each row's first to the next one's.
+  enum Measures { never, always, withTheFeature };
+  const struct {
+    int first;
+    Measures measures;
+  } rows[] = {{0x870, never}, {0x890, always},         {0x894, never}, {0x930, always},
+              {0x940, never}, {0x970, always},         {0x980, never}, {0x990, always},
+              {0x9A0, never}, {0x9B0, withTheFeature}, {0x9D0, never}, {0x9E0, withTheFeature},
+              {0x9F0, never}, {0xA00, never}};
+  for (const auto* row = rows; row + 1 != std::end(rows); ++row) {
+    for (int pid = row->first; pid < row[1].first; ++pid) {
+      for (const int features : {0x00, 0x40, 0xBF}) {
+        announce(formatted("%04x", static_cast<unsigned>(pid)).c_str());
+        camera.values[0x80] = features;
+        bMAGSeries = -1;
+        machine().timers.clear();
+        Init();
+        const bool measures =
+            row->measures == always || (row->measures == withTheFeature && features == 0x40);
+        ASSERT_EQ(bMAGSeries, measures ? 1 : -1) << std::hex << pid << ' ' << features;
+        ASSERT_EQ(machine().timers.size(), measures ? 1u : 0u) << std::hex << pid;
+      }
+    }
+  }
+}
+
+TEST_F(InitWifi, RefreshesTheFeatureRegisterAsOftenAsTheModelMakesIt) {
   const struct {
     const char* pid;
     int features;
-    bool measures;
-    const char* reads;  // before the set-up
+    const char* reads;
+    const char* setUp;
   } rows[] = {
-      {"0890", 0x00, true, "80 80 "},           {"0893", 0x00, true, "80 80 "},
-      {"0894", 0x40, false, "80 80 80 80 "},    {"0930", 0x00, true, "80 80 "},
-      {"0960", 0x40, false, "80 80 80 80 80 "}, {"097f", 0x00, true, "80 80 80 "},
-      {"0980", 0x40, false, "80 80 80 80 80 "}, {"099f", 0x00, true, "80 80 80 "},
-      {"09b0", 0x40, true, "80 80 80 "},        {"09b0", 0x00, false, "80 80 80 80 80 "},
-      {"09c3", 0x40, true, "80 80 80 "},        {"09c3", 0xBF, false, "80 80 80 80 "},
-      {"09d0", 0x40, false, "80 80 80 80 80 "}, {"09e1", 0x40, true, "80 80 80 80 80 "},
-      {"09e1", 0x00, false, "80 80 80 80 80 "}, {"0000", 0x00, true, "80 80 80 80 "},
+      {"0890", 0x00, "80 80 ", "C0 C1 C2 01 C3 C5 "},
+      {"0894", 0x40, "80 80 80 80 ", ""},
+      {"0960", 0x40, "80 80 80 80 80 ", ""},
+      {"097f", 0x00, "80 80 80 ", "C0 C1 C2 01 C3 C5 "},
+      {"09b0", 0x40, "80 80 80 ", "C0 C1 C2 01 C3 C5 "},
+      {"09b0", 0x00, "80 80 80 80 80 ", ""},
+      {"09c3", 0x40, "80 80 80 ", "C0 C1 C2 01 C3 C5 "},
+      {"09c3", 0xBF, "80 80 80 80 ", ""},
+      {"09d0", 0x40, "80 80 80 80 80 ", ""},
+      {"09e1", 0x40, "80 80 80 80 80 ", "C0 C1 C2 01 C3 C5 "},
+      {"0000", 0x00, "80 80 80 80 ", "C0 C1 C2 01 C3 C5 "},
   };
   for (const auto& row : rows) {
     announce(row.pid);
     camera.values[0x80] = row.features;
-    bMAGSeries = -1;
-    machine().timers.clear();
     journal();
     EXPECT_EQ(initQuietly(), 1);
-    EXPECT_EQ(bMAGSeries, row.measures ? 1 : -1) << row.pid;
-    EXPECT_EQ(machine().timers.size(), row.measures ? 1u : 0u) << row.pid;
-    const std::string all = reads(), before = "80 83 84 C0 C1 C2 C3 C4 C5 ";
-    const std::string setUp = row.measures ? "C0 C1 C2 01 C3 C5 " : "";
-    EXPECT_EQ(all.substr(0, all.rfind(setUp) + setUp.size()), before + row.reads + setUp)
+    const std::string all = reads(), setUp = row.setUp;
+    EXPECT_EQ(all.substr(0, all.rfind(setUp) + setUp.size()),
+              std::string("80 83 84 C0 C1 C2 C3 C4 C5 ") + row.reads + setUp)
         << row.pid;
   }
 }
