@@ -63,6 +63,15 @@ std::string modulePath() {
   return "C:\\Program Files\\Microscope\\QVX64.dll";
 }
 
+std::string environmentVariable(const char* name) {
+  const auto found = world().environment.find(name);
+  return found == world().environment.end() ? "" : found->second;
+}
+
+void tellDebugger(const std::string& line) {
+  world().note([&] { return "debugger: " + line; });
+}
+
 std::uint32_t lastError() {
   return threadError;
 }

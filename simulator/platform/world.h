@@ -135,6 +135,7 @@ class World {
 
   // Furniture.
   HttpServer wifi;  // none: nothing answers
+  std::map<std::string, std::string> environment;
   bool libusbkInstalled = true;
   std::vector<UsbDevice> usbDevices;
   std::vector<VideoInput> videoInputs;

@@ -53,7 +53,7 @@ void buildReadUrls() {
 bool wifiCameraAnswers() {
   const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
   platform::setInternetTimeouts(session, probeTimeout_ms, probeTimeout_ms);
-  const bool answers = platform::openUrl(session, widen(s_mainhttp)) != nullptr;
+  const bool answers = openCameraUrl(session, s_mainhttp) != nullptr;
   platform::closeInternetHandle(session);
   // The request stays open on purpose: nobody reads the camera's home page, and it goes with the
   // session.
@@ -106,8 +106,7 @@ void takeProductIdsIn(const std::string& chunk) {
 
 void readWifiDeviceList() {
   const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
-  const platform::InternetHandle request =
-      platform::openUrl(session, widen(s_mainhttp + "usbdevlist.json"));
+  const platform::InternetHandle request = openCameraUrl(session, s_mainhttp + "usbdevlist.json");
   char chunk[answerCapacity + 1];
   std::uint32_t received = 0;
   while (request != nullptr && platform::readUrl(request, chunk, answerCapacity, received) &&
@@ -191,6 +190,7 @@ void setUpMagnification() {
 }  // namespace
 
 int initialize() {
+  readWifiAddress();
   s_mainhttp = wifiBaseUrl();
   buildReadUrls();
   const bool wifi = VideoDeviceIndex == wifiDeviceIndex && wifiCameraAnswers();

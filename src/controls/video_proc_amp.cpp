@@ -43,7 +43,7 @@ bool isWifiCurrent() {
 std::optional<Control> askWifiCamera(const WifiProperty& property) {
   const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
   const platform::InternetHandle request =
-      platform::openUrl(session, widen(wifiBaseUrl() + "input_0_control.json"));
+      openCameraUrl(session, wifiBaseUrl() + "input_0_control.json");
   if (request == nullptr) {
     platform::closeInternetHandle(session);
     return std::nullopt;

@@ -52,7 +52,7 @@ void copy(platform::InternetHandle request, platform::FileHandle file) {
 bool saveWifiImage(const std::string& path) {
   const platform::InternetHandle session = platform::openDirectInternetSession(downloadAgent);
   const platform::InternetHandle request =
-      platform::openUrl(session, widen(wifiBaseUrl() + "?action=snapshot"));
+      openCameraUrl(session, wifiBaseUrl() + "?action=snapshot");
   // The session stays open: the channel leaves it to the process.
   if (request == nullptr) return true;
   const platform::FileHandle file = platform::createFile(widen(path));

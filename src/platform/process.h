@@ -13,6 +13,13 @@ std::uint32_t floatingPointControl(std::uint32_t value, std::uint32_t mask);
 // Full path of the library's own module, cut to 259 characters.
 std::string modulePath();
 
+// A variable of the process's environment as it now is, empty when it is not set. Characters beyond
+// ASCII become question marks.
+std::string environmentVariable(const char* name);
+
+// Shows a line to whoever debugs the process.
+void tellDebugger(const std::string& line);
+
 // The calling thread's last error code.
 std::uint32_t lastError();
 void setLastError(std::uint32_t code);

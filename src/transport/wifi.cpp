@@ -33,10 +33,6 @@ int shiftLeft(int value, int bits) {
 
 }  // namespace
 
-std::string wifiBaseUrl() {
-  return "http://" QVX_CAMERA_ADDRESS ":8080/";
-}
-
 std::string commandUrl(const std::string& base, int id, WifiGroup group, int value) {
   return base + format(commandTemplate, id, static_cast<int>(group), value);
 }
@@ -98,10 +94,14 @@ std::wstring widen(const std::string& text) {
   return wide;
 }
 
+platform::InternetHandle openCameraUrl(platform::InternetHandle session, const std::string& url) {
+  return url.starts_with("http://") ? platform::openUrl(session, widen(url)) : nullptr;
+}
+
 std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms) {
   const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
   if (pauseBefore_ms != 0) platform::pause(pauseBefore_ms);
-  const platform::InternetHandle request = platform::openUrl(session, widen(url));
+  const platform::InternetHandle request = openCameraUrl(session, url);
   if (request == nullptr) {
     platform::closeInternetHandle(session);
     return std::nullopt;
@@ -125,7 +125,7 @@ std::optional<std::string> fetchRegister(const std::string& url) {
 
 void sendUnread(const std::string& url) {
   const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
-  platform::openUrl(session, widen(url));
+  openCameraUrl(session, url);
   platform::closeInternetHandle(session);
 }
 

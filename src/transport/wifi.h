@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/internet.h"
+#include "transport/wifi_address.h"
 
 namespace qvx {
 
@@ -16,9 +17,6 @@ inline constexpr wchar_t downloadAgent[] = L"HTTP Downloader";
 
 // The most that one read of an answer takes.
 constexpr std::uint32_t answerCapacity = 8192;
-
-// "http://", the camera's address, ":8080/".
-std::string wifiBaseUrl();
 
 // What a command is about.
 enum class WifiGroup { picture = 1, videoMode = 2, gpio = 4, i2c = 5 };
@@ -47,6 +45,10 @@ int loadUrlwWininet(std::string url);
 
 // Each byte becomes one wide character.
 std::wstring widen(const std::string& text);
+
+// Opens a URL on the camera. Null when it could not be reached, and for a URL without a base: where
+// the camera's address is not known, nothing is sent.
+platform::InternetHandle openCameraUrl(platform::InternetHandle session, const std::string& url);
 
 // One GET and one read. Returns what the read gave, nothing when no byte came. After a success the
 // request and its session stay open: the channel leaves both to the process.

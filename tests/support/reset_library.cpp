@@ -8,6 +8,7 @@
 #include "etlib2/etLib2.h"
 #include "state/device_state.h"
 #include "transport/usb3.h"
+#include "transport/wifi_address.h"
 
 namespace qvx::tests {
 
@@ -27,6 +28,7 @@ void resetDevices() {
   bWait = 0;
   bMAGSeries = -1;
   s_mainhttp.clear();
+  wifiBase.reset();
   for (DeviceTable* table : {&strOrvaDevice, &strOrvaDeviceName, &strOrvaDeviceFx,
                              &strOrvaDeviceNameFx, &strOrvaDeviceWF, &strOrvaDeviceWFName}) {
     table->fill({});

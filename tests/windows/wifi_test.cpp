@@ -64,6 +64,22 @@ TEST(WifiCamera, StillsComeWholeAndInTheChosenSize) {
   EXPECT_FALSE(GetWiFiImage("no-such-folder\\still.jpg"));
 }
 
+// A camera 0x970 on port 8080, and a camera 0x9E0 on port 8081.
+TEST(TwoCameras, AreReachedAtTheirAddressesByOneProcess) {
+  const auto fieldOfView = [](const wchar_t* address) {
+    SetEnvironmentVariableW(L"QVX64_WIFI_CAMERA", address);
+    SetVideoDeviceIndex(90);
+    return Init() == 1 ? FOVx(90, 1.0) : 0.0;
+  };
+  const double ofOne = fieldOfView(nullptr), ofOther = fieldOfView(L"127.0.0.1:8081");
+  EXPECT_GT(ofOne, 0.0);
+  EXPECT_GT(ofOther, 0.0);
+  EXPECT_NE(ofOne, ofOther);
+  EXPECT_EQ(fieldOfView(L"127.0.0.1:808l"), 0.0);
+  EXPECT_EQ(fieldOfView(L"127.0.0.1"), ofOne);
+  EXPECT_EQ(fieldOfView(L"127.0.0.1:8081"), ofOther);
+}
+
 // Whatever else it answers, or nothing.
 TEST(StrangeCamera, NeitherHangsNorBreaksTheLibrary) {
   SetVideoDeviceIndex(90);

@@ -1,6 +1,7 @@
 // Init: every step, in order, as the cameras and the system see it; and every exit.
 #include <climits>
 #include <regex>
+#include <set>
 
 #include "api/events.h"
 #include "controls/magnification.h"
@@ -8,6 +9,7 @@
 #include "state/read_urls.h"
 #include "tests/support/cameras.h"
 #include "tests/support/wifi_registers.h"
+#include "transport/controller.h"
 
 namespace qvx::tests {
 namespace {
@@ -85,6 +87,37 @@ TEST_F(InitWifi, SettlesTheDevice) {
   // Left open: the probe's request and, of each of the reads, session and request.
   EXPECT_EQ(machine().open.internetRequests, 32 + 1);
   EXPECT_EQ(machine().open.internetSessions, 32);
+}
+
+// Init, a command on the kept base and a request that builds its own.
+TEST_F(InitWifi, FindsTheCameraWhereTheEnvironmentSays) {
+  const auto addressed = [this](const char* address) {
+    machine().environment["QVX64_WIFI_CAMERA"] = address;
+    initQuietly();
+    SetSEGLevel(90, 1);
+    GetWiFiImage("still.jpg");
+    SetVideoProcAmp(0, 5);
+    std::set<std::string> hosts;
+    for (const std::string& line : journal())
+      if (line.starts_with("GET ")) hosts.insert(line.substr(4, line.find('/', 12) - 4));
+    return hosts;
+  };
+  using Hosts = std::set<std::string>;
+  EXPECT_EQ(addressed(""), Hosts{"http://127.0.0.1:8080"});
+  EXPECT_EQ(addressed("10.1.2.3:81"), Hosts{"http://10.1.2.3:81"});
+  EXPECT_EQ(sRegC3.find("http://10.1.2.3:81/"), 0u);
+  EXPECT_EQ(addressed("localhost"), Hosts{});
+}
+
+TEST_F(InitWifi, TellsTheDebuggerOfAnAddressThatIsNone) {
+  machine().environment["QVX64_WIFI_CAMERA"] = "1.2.3";
+  ReadPIC(0x80);  // before any Init
+  EXPECT_EQ(journal(), Journal{"debugger: QVX64: no Wi-Fi camera is looked for: QVX64_WIFI_CAMERA "
+                               "is not IPV4 or IPV4:PORT but \"1.2.3\"\n"});
+  ReadPIC(0x80);
+  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(initQuietly(), 0);
+  EXPECT_EQ(journal().front().substr(0, 9), "debugger:");
 }
 
 TEST_F(InitWifi, ReadsTheProductIdFromTheDeviceList) {
