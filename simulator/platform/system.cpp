@@ -29,7 +29,12 @@ void initializeCom() {
   ++world().open.comInitializations;
 }
 
-void uninitializeCom() {
+ComUse::ComUse() : thread_(1) {
+  initializeCom();
+}
+
+ComUse::~ComUse() {
+  if (thread_ == none) return;
   const std::lock_guard<std::mutex> lock(world().guard);
   --world().open.comInitializations;
 }

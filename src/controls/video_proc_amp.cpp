@@ -89,7 +89,7 @@ platform::FilterGraph* useAmplifier(platform::CaptureFilter& filter, const Ampli
 // Uses the amplifier of the current device, if there is one. Returns whether the system has any
 // video input.
 bool withAmplifier(const AmplifierUse& use) {
-  platform::initializeCom();
+  const platform::ComUse com;
   platform::InputList* const inputs = platform::openInputList();
   platform::CaptureFilter* filter = nullptr;
   if (inputs == nullptr) {
@@ -100,7 +100,6 @@ bool withAmplifier(const AmplifierUse& use) {
   platform::FilterGraph* const graph = filter == nullptr ? nullptr : useAmplifier(*filter, use);
   platform::release(graph);
   platform::release(inputs);
-  platform::uninitializeCom();
   return inputs != nullptr;
 }
 

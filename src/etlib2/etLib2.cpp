@@ -16,30 +16,39 @@ namespace {
 constexpr std::uint32_t workerLimit_ms = 500;
 constexpr std::uint32_t workerLimitForCommands_ms = 1000;
 
-std::mutex openTransportGuard;
-std::shared_ptr<Transport> openTransport;  // null = closed
+// Never destroyed: when the process ends, COM and the cameras' drivers may be gone already.
+struct OpenCameras {
+  std::mutex guard;
+  std::shared_ptr<Transport> transport;  // null = closed
+  std::optional<platform::ComUse> com;   // what opening took; the opening thread's
+};
+
+OpenCameras& openCameras() {
+  static auto& cameras = *new OpenCameras;
+  return cameras;
+}
 
 std::shared_ptr<Transport> currentTransport() {
-  const std::lock_guard<std::mutex> lock(openTransportGuard);
-  return openTransport;
+  const std::lock_guard<std::mutex> lock(openCameras().guard);
+  return openCameras().transport;
 }
 
 void replaceTransport(std::shared_ptr<Transport> transport) {
   {
-    const std::lock_guard<std::mutex> lock(openTransportGuard);
-    openTransport.swap(transport);
+    const std::lock_guard<std::mutex> lock(openCameras().guard);
+    openCameras().transport.swap(transport);
   }
   if (transport == nullptr) return;
   // A late worker may still be using the camera's COM objects: their libraries must stay.
-  const bool inUse = transport.use_count() > 1;
+  if (transport.use_count() > 1) openCameras().com->keep();
   transport.reset();
-  if (!inUse) platform::uninitializeCom();
+  openCameras().com.reset();
 }
 
-std::shared_ptr<Transport> openCameras(TransportKind kind) {
-  platform::initializeCom();
+std::shared_ptr<Transport> open(TransportKind kind) {
+  openCameras().com.emplace();
   std::shared_ptr<Transport> transport = Transport::open(kind);
-  if (transport == nullptr) platform::uninitializeCom();
+  if (transport == nullptr) openCameras().com.reset();
   return transport;
 }
 
@@ -100,8 +109,8 @@ std::uint8_t askChipGeneration(const std::shared_ptr<Transport>& transport, std:
 
 int etLib2_Init() {
   replaceTransport(nullptr);
-  std::shared_ptr<Transport> transport = openCameras(TransportKind::extensionUnit);
-  if (transport == nullptr) transport = openCameras(TransportKind::hid);
+  std::shared_ptr<Transport> transport = open(TransportKind::extensionUnit);
+  if (transport == nullptr) transport = open(TransportKind::hid);
   const bool found = transport != nullptr;
   replaceTransport(std::move(transport));
   return found ? 1 : 0;

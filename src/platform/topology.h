@@ -38,7 +38,7 @@ class TopologyFilter {
 };
 
 // A filter for every video input that can be opened and has a topology, in the system's order.
-// Needs initializeCom on the calling thread.
+// Needs COM on the calling thread.
 std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters();
 
 }  // namespace qvx::platform

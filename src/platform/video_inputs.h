@@ -12,7 +12,7 @@ struct VideoInput {
 };
 
 // The video inputs in the system's order, leaving out those that do not tell both names.
-// Empty when there are none or the system's list cannot be had. Needs initializeCom on the
+// Empty when there are none or the system's list cannot be had. Needs COM on the
 // calling thread.
 std::vector<VideoInput> listVideoInputs();
 

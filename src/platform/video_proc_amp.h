@@ -1,6 +1,6 @@
 // The picture properties of capture devices (DirectShow on Windows), in the steps in which drivers
 // are asked for them. Every handle is one reference to an object of the system; what is not
-// released stays until the process ends. All functions need initializeCom on the calling thread.
+// released stays until the process ends. All functions need COM on the calling thread.
 #pragma once
 
 #include <cstdint>

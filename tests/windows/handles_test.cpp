@@ -9,6 +9,7 @@
 #include <span>
 
 #include "tests/support/every_export.h"
+#include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/resources.h"
 #include "tests/windows/fixtures/virtual_cameras.h"
 #include "tests/windows/fixtures/virtual_hid.h"
@@ -27,45 +28,6 @@ ULONGLONG limit_ms() {
   const char* const text = std::getenv("QVX_MS_PER_EXPORT");
   return text == nullptr ? 250 : std::strtoull(text, nullptr, 10);
 }
-
-// The address of a function that the DLL has imported, in its own table.
-void** importedFunction(const char* name) {
-  auto* const image = reinterpret_cast<char*>(GetModuleHandleW(L"QVX64.dll"));
-  const auto at = [image](ULONGLONG offset) { return image + offset; };
-  const auto& header = *reinterpret_cast<const IMAGE_NT_HEADERS*>(
-      at(static_cast<ULONGLONG>(reinterpret_cast<const IMAGE_DOS_HEADER*>(image)->e_lfanew)));
-  const auto& imports = header.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-  for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(at(imports.VirtualAddress));
-       library->Name != 0; ++library) {
-    auto* import = reinterpret_cast<IMAGE_THUNK_DATA*>(at(library->OriginalFirstThunk));
-    auto* address = reinterpret_cast<IMAGE_THUNK_DATA*>(at(library->FirstThunk));
-    for (; import->u1.AddressOfData != 0; ++import, ++address) {
-      const char* const imported =
-          reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(at(import->u1.AddressOfData))->Name;
-      if (std::strcmp(imported, name) == 0) return reinterpret_cast<void**>(&address->u1.Function);
-    }
-  }
-  return nullptr;
-}
-
-// The DLL's pauses cost nothing while this lives: they leave nothing behind.
-class NoPauses {
- public:
-  NoPauses() : import_(importedFunction("Sleep")), sleep_(*import_) {
-    DWORD protection = 0;
-    VirtualProtect(import_, sizeof *import_, PAGE_READWRITE, &protection);
-    *import_ = reinterpret_cast<void*>(&pass);
-  }
-  ~NoPauses() { *import_ = sleep_; }
-  NoPauses(const NoPauses&) = delete;
-  NoPauses& operator=(const NoPauses&) = delete;
-
- private:
-  static void WINAPI pass(DWORD) {}
-
-  void** import_;
-  void* sleep_;
-};
 
 // What one call leaves open on purpose.
 struct Kept {

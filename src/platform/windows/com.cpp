@@ -8,8 +8,12 @@ void initializeCom() {
   CoInitialize(nullptr);
 }
 
-void uninitializeCom() {
-  CoUninitialize();
+ComUse::ComUse() {
+  if (SUCCEEDED(CoInitialize(nullptr))) thread_ = GetCurrentThreadId();
+}
+
+ComUse::~ComUse() {
+  if (thread_ == GetCurrentThreadId()) CoUninitialize();
 }
 
 }  // namespace qvx::platform
