@@ -1,4 +1,13 @@
 // The DLL and bridge cameras through the system's own HID stack: simulated devices of a minidriver.
+#include <windows.h>
+// mingw-w64's HID headers follow windows.h and do not say that the library is C.
+extern "C" {
+#include <hidsdi.h>
+}
+
+#include <optional>
+
+#include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/virtual_cameras.h"
 #include "tests/windows/fixtures/virtual_hid.h"
 #include "tests/windows/support.h"
@@ -28,6 +37,55 @@ TEST(HidCamera, OlderFirmwareIsUnderstood) {
     openCamera(0);
     EXPECT_TRUE(measures(0, 30)) << camera << ": " << GetMAG(0);
     EXPECT_EQ(devices.violations(0), "") << camera;
+  }
+}
+
+// Devices seem to have capabilities of every kind; what is asked for one of them can fail.
+struct Query {
+  HIDP_REPORT_TYPE type;
+  bool buttons;
+
+  bool operator==(const Query&) const = default;
+};
+std::optional<Query> refused;
+
+NTSTATUS answerTo(const Query& query) {
+  return refused == query ? HIDP_STATUS_INVALID_PREPARSED_DATA : HIDP_STATUS_SUCCESS;
+}
+
+NTSTATUS NTAPI claimEveryKind(PHIDP_PREPARSED_DATA data, PHIDP_CAPS caps) {
+  const NTSTATUS status = HidP_GetCaps(data, caps);
+  caps->NumberInputButtonCaps = caps->NumberInputValueCaps = 1;
+  caps->NumberOutputButtonCaps = caps->NumberOutputValueCaps = 1;
+  caps->NumberFeatureButtonCaps = 1;
+  return status;
+}
+
+NTSTATUS NTAPI giveButtons(HIDP_REPORT_TYPE type, PHIDP_BUTTON_CAPS, PUSHORT,
+                           PHIDP_PREPARSED_DATA) {
+  return answerTo({type, true});
+}
+
+NTSTATUS NTAPI giveValues(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT count,
+                          PHIDP_PREPARSED_DATA data) {
+  if (type == HidP_Feature && refused != Query{type, false}) {
+    return HidP_GetValueCaps(type, caps, count, data);
+  }
+  return answerTo({type, false});
+}
+
+TEST(HidCamera, IsSkippedWhenOneOfItsCapabilitiesCannotBeHad) {
+  const VirtualCameras video({"0870,unit=plain"});
+  const VirtualHid devices({"0870,firmware=wide"});
+  const ReplacedImport caps("HidP_GetCaps", &claimEveryKind),
+      buttons("HidP_GetButtonCaps", &giveButtons), values("HidP_GetValueCaps", &giveValues);
+  refused.reset();
+  openCamera(0);
+  for (const HIDP_REPORT_TYPE type : {HidP_Input, HidP_Output, HidP_Feature}) {
+    for (const bool button : {true, false}) {
+      refused = {type, button};
+      EXPECT_EQ(Init(), 0) << type << (button ? " buttons" : " values");
+    }
   }
 }
 

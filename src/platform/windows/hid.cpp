@@ -54,18 +54,38 @@ std::size_t itemsIn(const HIDP_VALUE_CAPS& value) {
   return static_cast<std::size_t>(value.Range.UsageMax - value.Range.UsageMin) + 1;
 }
 
+// The button or value capabilities of one kind of report, by `query`. Nothing when they cannot be
+// had; a device that has none of the kind is not asked.
+template <class Caps, class Query>
+std::optional<std::vector<Caps>> capsOf(Query query, HIDP_REPORT_TYPE type, USHORT count,
+                                        PHIDP_PREPARSED_DATA preparsed) {
+  std::vector<Caps> caps(count);
+  if (count != 0 && query(type, caps.data(), &count, preparsed) != HIDP_STATUS_SUCCESS) {
+    return std::nullopt;
+  }
+  caps.resize(count);
+  return caps;
+}
+
 std::optional<HidFeatures> featuresOf(PHIDP_PREPARSED_DATA preparsed) {
   HIDP_CAPS caps{};
   if (HidP_GetCaps(preparsed, &caps) != HIDP_STATUS_SUCCESS) return std::nullopt;
-  std::vector<HIDP_VALUE_CAPS> values(caps.NumberFeatureValueCaps);
-  USHORT count = caps.NumberFeatureValueCaps;
-  if (count != 0 &&
-      HidP_GetValueCaps(HidP_Feature, values.data(), &count, preparsed) != HIDP_STATUS_SUCCESS) {
-    return std::nullopt;
+  const struct {
+    HIDP_REPORT_TYPE type;
+    USHORT buttons, values;
+  } reports[] = {{HidP_Input, caps.NumberInputButtonCaps, caps.NumberInputValueCaps},
+                 {HidP_Output, caps.NumberOutputButtonCaps, caps.NumberOutputValueCaps},
+                 {HidP_Feature, caps.NumberFeatureButtonCaps, caps.NumberFeatureValueCaps}};
+  std::optional<std::vector<HIDP_VALUE_CAPS>> values;
+  for (const auto& report : reports) {
+    if (!capsOf<HIDP_BUTTON_CAPS>(HidP_GetButtonCaps, report.type, report.buttons, preparsed)) {
+      return std::nullopt;
+    }
+    values = capsOf<HIDP_VALUE_CAPS>(HidP_GetValueCaps, report.type, report.values, preparsed);
+    if (!values) return std::nullopt;
   }
-  values.resize(count);
   HidFeatures features{caps.NumberFeatureButtonCaps, {}};
-  for (const HIDP_VALUE_CAPS& value : values) {
+  for (const HIDP_VALUE_CAPS& value : *values) {  // those of the feature reports, asked last
     features.dataCount += itemsIn(value);
     features.valueReportIds.push_back(value.ReportID);
   }
