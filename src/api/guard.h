@@ -19,7 +19,8 @@ void guarded(Body body) noexcept {
   try {
     body();
   } catch (...) {
-    // Out of memory: nothing can be reported, and nothing was changed half.
+    // Out of memory: nothing can be reported. What was sent to the camera before stays sent; the
+    // library's own state is such that the next call works.
   }
 }
 

@@ -5,6 +5,7 @@
 #include "controls/device_selection.h"
 #include "controls/exposure.h"
 #include "controls/family_rows.h"
+#include "controls/measuring.h"
 #include "controls/sensor_registers.h"
 #include "etlib2/etLib2.h"
 #include "models/families.h"
@@ -227,35 +228,38 @@ constexpr FamilyRow<std::int32_t(int)> modeGetters[] = {
 }  // namespace
 
 void setAETarget(int deviceIndex, std::int32_t target) {
-  bWait = 0;
-  const int deviceNumber = nTmpIdx = deviceNumberOf(deviceIndex);
-  selectProductId(deviceIndex);
-  const auto* const row = rowFor(nPid, targetSetters);
-  if (row == nullptr) return;
-  row->run(deviceNumber, target);
-  bWait = row->measuringAfterwards;
+  whileMeasuringRests([=] {
+    const int deviceNumber = nTmpIdx = deviceNumberOf(deviceIndex);
+    selectProductId(deviceIndex);
+    const auto* const row = rowFor(nPid, targetSetters);
+    if (row == nullptr) return;
+    row->run(deviceNumber, target);
+    bWait = row->measuringAfterwards;
+  });
 }
 
 std::int32_t getAETarget(int deviceIndex) {
-  bWait = 0;
-  const int deviceNumber = nTmpIdx = deviceNumberOf(deviceIndex);
-  selectProductId(deviceIndex);
-  if (nPid == 0) nPid = nCurrPid;
-  if (nPid == 0) return targetWithoutProductId;
-  const auto* const row = rowFor(nPid, targetGetters);
-  if (row == nullptr) return targetOfOtherFamilies;
-  const std::int32_t target = row->run(deviceNumber);
-  bWait = 1;
-  return target;
+  return whileMeasuringRests([=]() -> std::int32_t {
+    const int deviceNumber = nTmpIdx = deviceNumberOf(deviceIndex);
+    selectProductId(deviceIndex);
+    if (nPid == 0) nPid = nCurrPid;
+    if (nPid == 0) return targetWithoutProductId;
+    const auto* const row = rowFor(nPid, targetGetters);
+    if (row == nullptr) return targetOfOtherFamilies;
+    const std::int32_t target = row->run(deviceNumber);
+    bWait = 1;
+    return target;
+  });
 }
 
 void setAutoExposure(int deviceIndex, std::int32_t mode) {
-  bWait = 0;
-  selectProductId(deviceIndex);
-  const auto* const row = rowFor(nPid, modeSwitches);
-  if (row == nullptr) return;
-  row->run(deviceNumberOf(deviceIndex), mode);
-  bWait = 1;
+  whileMeasuringRests([=] {
+    selectProductId(deviceIndex);
+    const auto* const row = rowFor(nPid, modeSwitches);
+    if (row == nullptr) return;
+    row->run(deviceNumberOf(deviceIndex), mode);
+    bWait = 1;
+  });
 }
 
 // Alone among these, it lets the magnification timer go on.

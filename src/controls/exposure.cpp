@@ -5,6 +5,7 @@
 
 #include "controls/device_selection.h"
 #include "controls/family_rows.h"
+#include "controls/measuring.h"
 #include "controls/sensor_registers.h"
 #include "etlib2/bytes.h"
 #include "etlib2/etLib2.h"
@@ -149,20 +150,22 @@ constexpr FamilyRow<std::int32_t(int)> getters[] = {
 }  // namespace
 
 void setExposureValue(int deviceIndex, std::int32_t value) {
-  bWait = 0;
-  const auto* const row = rowFor(productIdFor(deviceIndex), setters);
-  if (row == nullptr) return;
-  row->run(deviceNumberOf(deviceIndex), value);
-  bWait = 1;
+  whileMeasuringRests([=] {
+    const auto* const row = rowFor(productIdFor(deviceIndex), setters);
+    if (row == nullptr) return;
+    row->run(deviceNumberOf(deviceIndex), value);
+    bWait = 1;
+  });
 }
 
 std::int32_t getExposureValue(int deviceIndex) {
-  bWait = 0;
-  const auto* const row = rowFor(productIdFor(deviceIndex), getters);
-  if (row == nullptr) return 0;
-  const std::int32_t value = row->run(deviceNumberOf(deviceIndex));
-  bWait = 1;
-  return value;
+  return whileMeasuringRests([=]() -> std::int32_t {
+    const auto* const row = rowFor(productIdFor(deviceIndex), getters);
+    if (row == nullptr) return 0;
+    const std::int32_t value = row->run(deviceNumberOf(deviceIndex));
+    bWait = 1;
+    return value;
+  });
 }
 
 }  // namespace qvx

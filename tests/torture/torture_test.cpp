@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "state/device_state.h"
 #include "tests/torture/memory.h"
 #include "tests/torture/outcomes.h"
 #include "tests/torture/rig.h"
@@ -198,6 +199,7 @@ class Torture : public testing::TestWithParam<Path> {
     }
   }
 
+  // And leaves in `bWait` whether measuring goes on after a healthy call.
   std::uint64_t allocationsOf(const ExportedCall& call) {
     ReadyRig rig(path(), call);
     const MemoryFault none(0);
@@ -239,6 +241,7 @@ TEST_P(Torture, MemoryRunsOut) {
   constexpr std::uint64_t mostPoints = 150;
   forEveryCall([&](const ExportedCall& call, const Healthy& healthy, const Outcomes&) {
     const std::uint64_t allocations = allocationsOf(call);
+    const bool measuringGoesOn = bWait == 1;
     for (std::uint64_t n = 1; n <= allocations && !HasFailure();
          n += 1 + allocations / mostPoints) {
       SCOPED_TRACE(std::string(call.name) + ", allocation " + std::to_string(n));
@@ -251,6 +254,7 @@ TEST_P(Torture, MemoryRunsOut) {
         // The test's own: none leaves an export, which would end the program.
       }
       rig.machine().clock.waitForOthers();
+      EXPECT_TRUE(bWait == 1 || !measuringGoesOn) << "measuring rests for ever";
       Traffic traffic;
       EXPECT_EQ(rig.callNoting(call, traffic), healthy.second);
     }
