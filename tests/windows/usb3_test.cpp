@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/windows/fixtures/library_copy.h"
 #include "tests/windows/fixtures/virtual_cameras.h"
 #include "tests/windows/support.h"
 
@@ -36,6 +37,16 @@ TEST(Usb3Camera, IsFoundOpenedMeasuredAndDriven) {
   EXPECT_EQ(GetAETarget(0), 208) << "the brightest that the sensor takes";
   SetExposureValue(0, 100);
   expectTransferred("21 01 0300 0300 4: 78 35 01 06\n21 01 0300 0300 4: 78 35 02 40\n");
+}
+
+TEST(LibusbK, OfTheApplicationComesBeforeThatOfTheLibrary) {
+  constexpr wchar_t name[] = L"libusbK.dll";
+  const LibraryCopy copy(L"qvx-beside");
+  copy.put(applicationFolder() / name, name);
+  copy.function<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(-1);
+  copy.function<decltype(Init)>("Init")();
+  EXPECT_TRUE(isLoaded(applicationFolder() / name));
+  EXPECT_FALSE(isLoaded(copy.pathOf(name)));
 }
 
 }  // namespace

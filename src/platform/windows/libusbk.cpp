@@ -5,6 +5,8 @@
 #include <array>
 #include <string>
 
+#include "platform/windows/module.h"
+
 namespace qvx::platform {
 
 namespace {
@@ -24,11 +26,11 @@ struct EntryPoints {
 EntryPoints library;
 bool loaded = false;
 
-std::wstring applicationFolder() {
-  std::array<wchar_t, 32768> path{};
-  const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-  const std::wstring full(path.data(), length);
-  return full.substr(0, full.find_last_of(L'\\') + 1);
+// Where a module lies; null is the application.
+std::wstring folderOf(HMODULE module) {
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+  return path.substr(0, path.find_last_of(L'\\') + 1);
 }
 
 std::wstring systemFolder() {
@@ -37,9 +39,10 @@ std::wstring systemFolder() {
   return std::wstring(path.data(), length) + L'\\';
 }
 
-// By full path only: a libusbK.dll in the current folder must not be picked up.
+// By full path only: a libusbK.dll in the current folder must not be picked up. Hosts such as
+// Python keep our DLL and it in a folder of their own.
 HMODULE loadLibrary() {
-  for (const std::wstring& folder : {applicationFolder(), systemFolder()}) {
+  for (const std::wstring& folder : {folderOf(nullptr), folderOf(ownModule()), systemFolder()}) {
     const std::wstring path = folder + L"libusbK.dll";
     const HMODULE module = LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (module != nullptr) return module;
