@@ -51,12 +51,11 @@ constexpr Kept picture(const char* name) {
   return {name, handles, leastBytes, mostBytes};
 }
 
-constexpr int timerBytes = 8, deviceListBytes = 16;
+constexpr int deviceListBytes = 16;
 
 constexpr Kept keptOverWifi[] = {
     overWifi("Init", 36),
     overWifi("GetConfig", 2),
-    {"SetEventCallback", 0, timerBytes, timerBytes},
     overWifi("SetLensInitPos", 2),
     overWifi("SetLensPos", 5),
     overWifi("SetLensFinePos", 5),
@@ -83,8 +82,7 @@ constexpr Kept keptOverWifi[] = {
 };
 
 constexpr Kept keptOverUsb[] = {
-    {"Init", 0, 0, timerBytes + deviceListBytes},
-    {"SetEventCallback", 0, timerBytes, timerBytes},
+    {"Init", 0, 0, deviceListBytes},
     picture("SetVideoProcAmp"),
     picture("GetVideoProcAmp"),
     picture("GetVideoProcAmpValueRange"),

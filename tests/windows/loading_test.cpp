@@ -1,4 +1,4 @@
-// The DLL by itself: loading and unloading it, and a machine without any camera.
+// The DLL by itself: a machine without any camera, and where it looks for the driver's library.
 #include <climits>
 #include "tests/windows/fixtures/library_copy.h"
 #include "tests/windows/support.h"
@@ -18,32 +18,6 @@ TEST(NoCamera, InitFailsAndTheLibraryStaysUsable) {
     EXPECT_EQ(GetMAG(index), 0.0);
     EXPECT_NEAR(FOVx(index, 2.0), 176000.0, 1e-6);
   }
-}
-
-// The import library holds one reference: this is the state of a copy that nobody else uses.
-TEST(Copy, StartsAfreshAtEveryLoadAndLeavesNoTimerBehind) {
-  wchar_t original[MAX_PATH];
-  GetModuleFileNameW(GetModuleHandleW(L"QVX64.dll"), original, MAX_PATH);
-  ASSERT_TRUE(CopyFileW(original, L"QVX64_copy.dll", FALSE));
-  for (int i = 0; i < 50; ++i) {
-    const HMODULE copy = LoadLibraryW(L"QVX64_copy.dll");
-    ASSERT_NE(copy, nullptr);
-    const auto function = [copy](const char* name) {
-      return reinterpret_cast<void (*)()>(GetProcAddress(copy, name));
-    };
-    EXPECT_EQ(reinterpret_cast<int (*)()>(function("GetVideoDeviceIndex"))(), 0);
-    reinterpret_cast<void (*)(int)>(function("SetVideoDeviceIndex"))(90);
-    reinterpret_cast<void (*)(void (*)())>(function("SetEventCallback"))(nullptr);
-    reinterpret_cast<int (*)(int)>(function("EnablePressKey"))(1);
-    if (i == 0) pumpMessages(300);
-    FreeLibrary(copy);
-    EXPECT_EQ(GetModuleHandleW(L"QVX64_copy.dll"), nullptr) << "nothing keeps it";
-  }
-  // A call into what is no longer there would go unnoticed: the system catches its fault.
-  Sleep(600);
-  MSG message;
-  EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE));
-  DeleteFileW(L"QVX64_copy.dll");
 }
 
 // The stand-in lies in a folder that is neither the application's nor the library's.

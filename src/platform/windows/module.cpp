@@ -1,7 +1,5 @@
 #include "platform/windows/module.h"
 
-#include "platform/windows/timers.h"
-
 namespace qvx::platform {
 
 namespace {
@@ -19,15 +17,12 @@ HMODULE ownModule() {
   return moduleOfThisCode(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT);
 }
 
-HMODULE holdOwnModule() {
-  return moduleOfThisCode(0);
-}
-
 }  // namespace qvx::platform
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID processEnds) {
-  // A timer that outlived the library would call into unloaded code. When the whole process ends,
-  // its timers end with it.
-  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) qvx::platform::stopThreadTimers();
-  return TRUE;
+// Once loaded, the library stays until the process ends, whoever frees it. Its timers can be
+// stopped on their own thread alone, a late worker may be in its code at any time, and the C++
+// runtime inside leaves memory and a thread-local slot behind at every load.
+extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID /*processEnds*/) {
+  if (reason != DLL_PROCESS_ATTACH) return TRUE;
+  return qvx::platform::moduleOfThisCode(GET_MODULE_HANDLE_EX_FLAG_PIN) != nullptr;
 }

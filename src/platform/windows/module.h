@@ -7,7 +7,4 @@ namespace qvx::platform {
 
 HMODULE ownModule();
 
-// The same with one more reference, so that it stays loaded. Null on failure.
-HMODULE holdOwnModule();
-
 }  // namespace qvx::platform

@@ -6,25 +6,15 @@
 #include <memory>
 #include <utility>
 
-#include "platform/windows/module.h"
-
 namespace qvx::platform {
 
 namespace {
 
-// What a worker owns. It keeps the library loaded while it runs: a late worker may outlast the
-// application's interest.
-struct Job {
-  std::function<std::uint32_t()> task;
-  HMODULE module;
-};
+using Task = std::function<std::uint32_t()>;
 
 unsigned __stdcall run(void* argument) {
-  std::unique_ptr<Job> job(static_cast<Job*>(argument));
-  const HMODULE module = job->module;
-  const DWORD result = job->task();
-  job.reset();
-  FreeLibraryAndExitThread(module, result);
+  const std::unique_ptr<Task> task(static_cast<Task*>(argument));
+  return (*task)();
 }
 
 class SystemMutex final : public NamedMutex {
@@ -48,15 +38,11 @@ class SystemMutex final : public NamedMutex {
 
 std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
                                          std::uint32_t limit_ms) {
-  auto job = std::make_unique<Job>(Job{std::move(task), holdOwnModule()});
-  if (job->module == nullptr) return std::nullopt;
+  auto own = std::make_unique<Task>(std::move(task));
   const auto thread =
-      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, job.get(), 0, nullptr));
-  if (thread == nullptr) {
-    FreeLibrary(job->module);
-    return std::nullopt;
-  }
-  job.release();  // the worker's now
+      reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, own.get(), 0, nullptr));
+  if (thread == nullptr) return std::nullopt;
+  own.release();  // the worker's now
   std::optional<std::uint32_t> result;
   DWORD exitCode = 0;
   if (WaitForSingleObject(thread, limit_ms) == WAIT_OBJECT_0 &&

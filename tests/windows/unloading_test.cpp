@@ -1,0 +1,127 @@
+// How the DLL leaves: it stays loaded whoever frees it, and nothing of an open camera runs when the
+// process ends. The program is not linked with the DLL, and ends in other processes of itself.
+#include <windows.h>
+// The system's other headers follow windows.h.
+#include <objbase.h>
+#include <wininet.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/windows/fixtures/imports.h"
+#include "tests/windows/fixtures/resources.h"
+#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/support.h"
+
+namespace qvx::tests {
+namespace {
+
+constexpr wchar_t name[] = L"QVX64.dll";
+
+template <class Export>
+Export* exported(const char* function) {
+  return reinterpret_cast<Export*>(
+      reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(name), function)));
+}
+
+int freeThreadLocalSlots() {
+  std::vector<DWORD> slots;
+  for (DWORD slot; (slot = TlsAlloc()) != TLS_OUT_OF_INDEXES;) slots.push_back(slot);
+  for (const DWORD slot : slots) TlsFree(slot);
+  return static_cast<int>(slots.size());
+}
+
+TEST(Unloading, TenThousandLoadsLeaveNothing) {
+  const auto loadAndFree = [] { return FreeLibrary(LoadLibraryW(name)); };
+  ASSERT_TRUE(loadAndFree());
+  const int slots = freeThreadLocalSlots();
+  const Resources before = resources();
+  for (int i = 0; i < 10000; ++i) ASSERT_TRUE(loadAndFree()) << i;
+  const Resources left = resources() - before;
+  EXPECT_EQ(left.handles, 0);
+  EXPECT_EQ(left.threads, 0);
+  EXPECT_LE(left.heapBytes, 512);
+  EXPECT_EQ(freeThreadLocalSlots(), slots);
+}
+
+int polls = 0;
+HINTERNET WINAPI countPoll(LPCWSTR, DWORD, LPCWSTR, LPCWSTR, DWORD) {
+  ++polls;
+  return nullptr;
+}
+
+// A call into what is no longer there would go unnoticed: the system catches its fault.
+TEST(Unloading, OnAnotherThreadLeavesTimersThatRun) {
+  const HMODULE library = LoadLibraryW(name);
+  exported<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(90);
+  exported<decltype(SetEventCallback)>("SetEventCallback")(nullptr);
+  exported<decltype(EnablePressKey)>("EnablePressKey")(1);
+  std::jthread([library] { FreeLibrary(library); }).join();
+  const ReplacedImport request("InternetOpenW", &countPoll);
+  pumpMessages(600);
+  EXPECT_GE(polls, 1);
+  exported<decltype(EnablePressKey)>("EnablePressKey")(0);
+}
+
+enum Ending : unsigned { freed = 1, withoutCom = 2 };
+enum ExitCode : DWORD { clean = 0, noCamera = 10, camerasReleased = 11 };
+
+BOOL WINAPI tellOfRelease(HANDLE) {
+  TerminateProcess(GetCurrentProcess(), camerasReleased);
+  return TRUE;
+}
+
+// The process of its own. What opened the cameras has a handle: whoever destroys it closes that.
+int openABridgeAndEnd(unsigned ending) {
+  const HMODULE library = LoadLibraryW(name);
+  exported<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(0);
+  if (exported<decltype(Init)>("Init")() != 1) return noCamera;
+  static auto& untilTheEnd = *new ReplacedImport("CloseHandle", &tellOfRelease);
+  static_cast<void>(untilTheEnd);
+  if ((ending & freed) != 0) FreeLibrary(library);
+  APTTYPE type;
+  APTTYPEQUALIFIER qualifier;
+  while ((ending & withoutCom) != 0 && SUCCEEDED(CoGetApartmentType(&type, &qualifier))) {
+    CoUninitialize();
+  }
+  return clean;
+}
+
+DWORD exitCodeOfProcess(unsigned ending) {
+  wchar_t program[MAX_PATH];
+  GetModuleFileNameW(nullptr, program, MAX_PATH);
+  std::wstring line = L"\"" + std::wstring(program) + L"\" --end " + std::to_wstring(ending);
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  DWORD code = ~0u;
+  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                      &process)) {
+    return code;
+  }
+  WaitForSingleObject(process.hProcess, INFINITE);
+  GetExitCodeProcess(process.hProcess, &code);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return code;
+}
+
+TEST(Unloading, LeavesAnOpenBridgeAlone) {
+  const VirtualCameras cameras({"0870"});
+  for (unsigned i = 0; i < 50; ++i) {
+    const unsigned ending = i % ((freed | withoutCom) + 1);
+    ASSERT_EQ(exitCodeOfProcess(ending), clean) << "ending " << ending << ", process " << i;
+  }
+}
+
+}  // namespace
+}  // namespace qvx::tests
+
+int main(int argc, char** argv) {
+  if (argc == 3 && std::string(argv[1]) == "--end") {
+    return qvx::tests::openABridgeAndEnd(static_cast<unsigned>(std::stoul(argv[2])));
+  }
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
