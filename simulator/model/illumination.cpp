@@ -12,24 +12,10 @@ namespace {
 namespace reg = controller_register;
 
 constexpr std::uint8_t quadrantKind = 4;
-constexpr std::uint8_t finest = 31;   // the full level of what can be dimmed in 31 steps
-constexpr std::uint8_t coarsest = 6;  // and in 6
 constexpr std::uint8_t everyQuadrantByItself = 49;
 
-enum Switch : std::uint8_t {
-  everySegment = 15,
-  noSegment = 16,
-  axialOn = 24,
-  axialOff = 32,
-  aimOn = 40,
-  aimOff = 48,
-};
-
-// Where the lights stand in the level register; that of the aim counts backwards.
-enum FirstLevel : std::uint8_t { plainAxial = 7, switchedAxial = 32, brightestAim = 70 };
-
 bool isWithin(std::uint8_t value, std::uint8_t first) {
-  return value >= first && value <= first + coarsest;
+  return value >= first && value <= first + coarsestLight;
 }
 
 double part(int steps, std::uint8_t full) {
@@ -48,8 +34,9 @@ Illumination::Illumination(std::uint16_t productId)
 void Illumination::take(std::uint8_t target, std::uint8_t value) {
   if (target == reg::lightSwitch) takeSwitch(value);
   if (target == reg::lightLevel) takeLevel(value);
-  if (target < reg::quadrant1Level || target > reg::quadrant4Level || value > finest) return;
-  quadrantLevels_[static_cast<std::size_t>(target - reg::quadrant1Level)] = part(value, finest);
+  if (target < reg::quadrant1Level || target > reg::quadrant4Level || value > finestLight) return;
+  quadrantLevels_[static_cast<std::size_t>(target - reg::quadrant1Level)] =
+      part(value, finestLight);
 }
 
 void Illumination::takeSwitch(std::uint8_t value) {
@@ -60,17 +47,16 @@ void Illumination::takeSwitch(std::uint8_t value) {
 }
 
 void Illumination::takeLevel(std::uint8_t value) {
-  const std::uint8_t fullRing = hasQuadrants_ ? finest : coarsest;
   if (value == everyQuadrantByItself) {
     ringLevel_ = 1;
   } else if (!hasAxialSwitch_ && isWithin(value, plainAxial)) {
-    axialLevel_ = part(value - plainAxial, coarsest);
+    axialLevel_ = part(value - plainAxial, coarsestLight);
   } else if (hasAxialSwitch_ && isWithin(value, switchedAxial)) {
-    axialLevel_ = part(value - switchedAxial, coarsest);
+    axialLevel_ = part(value - switchedAxial, coarsestLight);
   } else if (isWithin(value, brightestAim)) {
-    aimLevel_ = part(brightestAim + coarsest - value, coarsest);
-  } else if (value <= fullRing) {
-    ringLevel_ = part(value, fullRing);
+    aimLevel_ = part(brightestAim + coarsestLight - value, coarsestLight);
+  } else if (value <= fullRing()) {
+    ringLevel_ = part(value, fullRing());
   }
 }
 

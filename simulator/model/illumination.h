@@ -7,6 +7,21 @@
 
 namespace qvx::simulator {
 
+// Lights are dimmed in 31 steps, or in 6.
+constexpr std::uint8_t finestLight = 31, coarsestLight = 6;
+
+enum LightSwitch : std::uint8_t {
+  everySegment = 15,
+  noSegment = 16,
+  axialOn = 24,
+  axialOff = 32,
+  aimOn = 40,
+  aimOff = 48,
+};
+
+// Where the lights stand in the level register; that of the aim counts backwards.
+constexpr std::uint8_t plainAxial = 7, switchedAxial = 32, brightestAim = 70;
+
 class Illumination {
  public:
   explicit Illumination(std::uint16_t productId);
@@ -15,6 +30,11 @@ class Illumination {
   // nothing.
   void take(std::uint8_t reg, std::uint8_t value);
 
+  bool hasQuadrants() const { return hasQuadrants_; }      // that can be dimmed one by one
+  bool hasAxialSwitch() const { return hasAxialSwitch_; }  // and levels of its own for that light
+  std::uint8_t fullRing() const { return hasQuadrants_ ? finestLight : coarsestLight; }
+
+  double ringLevel() const { return ringLevel_; }      // of the segments that are lit, from 0 to 1
   std::uint8_t segments() const { return segments_; }  // a bit for each that is lit
 
   // From 0 (dark) to 1; the four quadrants of the ring are full when the ring is at 1.

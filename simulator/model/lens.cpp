@@ -6,8 +6,6 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr double coilStepsPerUnit = 21;
-
 // The lens controller knows its one position under these registers, and without any.
 constexpr std::uint8_t positionRegisters[] = {0x00, 0x40, 0x50};
 

@@ -14,6 +14,8 @@ namespace qvx::simulator {
 
 enum : std::uint8_t { voiceCoilAddress = 0x18, lensControllerAddress = 0x46 };  // 8-bit write form
 
+constexpr double coilStepsPerUnit = 21;
+
 class FocusLens {
  public:
   FocusLens(std::uint16_t productId, const Controller& controller, Violations& violations);

@@ -1,4 +1,4 @@
-// The page on which a person sees the cameras and turns them.
+// The page on which a person sees the cameras and turns them: its file, its events, its changes.
 #pragma once
 
 #include <httplib.h>

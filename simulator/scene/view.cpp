@@ -4,57 +4,11 @@
 #include <cmath>
 #include <numbers>
 
+#include "simulator/model/exposure.h"
+
 namespace qvx::simulator {
 
 namespace {
-
-// A register of several bytes, the highest first.
-double wide(const Sensor& sensor, std::initializer_list<std::uint16_t> registers) {
-  std::uint32_t value = 0;
-  for (const std::uint16_t reg : registers) value = value << 8 | sensor.at(reg);
-  return value;
-}
-
-double linesOf78(const Sensor& sensor) {
-  return wide(sensor, {0x3500, 0x3501, 0x3502}) / 16;
-}
-double linesOf48(const Sensor& sensor) {
-  return wide(sensor, {0x0015, 0x0016});
-}
-double linesOf42(const Sensor& sensor) {
-  return wide(sensor, {0x08, 0x10}) + wide(sensor, {0x2E, 0x2D});
-}
-double linesOf34(const Sensor& sensor) {
-  return wide(sensor, {0x0340, 0x0341}) - wide(sensor, {0x0202, 0x0203});
-}
-
-bool automatic78(const Sensor& sensor) {
-  return (sensor.at(0x3503) & 1) == 0;
-}
-bool automatic48(const Sensor& sensor) {
-  return (sensor.at(0x0380) & 1) != 0;
-}
-bool automatic42(const Sensor& sensor) {
-  return (sensor.at(0x13) & 1) != 0;
-}
-bool never(const Sensor& /*sensor*/) {
-  return false;
-}
-
-// How each kind of sensor is exposed. The usual lines and the usual target give the right exposure.
-constexpr struct {
-  std::uint8_t slave;
-  double (*lines)(const Sensor&);
-  double usualLines;
-  bool (*isAutomatic)(const Sensor&);
-  std::uint16_t targetRegister;
-  double usualTarget;
-} sensors[] = {
-    {0x78, linesOf78, 500, automatic78, 0x3A1E, 0x38},
-    {0x48, linesOf48, 480, automatic48, 0x038E, 0x40},
-    {0x42, linesOf42, 312, automatic42, 0x25, 0x48},
-    {0x34, linesOf34, 500, never, 0, 1},
-};
 
 // What falls on the object: of the room's light, and of the camera's own.
 double lightOf(const Camera& camera) {
@@ -64,13 +18,11 @@ double lightOf(const Camera& camera) {
 
 double exposureOf(const Camera& camera) {
   constexpr double mostGain = 8;  // that automatic exposure has
-  const SensorKind* const kind = sensorFor(camera.productId());
-  if (kind == nullptr) return lightOf(camera);
-  const auto* const row =
-      std::ranges::find(sensors, kind->slave, [](const auto& s) { return s.slave; });
+  const SensorExposure* const how = exposureFor(camera.productId());
   const Sensor& sensor = camera.sensor();
-  if (!row->isAutomatic(sensor)) return lightOf(camera) * row->lines(sensor) / row->usualLines;
-  return std::min(sensor.at(row->targetRegister) / row->usualTarget, lightOf(camera) * mostGain);
+  if (how == nullptr) return lightOf(camera);
+  if (!how->isAutomatic(sensor)) return lightOf(camera) * how->lines(sensor) / how->usualLines;
+  return std::min(sensor.at(how->targetRegister) / how->usualTarget, lightOf(camera) * mostGain);
 }
 
 // What the optics show at x1, in units of 0.55 mm: the sensor's width.
