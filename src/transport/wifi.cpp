@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "platform/timers.h"
+#include "transport/wifi_address.h"
 
 namespace qvx {
 
@@ -95,7 +96,8 @@ std::wstring widen(const std::string& text) {
 }
 
 platform::InternetHandle openCameraUrl(platform::InternetHandle session, const std::string& url) {
-  return url.starts_with("http://") ? platform::openUrl(session, widen(url)) : nullptr;
+  const bool isKnown = !wifiBase || !wifiBase->empty();
+  return isKnown ? platform::openUrl(session, widen(url)) : nullptr;
 }
 
 std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms) {

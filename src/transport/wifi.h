@@ -46,8 +46,8 @@ int loadUrlwWininet(std::string url);
 // Each byte becomes one wide character.
 std::wstring widen(const std::string& text);
 
-// Opens a URL on the camera. Null when it could not be reached, and for a URL without a base: where
-// the camera's address is not known, nothing is sent.
+// Opens a URL on the camera. Null when it could not be reached; when the environment names
+// something that is no address, nothing is asked of the system at all.
 platform::InternetHandle openCameraUrl(platform::InternetHandle session, const std::string& url);
 
 // One GET and one read. Returns what the read gave, nothing when no byte came. After a success the
