@@ -237,7 +237,7 @@ void sendStream(PluggedCamera& camera, Response& response) {
 }  // namespace
 
 bool isForPage(const Request& request) {
-  return request.path == "/" || request.path.starts_with("/cameras/");
+  return request.target == "/" || request.path.starts_with("/cameras/");
 }
 
 void addPageRoutes(httplib::Server& server, Desk& desk) {
