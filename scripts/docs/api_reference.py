@@ -2,8 +2,9 @@
 """Writes docs/api.md from the comments of include/qvx64/api.h: api_reference.py [--check]
 
 With --check, writes nothing and fails when the document is not what the header says. Either way
-every function must say all that a caller needs: each parameter, what it returns, what failure looks
-like, the thread and the worst case.
+every function must say all that a caller needs: each parameter, what it returns and what failure
+looks like then, and the worst case. The thread, and the failure of a function that returns nothing,
+stand in the header's opening and are told only where there is more to say.
 """
 
 import pathlib
@@ -33,16 +34,28 @@ class Function:
         if inside == "void":
             self.parameters = []
         self.returns = not self.declaration.startswith("void ")
-        self.text, self.labels = split_labels(comment, self.wanted())
+        self.text, self.labels = split_labels(comment, self.possible())
+
+    def possible(self):
+        return self.parameters + ["Result"] * self.returns + ["Failure", "Thread", "Worst case"]
 
     def wanted(self):
-        return self.parameters + ["Result"] * self.returns + ["Failure", "Thread", "Worst case"]
+        defaults = {"Thread"} if self.returns else {"Thread", "Failure"}
+        return [label for label in self.possible()
+                if label in self.labels or label not in defaults]
 
     def faults(self):
         if list(self.labels) != self.wanted():
             yield f"{self.name}: says {list(self.labels)} instead of {self.wanted()}"
         elif not WORST_CASE.fullmatch(self.labels["Worst case"]):
             yield f'{self.name}: worst case "{self.labels["Worst case"]}"'
+
+
+class Constants:
+    def __init__(self, comment, body):
+        self.text = lines_of(comment)
+        line = r"(\w+) = (-?\w+),?(?: */\* (.*?) \*/)?"
+        self.rows = re.findall(line, body)
 
 
 def lines_of(comment):
@@ -64,21 +77,25 @@ def split_labels(comment, wanted):
 
 
 def read_header(text):
-    """The opening comment, and (title, functions) of each group."""
+    """The opening comment, and (title, constants, functions) of each group."""
     opening = re.match(r"/\* (.*?)\*/", text, re.DOTALL).group(1)
-    heading, function = r"/\* ==== (.*?) ==== \*/", r"/\* ((?:(?!\*/).)*?)\*/\nQVX64_API ([^;]*;)"
+    comment = r"/\* ((?:(?!\*/).)*?)\*/\n"
+    patterns = [r"/\* ==== (.*?) ==== \*/", comment + r"enum {(.*?)};",
+                comment + "QVX64_API ([^;]*;)"]
     groups = []
-    for title, comment, declaration in re.findall(f"{heading}|{function}", text, re.DOTALL):
+    for title, meaning, body, said, declaration in re.findall("|".join(patterns), text, re.DOTALL):
         if title:
-            groups.append((title, []))
+            groups.append((title, [], []))
+        elif body:
+            groups[-1][1].append(Constants(meaning, body))
         else:
-            groups[-1][1].append(Function(comment, declaration))
+            groups[-1][2].append(Function(said, declaration))
     return opening, groups
 
 
 def marked(text):
-    """The names of functions as code."""
-    names = r"(?:Get|Set)[A-Z]\w+|FOVx|Init|FireEvent|EnablePressKey"
+    """The names of functions and constants as code."""
+    names = r"(?:Get|Set)[A-Z]\w+|FOVx|Init|FireEvent|EnablePressKey|QVX_\w+\w"
     return re.sub(rf"(?<![\w`])({names})(?![\w`])(\(1\))?", r"`\1\2`", text)
 
 
@@ -108,11 +125,17 @@ def anchor(title):
 
 def overview(groups):
     yield "| Function | Worst case |\n|---|---|\n"
-    for title, functions in groups:
+    for title, _, functions in groups:
         yield f"| **[{title}](#{anchor(title)})** | |\n"
         for function in functions:
             time = WORST_CASE.fullmatch(function.labels["Worst case"]).group(1)
             yield f"| [`{function.name}`](#{anchor(function.name)}) | {time} |\n"
+
+
+def table(constants):
+    yield f"\n{paragraphs(constants.text)}\n| Constant | Value | |\n|---|---|---|\n"
+    for name, value, meaning in constants.rows:
+        yield f"| `{name}` | {value} | {marked(meaning)} |\n".replace("|  |", "| |")
 
 
 def section(function):
@@ -126,15 +149,17 @@ def section(function):
 def document(opening, groups):
     yield INTRODUCTION + "\n" + opening_text(opening) + "\n"
     yield from overview(groups)
-    for title, functions in groups:
+    for title, constants, functions in groups:
         yield f"\n## {title}\n"
+        for group in constants:
+            yield from table(group)
         for function in functions:
             yield from section(function)
 
 
 def main():
     opening, groups = read_header(HEADER.read_text())
-    faults = [fault for _, functions in groups for f in functions for fault in f.faults()]
+    faults = [fault for _, _, functions in groups for f in functions for fault in f.faults()]
     text = "".join(document(opening, groups)) if not faults else ""
     if not faults and sys.argv[1:] != ["--check"]:
         DOCUMENT.write_text(text)

@@ -52,7 +52,9 @@ const std::string opened = "cmd1E:00000101 cmd1E:0000000180 cmd1E:00000201FF ";
 const Table bridgeTables[] = {
     {"SetExposureValue",
      {{{0x960}, 100, "b w78.350C=00 b w78.350D=60 b w78.3500=00 b w78.3501=06 b w78.3502=40"},
-      {{0x92F}, 65535, "b w78.350C=00 b w78.350D=0F b w78.3500=0F b w78.3501=FF b w78.3502=F0"},
+      {{0x92F},
+       QVX_EXPOSURE_MAX,
+       "b w78.350C=00 b w78.350D=0F b w78.3500=0F b w78.3501=FF b w78.3502=F0"},
       {{0x962}, 4096, "b w78.350C=10 b w78.350D=10 b w78.3500=01 b w78.3501=00 b w78.3502=00"},
       {{0x970}, -1, "b w78.350C=00 b w78.350D=40 b w78.3500=00 b w78.3501=00 b w78.3502=F0"},
       {{0x870}, 1000, "b w48.0015=03 b w48.0016=E8"},
@@ -120,9 +122,9 @@ const Table bridgeTables[] = {
       {{0x9D0}, 0, ask + ask + "p50 b r42.13f", "0", 9, 0xFE},
       {{0x930}, 0, "b r62.80f b r62.80f", "0", 9}}},
     {"SetFlicker",
-     {{{0x970}, 0, "b w78.3C01=34", "", 9},
-      {{0x970}, 1, "b w78.3C01=B4 b w78.3C00=00", "", 9},
-      {{0x970}, 2, "b w78.3C01=B4 b w78.3C00=04", "", 9},
+     {{{0x970}, QVX_FLICKER_DETECT, "b w78.3C01=34", "", 9},
+      {{0x970}, QVX_FLICKER_60_HZ, "b w78.3C01=B4 b w78.3C00=00", "", 9},
+      {{0x970}, QVX_FLICKER_50_HZ, "b w78.3C01=B4 b w78.3C00=04", "", 9},
       {{0x970}, 3, "", "", 9},
       {{0x871}, 1, "b r48.0120 b w48.0120=F1", "", 9, 0xF0},
       {{0x871}, 2, "b r48.0120 b w48.0120=F0", "", 9, 0xF1},
@@ -211,16 +213,19 @@ int expectedFor(const char* oneLess, int argument) {
 }
 
 TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
+  std::map<qvx_long, int> timesOff;
   plug(0x9E0);
   for (int value = 0; value <= 1125; ++value) {
     SetExposureValue(0, value);
     if (value < 1125) {
       ASSERT_EQ(at(0x0202) * 256 + at(0x0203), expectedFor(shutterOneLess, value)) << value;
+      ++timesOff[GetExposureValue(0) - value];
     }
     camera().sensor().set(0x0202, static_cast<std::uint8_t>(value / 256));
     camera().sensor().set(0x0203, static_cast<std::uint8_t>(value % 256));
     ASSERT_EQ(GetExposureValue(0), expectedFor(exposureOneLess, value)) << value;
   }
+  EXPECT_EQ(timesOff, (std::map<qvx_long, int>{{-1, 88}, {0, 649}, {1, 388}})) << "as noted";
   SetExposureValue(0, 1126);
   EXPECT_EQ(GetExposureValue(0), 1126) << "a longer frame is the exposure";
 }

@@ -55,7 +55,7 @@ const Row bridgeRows[] = {
     {0x9E0, {{0x5F, 12}}, fine, INT_MAX, readingFine + "w62.08=01f p50 w18.3F=F1f"},
     {0x9E0, {{0x5F, 12}}, fine, INT_MIN, readingFine + "w62.08=02f p50 w18.3E=71f"},
     {0x990, {}, fine, 5, readingFine + "w46=00f"},
-    {0x988, {}, limits, 0, "b r62.CAf b r62.C2f b r62.40f w46=6Ef"},
+    {0x988, {{0xCA, 2}}, limits, 0, "b r62.CAf b r62.C2f b r62.40f w46=6Ef"},
     {0x9E0, {}, limits, 0, "b r62.CAf b r62.C2f b r62.50f"},
     {0x990, {}, limits, 0, "b r62.CAf b r62.C2f b r62.50f w46=76f"},
     {0x970, {}, limits, 0, "b r62.CAf b r62.C2f"},
@@ -75,6 +75,7 @@ const Row usb3Rows[] = {
     {0x9B0, {{0x5F, 12}}, fine, -25, readingUsb3 + "r62.5F r62.5E w62.08=02 p50 w18.00=11"},
     {0x9B0, {{0xCA, 1}}, fine, -25, readingUsb3 + "r62.5F r62.5E w46=00"},
     {0x9B0, {}, limits, 0, "r62.CA r62.C2 r62.50"},
+    {0x9B0, {{0xCA, 1}}, limits, 0, "r62.CA r62.C2 r62.50"},
     {0x9B0, {}, fineLimits, 0, "r62.CA r62.C2 r62.50 r62.5E r62.5F"},
 };
 

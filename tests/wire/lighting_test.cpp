@@ -7,6 +7,7 @@
 
 #include "qvx64/api.h"
 #include "tests/support/cameras.h"
+#include "tests/support/wifi_registers.h"
 
 namespace qvx::tests {
 namespace {
@@ -25,7 +26,10 @@ struct Sent {
 };
 
 // Levels as they come, product ids of every row and both ends of its range.
-const Sent laterCommands[] = {{0x960, SetSEGSwitch, 15, "4=15 p"},
+const Sent laterCommands[] = {{0x960, SetSEGSwitch, QVX_RING_ON, "4=15 p"},
+                              {0x970, SetSEGSwitch, QVX_SEGMENT_3 | QVX_SEGMENT_4, "4=12 p"},
+                              {0x9C0, SetSEGSwitch, QVX_AXIAL_OFF, "4=32 p"},
+                              {0x9E0, SetSEGSwitch, QVX_AIM_OFF, "4=48 p"},
                               {0x960, SetSEGSwitch, 0x10F, "4=15 p"},
                               {0x960, SetSEGLevel, 5, "p 3=5 p"},
                               {0x960, SetSEGLevel, -1, "p 3=255 p"},
@@ -173,6 +177,12 @@ TEST_F(Lighting, QuadrantsOverWifi) {
   EXPECT_EQ(traffic(Reads::shown), "131? 20? 20=30 p 20=9 p");
   SetESEG(-1, 3, 12);
   EXPECT_EQ(traffic(), "") << "the kind is not read under this index";
+  WifiRegisters wifi;
+  plugUsb3(0x9B0);
+  machine().wifi = wifi.server();
+  set(0x83, 4);
+  SetESEG(-1, 0, 12);
+  EXPECT_EQ(traffic(Reads::shown), "131? 3=12 p") << "but of a USB 3 camera it is";
 }
 
 // On Wi-Fi the whole number goes out, not its low byte.
