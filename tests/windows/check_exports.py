@@ -14,7 +14,7 @@ SYSTEM_DLLS = {
     "hid.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll",
     "user32.dll", "wininet.dll",
 }
-FILE_DESCRIPTION = "QVX32 Dynamic Link Library"
+DESCRIPTION = "QVX32 Dynamic Link Library"
 SIMULATED_CAMERA = "127.0.0.1"
 
 
@@ -81,7 +81,7 @@ def check_imports(dll, options):
 
 def check_version(dll, options):
     expected = {
-        "FileDescription": FILE_DESCRIPTION, "FileVersion": options.version,
+        "FileDescription": options.description, "FileVersion": options.version,
         "ProductVersion": options.version, "OriginalFilename": options.dll.name,
     }
     for number in dll.version_numbers():
@@ -112,6 +112,7 @@ def parse_options():
     parser.add_argument("--dll", type=pathlib.Path, required=True)
     parser.add_argument("--objdump", default="x86_64-w64-mingw32-objdump")
     parser.add_argument("--version", help="for version")
+    parser.add_argument("--description", default=DESCRIPTION, help="for version")
     parser.add_argument("--camera-address", help="for address")
     return parser.parse_args()
 

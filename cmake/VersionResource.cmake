@@ -1,0 +1,10 @@
+# qvx_add_version(<target> <description>): the version resource of a program that is shipped.
+set(qvx_version_template ${CMAKE_CURRENT_LIST_DIR}/version.rc.in)
+function(qvx_add_version target description)
+  get_target_property(name ${target} OUTPUT_NAME)
+  if(NOT name)
+    set(name ${target})
+  endif()
+  configure_file(${qvx_version_template} ${target}.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
