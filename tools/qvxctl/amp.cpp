@@ -20,14 +20,6 @@ constexpr Property properties[] = {
     {"backlight", 8},  {"gain", 9},     {"power-line", 13},
 };
 
-const Property& propertyNamed(const std::string& name) {
-  const auto* const found = std::ranges::find(properties, name, &Property::name);
-  if (found == std::end(properties)) {
-    throw Failure(ExitCode::badUsage, "amp: unknown property " + quoted(name));
-  }
-  return *found;
-}
-
 std::string jsonOf(const PropertySetting& setting) {
   return json::object({{"name", json::text(setting.property->name)},
                        {"value", json::number(setting.value)},
@@ -58,9 +50,20 @@ void printAll(bool asJson) {
   for (const std::string& entry : entries) printLine(entry);
 }
 
-void setProperty(const Property& property, qvx_long value) {
+// Nothing is set that the camera would cut or refuse.
+PropertySetting settingAfter(const Property& property, const std::optional<qvx_long>& value) {
+  const std::string what = "amp: this camera's " + std::string(property.name);
+  auto setting = settingOf(property);
+  if (!setting) throw Failure(ExitCode::cameraFailed, what + " is not there");
+  if (!value) return *setting;
+  if (!Range{setting->least, setting->most}.holds(*value)) {
+    throw Failure(ExitCode::cameraFailed, what + " is " + std::to_string(setting->least) + " to " +
+                                              std::to_string(setting->most));
+  }
   const LibraryOutputAside aside;
-  SetVideoProcAmp(property.number, value);
+  SetVideoProcAmp(property.number, *value);
+  setting->value = GetVideoProcAmp(property.number);
+  return *setting;
 }
 
 }  // namespace
@@ -83,20 +86,15 @@ std::optional<PropertySetting> settingOf(const Property& property) {
 
 void adjustPicture(const Options& options) {
   const auto& arguments = options.arguments;
-  if (arguments.size() > 2) {
-    throw Failure(ExitCode::badUsage, "amp: unexpected argument " + quoted(arguments[2]));
-  }
-  const Property* const property = arguments.empty() ? nullptr : &propertyNamed(arguments[0]);
-  const auto value =
-      arguments.size() < 2 ? std::nullopt : std::optional(wholeNumber("amp value", arguments[1]));
-  openCamera(options.device.value_or(automaticIndex));
+  if (arguments.size() > 1) expectArguments(options, "amp", 2);
+  const Property* const property =
+      arguments.empty() ? nullptr : &rowNamed("amp", properties, arguments[0]);
+  std::optional<qvx_long> value;
+  if (arguments.size() > 1) value = wholeNumber("amp value", arguments[1]);
+  openCamera(options);
   if (property == nullptr) return printAll(options.json);
-  if (value) setProperty(*property, *value);
-  const auto setting = settingOf(*property);
-  if (!setting) {
-    throw Failure(ExitCode::badUsage, "amp: this camera tells of no " + arguments[0]);
-  }
-  printLine(options.json ? jsonOf(*setting) : textOf(*setting));
+  const PropertySetting setting = settingAfter(*property, value);
+  printLine(options.json ? jsonOf(setting) : textOf(setting));
 }
 
 }  // namespace qvxctl

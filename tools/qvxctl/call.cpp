@@ -39,7 +39,7 @@ EntryPoint entryPointOf(const Export& wanted) {
 
 void prepareCamera(const Options& options) {
   if (options.initFirst) {
-    openCamera(options.device.value_or(automaticIndex));
+    openCamera(options);
   } else if (options.device) {
     SetVideoDeviceIndex(*options.device);
   }

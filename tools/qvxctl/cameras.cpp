@@ -1,11 +1,12 @@
 #include "cameras.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 
 #include "failure.h"
 #include "output.h"
-#include "qvx64/api.h"
 #include "text.h"
 
 namespace qvxctl {
@@ -26,9 +27,37 @@ std::optional<int> productIdIn(const std::string& path) {
   return static_cast<int>(std::strtol(hexadecimal.c_str(), nullptr, 16));
 }
 
+bool initWith(int index) {
+  SetVideoDeviceIndex(index);
+  return Init() != 0;
+}
+
+// Init by itself would take a bridge camera, or whatever answers HTTP, for the Wi-Fi camera.
+bool openWifi() {
+  return initWith(wifiIndex) && answers(wifiIndex, false);
+}
+
+// A USB 3 camera that stands alone is found by automatic choice only. Of those from 0x9B1 on, Init
+// says that there is none, but has opened it.
+bool openUsb(int index) {
+  const int listed = std::max(index, 0);
+  const std::string path = taken(GetDeviceId(listed));
+  if (index != automaticIndex && path.empty()) return false;
+  const bool alone = isUsb3(productIdIn(path)) && listed == 0;
+  if (initWith(alone ? automaticIndex : index)) return true;
+  return alone && GetVideoDeviceCount() != 0 && answers(listed, true);
+}
+
 std::string whereSought(int index) {
+  if (index == wifiIndex) return " at " + wifiCameraAddress();
   return index == automaticIndex ? " on USB; the Wi-Fi camera is --device 90"
                                  : " at index " + std::to_string(index);
+}
+
+int open(int index) {
+  const LibraryOutputAside aside;
+  if (index == wifiIndex ? openWifi() : openUsb(index)) return GetVideoDeviceIndex();
+  throw Failure(ExitCode::cameraFailed, "no camera answers" + whereSought(index));
 }
 
 }  // namespace
@@ -43,18 +72,31 @@ Camera describeCamera(int index) {
   return camera;
 }
 
-int openCamera(int index) {
-  const LibraryOutputAside aside;
-  SetVideoDeviceIndex(index);
-  if (Init() == 0) throw Failure(ExitCode::noCamera, "no camera answers" + whereSought(index));
-  return GetVideoDeviceIndex();
+int openCamera(const Options& options) {
+  return open(options.index());
+}
+
+Model openModel(const Options& options) {
+  return modelOf(openCamera(options));
 }
 
 void openWifiCamera(const Options& options) {
   if (options.device.value_or(wifiIndex) != wifiIndex) {
     throw Failure(ExitCode::badUsage, options.command + " is for the Wi-Fi camera, --device 90");
   }
-  openCamera(wifiIndex);
+  open(wifiIndex);
+}
+
+bool answers(int index, bool overUsb3) {
+  if (index != wifiIndex) return GetAETarget(index) != (overUsb3 ? 0xFF : 0);
+  // What the library leaves alone was not told. An answer that comes in pieces is missed now and
+  // then: it is asked for twice.
+  constexpr qvx_long untold = std::numeric_limits<qvx_long>::min();
+  qvx_long brightness = 0, least = untold;
+  for (int tries = 0; tries < 2 && least == untold; ++tries) {
+    GetVideoProcAmpValueRange(&brightness, &least, nullptr, nullptr, nullptr);
+  }
+  return least != untold;
 }
 
 Measurement measure(int index) {

@@ -4,13 +4,10 @@
 #include <optional>
 #include <string>
 
+#include "model.h"
 #include "options.h"
 
 namespace qvxctl {
-
-constexpr int firstIndexBeyondUsb = 8;  // USB cameras have the indexes 0 to 7
-constexpr int wifiIndex = 90;
-constexpr int automaticIndex = -1;
 
 struct Camera {
   int index;
@@ -22,12 +19,19 @@ struct Camera {
 // order of the indexes.
 Camera describeCamera(int index);
 
-// Chooses a camera and initialises the library; fails when that finds no camera. Returns the index
-// of the camera, which is another one than asked for when the choice was automatic.
-int openCamera(int index);
+// Chooses the camera and initialises the library; fails when none answers. Returns the camera's
+// index, which is another one than asked for when the choice was automatic.
+int openCamera(const Options& options);
+
+// The same, and what the camera has.
+Model openModel(const Options& options);
 
 // The same for a command that only the Wi-Fi camera understands; another device is bad usage.
 void openWifiCamera(const Options& options);
+
+// Whether an open camera still answers. A USB camera whose automatic exposure aims at 0 seems not
+// to, and one without automatic exposure always seems to.
+bool answers(int index, bool overUsb3);
 
 struct Measurement {
   double magnification;   // 0 while the camera has not reported one

@@ -44,7 +44,7 @@ void printText(qvx_long word) {
 }  // namespace
 
 void showConfig(const Options& options) {
-  const qvx_long word = GetConfig(openCamera(options.device.value_or(automaticIndex)));
+  const qvx_long word = GetConfig(openCamera(options));
   if (options.json) return printJson(word);
   printText(word);
 }

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <optional>
 
 #include "cameras.h"
@@ -7,65 +6,68 @@
 #include "json.h"
 #include "numbers.h"
 #include "output.h"
-#include "qvx64/api.h"
-#include "text.h"
 
 namespace qvxctl {
 
 namespace {
 
-int open(const Options& options) {
-  return openCamera(options.device.value_or(automaticIndex));
-}
-
-// What a command sets, ready before a camera is touched.
-struct Change {
-  void (*set)(int device, qvx_long value);
-  qvx_long value;
-};
-
-Change automaticExposureChange(const std::string& argument) {
-  if (argument == "on") return {SetAutoExposure, 1};
-  if (argument == "off") return {SetAutoExposure, 0};
-  return {SetAETarget, wholeNumber("ae", argument)};
-}
+constexpr qvx_long longest_lines = 65535, brightest = 255;
 
 constexpr struct FlickerMode {
-  std::string_view argument, text;
+  std::string_view name, text;
   qvx_long mode;
+  Flicker least;
 } flickerModes[] = {
-    {"auto", "detected by the camera", 0},
-    {"60", "60 Hz", 1},
-    {"50", "50 Hz", 2},
+    {"auto", "detected by the camera", 0, Flicker::detected},
+    {"60", "60 Hz", 1, Flicker::chosen},
+    {"50", "50 Hz", 2, Flicker::chosen},
 };
 
-const FlickerMode& flickerModeNamed(const std::string& argument) {
-  const auto* const found = std::ranges::find(flickerModes, argument, &FlickerMode::argument);
-  if (found == std::end(flickerModes)) {
-    throw Failure(ExitCode::badUsage, "flicker: " + quoted(argument) + " is not auto, 60 or 50");
+void expect(bool possible, const std::string& problem) {
+  if (!possible) throw Failure(ExitCode::cameraFailed, problem);
+}
+
+// As it now is; of cameras that do not tell, as it was set.
+qvx_long exposureAfter(const Model& model, const std::optional<qvx_long>& lines) {
+  const ExposureTime time = model.exposure.time;
+  expect(time != ExposureTime::none, "exposure: this camera's cannot be reached");
+  expect(time != ExposureTime::untold || lines, "exposure: this camera does not tell its own");
+  expect(time != ExposureTime::fixed || !lines, "exposure: this camera's is fixed");
+  if (lines) SetExposureValue(model.device, *lines);
+  return time == ExposureTime::untold ? *lines : GetExposureValue(model.device);
+}
+
+void change(const Model& model, const std::string& argument, qvx_long target) {
+  if (argument == "on" || argument == "off") {
+    return SetAutoExposure(model.device, argument == "on" ? 1 : 0);
   }
-  return *found;
+  const Range& targets = model.exposure.target;
+  expect(targets.holds(target), "ae: of this camera the target is " +
+                                    std::to_string(targets.lower) + " to " +
+                                    std::to_string(targets.upper));
+  SetAETarget(model.device, target);
 }
 
 }  // namespace
 
 void exposeCamera(const Options& options) {
   const auto argument = onlyArgument(options);
-  const auto lines = argument ? std::optional(wholeNumber("exposure", *argument)) : std::nullopt;
-  const int device = open(options);
-  if (lines) SetExposureValue(device, *lines);
-  const qvx_long now = GetExposureValue(device);
+  std::optional<qvx_long> lines;
+  if (argument) lines = numberWithin("exposure", *argument, 0, longest_lines);
+  const qvx_long now = exposureAfter(openModel(options), lines);
   printLine(options.json ? json::object({{"exposure_lines", json::number(now)}})
                          : "Exposure  " + std::to_string(now) + " lines");
 }
 
 void adjustAutomaticExposure(const Options& options) {
   const auto argument = onlyArgument(options);
-  const auto change = argument ? std::optional(automaticExposureChange(*argument)) : std::nullopt;
-  const int device = open(options);
-  if (change) change->set(device, change->value);
-  const bool on = GetAutoExposure(device) != 0;
-  const qvx_long target = GetAETarget(device);
+  const bool isTarget = argument && *argument != "on" && *argument != "off";
+  const qvx_long wanted = isTarget ? numberWithin("ae", *argument, 0, brightest) : 0;
+  const Model model = openModel(options);
+  expect(model.exposure.time != ExposureTime::none, "ae: this camera's cannot be reached");
+  if (argument) change(model, *argument, wanted);
+  const bool on = GetAutoExposure(model.device) != 0;
+  const qvx_long target = GetAETarget(model.device);
   if (options.json) {
     return printLine(
         json::object({{"automatic", on ? "true" : "false"}, {"target", json::number(target)}}));
@@ -75,15 +77,14 @@ void adjustAutomaticExposure(const Options& options) {
 }
 
 void suppressFlicker(const Options& options) {
-  const auto argument = onlyArgument(options);
-  if (!argument) throw Failure(ExitCode::badUsage, "flicker: auto, 60 or 50 is missing");
-  const FlickerMode& chosen = flickerModeNamed(*argument);
-  const int device = open(options);
+  const FlickerMode& chosen = rowNamed("flicker", flickerModes, onlyArgument(options).value_or(""));
+  const Model model = openModel(options);
+  expect(model.exposure.flicker >= chosen.least, "flicker: this camera has no such setting");
   {
     const LibraryOutputAside aside;
-    SetFlicker(device, chosen.mode);
+    SetFlicker(model.device, chosen.mode);
   }
-  printLine(options.json ? json::object({{"flicker", json::text(chosen.argument)}})
+  printLine(options.json ? json::object({{"flicker", json::text(chosen.name)}})
                          : "Mains frequency  " + std::string(chosen.text));
 }
 

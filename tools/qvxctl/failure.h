@@ -8,7 +8,7 @@ namespace qvxctl {
 
 enum class ExitCode {
   ok = 0,
-  noCamera = 1,
+  cameraFailed = 1,  // it does not answer, lacks what was asked for, or sent no whole still
   badUsage = 2,
   libraryMismatch = 3,
   outputLost = 4,

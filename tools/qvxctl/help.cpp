@@ -55,12 +55,13 @@ std::string helpText() {
                             {"qvxctl call FOVx 0 63.4", "the field of view of camera 0 at x 63.4"},
                             {"qvxctl call GetMAG 90 --init --device 90", "Init first"},
                             {"qvxctl call --help", "the exports and their arguments"}}) +
-         table("Exit codes", {{"0", "done"},
-                              {"1", "no camera answers: Init returned 0"},
-                              {"2", "wrong usage"},
-                              {"3", "QVX64.dll does not have the export"},
-                              {"4", "standard output or a file cannot be written"},
-                              {"5", "selftest: the camera told another value than it was set to"}});
+         table("Exit codes",
+               {{"0", "done"},
+                {"1", "no camera answers, or it lacks or fails in what was asked for"},
+                {"2", "wrong usage"},
+                {"3", "QVX64.dll does not have the export"},
+                {"4", "standard output or a file cannot be written"},
+                {"5", "selftest: the camera told another value than it was set to"}});
 }
 
 std::string exportHelpText() {

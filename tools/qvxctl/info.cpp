@@ -24,7 +24,7 @@ void printText(const Camera& camera, const Measurement& measurement) {
 }  // namespace
 
 void showInfo(const Options& options) {
-  const int index = openCamera(options.device.value_or(automaticIndex));
+  const int index = openCamera(options);
   const Camera camera = describeCamera(index);
   const Measurement measurement = measure(index);
   if (options.json) return printJson(camera, measurement);

@@ -1,13 +1,9 @@
-#include <algorithm>
-
 #include "cameras.h"
 #include "commands.h"
 #include "failure.h"
 #include "json.h"
 #include "numbers.h"
 #include "output.h"
-#include "qvx64/api.h"
-#include "text.h"
 
 namespace qvxctl {
 
@@ -18,51 +14,60 @@ struct Setting {
   qvx_long quadrant, value;
 };
 
+bool lights(const Model& model, const Setting& /*setting*/) {
+  return model.hasLights();
+}
+
 constexpr struct Light {
   std::string_view name, text;
-  std::size_t numbers;
+  bool hasQuadrant;
+  qvx_long most;  // of all models together
+  bool (*fits)(const Model& model, const Setting& setting);
   void (*set)(int device, const Setting& setting);
-} lights[] = {
-    {"switch", "Light switch", 1,
+} lightTable[] = {
+    {"switch", "Light switch", false, 48, lights,
      [](int device, const Setting& setting) { SetSEGSwitch(device, setting.value); }},
-    {"level", "Ring level", 1,
+    {"level", "Ring level", false, 31,
+     [](const Model& model, const Setting& setting) {
+       return model.hasLights() && setting.value <= model.brightestRing();
+     },
      [](int device, const Setting& setting) { SetSEGLevel(device, setting.value); }},
-    {"quadrant", "Level of quadrant", 2,
+    {"quadrant", "Level of quadrant", true, 31,
+     [](const Model& model, const Setting&) { return model.has(quadrants); },
      [](int device, const Setting& setting) { SetESEG(device, setting.quadrant, setting.value); }},
-    {"axial", "Axial light level", 1,
+    {"axial", "Axial light level", false, 6, lights,
      [](int device, const Setting& setting) { SetAXILevel(device, setting.value); }},
-    {"aim", "Aiming light level", 1,
+    {"aim", "Aiming light level", false, 6,
+     [](const Model& model, const Setting&) { return model.hasAim(); },
      [](int device, const Setting& setting) { SetAimpointLevel(device, setting.value); }},
 };
 
-const Light& lightIn(const Options& options) {
-  const std::string name = options.arguments.empty() ? "" : options.arguments.front();
-  const auto* const found = std::ranges::find(lights, name, &Light::name);
-  if (found == std::end(lights)) {
-    throw Failure(ExitCode::badUsage,
-                  "light: " + quoted(name) + " is not switch, level, quadrant, axial or aim");
-  }
-  const std::size_t expected = found->numbers + 1;
-  if (options.arguments.size() < expected) {
-    throw Failure(ExitCode::badUsage, "light " + name + ": a number is missing");
-  }
-  if (options.arguments.size() > expected) {
-    throw Failure(ExitCode::badUsage,
-                  "light " + name + ": unexpected argument " + quoted(options.arguments[expected]));
-  }
-  return *found;
+// Up to 16 the segments of the ring, from there on one value for each light and state.
+void expectSwitchValue(qvx_long value) {
+  constexpr qvx_long ringOff = 16, step = 8;
+  if (value <= ringOff || value % step == 0) return;
+  throw Failure(ExitCode::badUsage,
+                "light switch: " + std::to_string(value) + " is not 0 to 16, 24, 32, 40 or 48");
+}
+
+Setting settingIn(const Options& options, const Light& light, const std::string& what) {
+  constexpr qvx_long lastQuadrant = 4;
+  const auto& arguments = options.arguments;
+  Setting setting{};
+  if (light.hasQuadrant) setting.quadrant = numberWithin(what, arguments[1], 0, lastQuadrant);
+  setting.value = numberWithin(what, arguments.back(), 0, light.most);
+  if (light.name == "switch") expectSwitchValue(setting.value);
+  return setting;
 }
 
 void print(const Light& light, const Setting& setting, bool asJson) {
-  const bool hasQuadrant = light.numbers == 2;
   if (asJson) {
     std::vector<json::Member> members = {{"light", json::text(light.name)}};
-    if (hasQuadrant) members.push_back({"quadrant", json::number(setting.quadrant)});
+    if (light.hasQuadrant) members.push_back({"quadrant", json::number(setting.quadrant)});
     members.push_back({"value", json::number(setting.value)});
     return printLine(json::object(members));
   }
-  const std::string which = hasQuadrant ? ' ' + std::to_string(setting.quadrant) : "";
-  // Whether the camera has such a light, the library does not tell.
+  const std::string which = light.hasQuadrant ? ' ' + std::to_string(setting.quadrant) : "";
   printLine(std::string(light.text) + which + " requested: " + std::to_string(setting.value));
 }
 
@@ -75,32 +80,27 @@ constexpr struct LedState {
     {"other", "its other lighting", 2},
 };
 
-const LedState& ledStateIn(const Options& options) {
-  const std::string name = options.arguments.empty() ? "" : options.arguments.front();
-  const auto* const found = std::ranges::find(ledStates, name, &LedState::name);
-  if (found == std::end(ledStates)) {
-    throw Failure(ExitCode::badUsage, "led: " + quoted(name) + " is not off, on or other");
-  }
-  if (options.arguments.size() > 1) {
-    throw Failure(ExitCode::badUsage, "led: unexpected argument " + quoted(options.arguments[1]));
-  }
-  return *found;
-}
-
 }  // namespace
 
 void setLight(const Options& options) {
-  const Light& light = lightIn(options);
-  Setting setting{};
-  if (light.numbers == 2) setting.quadrant = wholeNumber("quadrant", options.arguments[1]);
-  setting.value = wholeNumber("light value", options.arguments.back());
-  light.set(openCamera(options.device.value_or(automaticIndex)), setting);
+  const std::string name = options.arguments.empty() ? "" : options.arguments.front();
+  const Light& light = rowNamed("light", lightTable, name);
+  const std::string what = "light " + name;
+  expectArguments(options, what, light.hasQuadrant ? 3 : 2);
+  const Setting setting = settingIn(options, light, what);
+  const Model model = openModel(options);
+  if (!light.fits(model, setting)) {
+    throw Failure(ExitCode::cameraFailed,
+                  what + ": this camera has no such light or level (see qvxctl led)");
+  }
+  light.set(model.device, setting);
   print(light, setting, options.json);
 }
 
 void setLeds(const Options& options) {
-  const LedState& chosen = ledStateIn(options);
-  SetLEDState(openCamera(options.device.value_or(automaticIndex)), chosen.state);
+  const std::string name = onlyArgument(options).value_or("");
+  const LedState& chosen = rowNamed("led", ledStates, name);
+  SetLEDState(openCamera(options), chosen.state);
   printLine(options.json ? json::object({{"led", json::text(chosen.name)}})
                          : "Illumination requested: " + std::string(chosen.text));
 }

@@ -23,13 +23,14 @@ Size sizeIn(const std::string& text) {
   if (cross == std::string::npos) {
     throw Failure(ExitCode::badUsage, "modes: " + quoted(text) + " is no size such as 1280x960");
   }
-  return {wholeNumber("width", text.substr(0, cross)),
-          wholeNumber("height", text.substr(cross + 1))};
+  constexpr qvx_long most = 32767;  // as the camera's list can tell
+  return {numberWithin("width", text.substr(0, cross), 1, most),
+          numberWithin("height", text.substr(cross + 1), 1, most)};
 }
 
 void choose(const Size& size, bool asJson) {
   if (!SetWiFiVideoRes(size.width, size.height)) {
-    throw Failure(ExitCode::badUsage, "modes: this camera does not offer " + textOf(size));
+    throw Failure(ExitCode::cameraFailed, "modes: this camera does not offer " + textOf(size));
   }
   printLine(asJson ? jsonOf(size) : "Video and stills of " + textOf(size) + " pixels");
 }

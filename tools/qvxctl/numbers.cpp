@@ -46,6 +46,14 @@ std::int32_t wholeNumber(const std::string& what, std::string_view text) {
                                         " is not a whole number of 32 bits (decimal or 0x...)");
 }
 
+std::int32_t numberWithin(const std::string& what, std::string_view text, std::int32_t least,
+                          std::int32_t most) {
+  const std::int32_t number = wholeNumber(what, text);
+  if (number >= least && number <= most) return number;
+  throw Failure(ExitCode::badUsage, what + ": " + std::to_string(number) + " is not from " +
+                                        std::to_string(least) + " to " + std::to_string(most));
+}
+
 double decimalNumber(const std::string& what, std::string_view text) {
   const auto number = readAll<double>(text);
   if (number && std::isfinite(*number)) return *number;

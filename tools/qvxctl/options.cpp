@@ -1,6 +1,9 @@
 #include "options.h"
 
+#include <windows.h>
+
 #include <algorithm>
+#include <charconv>
 
 #include "failure.h"
 #include "numbers.h"
@@ -17,10 +20,59 @@ double secondsIn(const std::string& text) {
   throw Failure(ExitCode::badUsage, "--seconds: " + text + " is not between 0 and 1000000000");
 }
 
+int indexIn(const std::string& text) {
+  const int index = wholeNumber("--device", text);
+  if (index == wifiIndex || (index >= automaticIndex && index < firstIndexBeyondUsb)) return index;
+  throw Failure(ExitCode::badUsage, "--device: " + text + " is none of -1, 0 to 7 and 90");
+}
+
+// Read by the library at each Init and at its first use.
+constexpr wchar_t addressVariable[] = L"QVX64_WIFI_CAMERA";
+constexpr char usualPort[] = ":8080";
+
+// A decimal number up to `most`, without needless zeros, taken off the front.
+bool takeNumber(std::string_view& text, unsigned least, unsigned most) {
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || number < least || number > most) return false;
+  const auto length = static_cast<std::size_t>(end - text.data());
+  if (length > 1 && text.front() == '0') return false;
+  text.remove_prefix(length);
+  return true;
+}
+
+bool takeSign(std::string_view& text, char sign) {
+  if (!text.starts_with(sign)) return false;
+  text.remove_prefix(1);
+  return true;
+}
+
+bool isAddress(std::string_view text) {
+  constexpr int parts = 4;
+  for (int part = 0; part < parts; ++part) {
+    if (part != 0 && !takeSign(text, '.')) return false;
+    if (!takeNumber(text, 0, 255)) return false;
+  }
+  return text.empty() || (takeSign(text, ':') && takeNumber(text, 1, 65535) && text.empty());
+}
+
+void useAddress(const std::string& text) {
+  if (!isAddress(text)) {
+    throw Failure(ExitCode::badUsage, "--camera: " + quoted(text) + " is no IPV4[:PORT]");
+  }
+  SetEnvironmentVariableW(addressVariable, wide(text).c_str());
+}
+
 constexpr Option options[] = {
     {"--device", "N", "",
      "the camera: 0 to 7, 90 for Wi-Fi, -1 (default) to let the library choose",
-     [](Options& all, const std::string& value) { all.device = wholeNumber("--device", value); }},
+     [](Options& all, const std::string& value) { all.device = indexIn(value); }},
+    {"--camera", "IPV4[:PORT]", "",
+     "where the Wi-Fi camera is; chooses it unless --device says otherwise",
+     [](Options& all, const std::string& value) {
+       useAddress(value);
+       all.wifiCamera = true;
+     }},
     {"--json", "", "", "print JSON: one object, or one per line from watch and selftest",
      [](Options& all, const std::string&) { all.json = true; }},
     {"--seconds", "S", "watch", "stop after S seconds instead of at Ctrl-C",
@@ -117,11 +169,38 @@ Options parseOptions(const std::vector<std::string>& words) {
   return Parser(words).parse();
 }
 
+std::string wifiCameraAddress() {
+  wchar_t given[64] = {};
+  const DWORD length = GetEnvironmentVariableW(addressVariable, given, std::size(given));
+  if (length == 0) return QVXCTL_CAMERA_ADDRESS + std::string(usualPort);
+  if (length >= std::size(given)) return "QVX64_WIFI_CAMERA, which is no address";
+  const std::string address = utf8(given);
+  return address.find(':') == std::string::npos ? address + usualPort : address;
+}
+
 std::optional<std::string> onlyArgument(const Options& options) {
   if (options.arguments.empty()) return std::nullopt;
   if (options.arguments.size() == 1) return options.arguments.front();
   throw Failure(ExitCode::badUsage,
                 options.command + ": unexpected argument " + quoted(options.arguments[1]));
+}
+
+void expectArguments(const Options& options, const std::string& what, std::size_t count) {
+  const auto& arguments = options.arguments;
+  if (arguments.size() < count) throw Failure(ExitCode::badUsage, what + ": a value is missing");
+  if (arguments.size() > count) {
+    throw Failure(ExitCode::badUsage, what + ": unexpected argument " + quoted(arguments[count]));
+  }
+}
+
+void refuseName(const std::string& what, const std::string& name,
+                const std::vector<std::string_view>& known) {
+  std::string choice;
+  for (const std::string_view one : known) {
+    if (!choice.empty()) choice += one == known.back() ? " or " : ", ";
+    choice += one;
+  }
+  throw Failure(ExitCode::badUsage, what + ": " + quoted(name) + " is not " + choice);
 }
 
 }  // namespace qvxctl

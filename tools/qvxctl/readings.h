@@ -7,18 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "qvx64/api.h"
+#include "model.h"
 
 namespace qvxctl {
 
-struct Range {
-  qvx_long lower, upper;
-};
-
-using LimitsFunction = qvx_long (*)(int device, qvx_long* upper, qvx_long* lower);
-
-// Nothing when there is nothing to move.
-std::optional<Range> rangeFrom(LimitsFunction limits, int device);
+// Nothing when there is nothing to move. Asking brings the lens to its zero position.
+std::optional<Range> lensRange(const Model& model);
+std::optional<Range> fineLensRange(const Model& model);
 std::string textOf(const std::optional<Range>& range);
 
 struct Property {

@@ -16,7 +16,7 @@ namespace qvxctl {
 
 namespace {
 
-Findings testSelection(const TestedCamera& camera) {
+Findings testSelection(const Model& camera) {
   const int index = GetVideoDeviceIndex();
   return {compared("device index", index == camera.device, std::to_string(camera.device),
                    std::to_string(index)),
@@ -24,7 +24,7 @@ Findings testSelection(const TestedCamera& camera) {
 }
 
 // The Wi-Fi camera has none of these: the exports tell its product id nowhere.
-Findings testIdentity(const TestedCamera& camera) {
+Findings testIdentity(const Model& camera) {
   if (camera.device == wifiIndex) return {skipped("name"), skipped("path"), skipped("product id")};
   const Camera described = describeCamera(camera.device);
   const bool samePath = utf8FromOem(GetDeviceIDA(camera.device)) == described.path;
@@ -33,7 +33,7 @@ Findings testIdentity(const TestedCamera& camera) {
           compared("product id", described.productId.has_value(), "", productIdText(described))};
 }
 
-Findings testFeatures(const TestedCamera& camera) {
+Findings testFeatures(const Model& camera) {
   char word[16];
   std::snprintf(word, sizeof word, "0x%02lX", static_cast<unsigned long>(camera.features));
   return {compared("feature word", camera.features == GetConfig(camera.device), "", word)};
@@ -79,12 +79,12 @@ std::string textOf(const Finding& finding) {
 
 using Counts = std::array<int, outcomeNames.size()>;
 
-Findings run(Step step, const TestedCamera& camera) {
+Findings run(Step step, const Model& camera) {
   const LibraryOutputAside aside;
   return step(camera);
 }
 
-Counts runAll(const TestedCamera& camera, bool asJson) {
+Counts runAll(const Model& camera, bool asJson) {
   Counts counts{};
   for (const Step step : steps) {
     for (const Finding& finding : run(step, camera)) {
@@ -109,8 +109,7 @@ void printSummary(const Counts& counts, bool asJson) {
 }  // namespace
 
 void testCamera(const Options& options) {
-  const int device = openCamera(options.device.value_or(automaticIndex));
-  const Counts counts = runAll({device, GetConfig(device)}, options.json);
+  const Counts counts = runAll(openModel(options), options.json);
   printSummary(counts, options.json);
   const int differing = counts[static_cast<std::size_t>(Outcome::differs)];
   if (differing == 0) return;

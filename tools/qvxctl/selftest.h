@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "qvx64/api.h"
+#include "model.h"
 
 namespace qvxctl {
 
@@ -18,14 +18,8 @@ struct Finding {
   std::string set, read;  // empty where nothing was set or read
 };
 
-struct TestedCamera {
-  int device;
-  qvx_long features;  // see GetConfig
-  bool has(qvx_long feature) const { return (features & feature) != 0; }
-};
-
 using Findings = std::vector<Finding>;
-using Step = Findings (*)(const TestedCamera& camera);
+using Step = Findings (*)(const Model& camera);
 
 inline Finding compared(std::string step, bool asExpected, std::string set, std::string read) {
   return {std::move(step), asExpected ? Outcome::ok : Outcome::differs, std::move(set),
@@ -45,20 +39,20 @@ inline void append(std::string& list, qvx_long number) {
   list += std::to_string(number);
 }
 
-Findings testMagnification(const TestedCamera& camera);
-Findings testFieldOfView(const TestedCamera& camera);
-Findings testLens(const TestedCamera& camera);
-Findings testFineLens(const TestedCamera& camera);
-Findings testLights(const TestedCamera& camera);
-Findings testQuadrants(const TestedCamera& camera);
-Findings testLedStates(const TestedCamera& camera);
-Findings testTouchButton(const TestedCamera& camera);
+Findings testMagnification(const Model& camera);
+Findings testFieldOfView(const Model& camera);
+Findings testLens(const Model& camera);
+Findings testFineLens(const Model& camera);
+Findings testLights(const Model& camera);
+Findings testQuadrants(const Model& camera);
+Findings testLedStates(const Model& camera);
+Findings testTouchButton(const Model& camera);
 
-Findings testExposure(const TestedCamera& camera);
-Findings testExposureTarget(const TestedCamera& camera);
-Findings testAutomaticExposure(const TestedCamera& camera);
-Findings testFlicker(const TestedCamera& camera);
-Findings testPicture(const TestedCamera& camera);
-Findings testStills(const TestedCamera& camera);
+Findings testExposure(const Model& camera);
+Findings testExposureTarget(const Model& camera);
+Findings testAutomaticExposure(const Model& camera);
+Findings testFlicker(const Model& camera);
+Findings testPicture(const Model& camera);
+Findings testStills(const Model& camera);
 
 }  // namespace qvxctl

@@ -45,21 +45,8 @@ Finding setAndRestore(std::string step, const Control& control, int which,
   return compared(std::move(step), same, set, read);
 }
 
-// Of a camera of no known family, which has no exposure functions.
-bool hasExposure(const TestedCamera& camera) {
-  constexpr qvx_long targetOfNoFamily = 1;
-  return GetAETarget(camera.device) != targetOfNoFamily;
-}
-
-// Families whose exposure time is told but cannot be set.
-bool exposureIsFixed(const TestedCamera& camera) {
-  constexpr struct {
-    int first, last;
-  } fixed[] = {{0x89A, 0x89F}, {0x91A, 0x91F}, {0x9A0, 0x9AF}, {0x9D0, 0x9DF}};
-  const auto productId = describeCamera(camera.device).productId;
-  return productId && std::ranges::any_of(fixed, [&productId](const auto& range) {
-           return range.first <= *productId && *productId <= range.last;
-         });
+bool hasExposure(const Model& camera) {
+  return camera.exposure.time != ExposureTime::none;
 }
 
 Finding testProperty(const Property& property) {
@@ -111,46 +98,50 @@ Finding testMode(const Size& size) {
 
 }  // namespace
 
-Findings testAutomaticExposure(const TestedCamera& camera) {
+Findings testAutomaticExposure(const Model& camera) {
   if (!hasExposure(camera)) return {skipped("automatic exposure")};
   return {setAndRestore("automatic exposure", automaticExposure, camera.device, {0, 1})};
 }
 
-Findings testExposureTarget(const TestedCamera& camera) {
+Findings testExposureTarget(const Model& camera) {
   if (!hasExposure(camera)) return {skipped("exposure target")};
   return {setAndRestore("exposure target", exposureTarget, camera.device, {100, 120})};
 }
 
-Findings testExposure(const TestedCamera& camera) {
+Findings testExposure(const Model& camera) {
+  const ExposureTime time = camera.exposure.time;
+  Finding finding = skipped("exposure time");
+  if (time != ExposureTime::settable && time != ExposureTime::perhapsFixed) return {finding};
   const qvx_long automatic = GetAutoExposure(camera.device);
   SetAutoExposure(camera.device, 0);
-  Finding finding = skipped("exposure time");
-  if (GetExposureValue(camera.device) != 0 && !exposureIsFixed(camera)) {
-    finding = setAndRestore(finding.step, exposureTime, camera.device, {100, 500});
-  }
+  const qvx_long before = GetExposureValue(camera.device);
+  Finding tried = setAndRestore(finding.step, exposureTime, camera.device, {100, 500});
   SetAutoExposure(camera.device, automatic);
-  return {finding};
+  const std::string now = std::to_string(before);
+  const bool fixed =
+      time == ExposureTime::perhapsFixed && tried.read == now + ' ' + now + ' ' + now;
+  return {fixed ? finding : tried};
 }
 
 // Some models keep it as the power-line property, which can be restored; others are left to detect
 // the frequency, or at 50 Hz where they cannot.
-Findings testFlicker(const TestedCamera& camera) {
+Findings testFlicker(const Model& camera) {
   constexpr int powerLine = 13;
   const qvx_long before = GetVideoProcAmp(powerLine);
-  if (!hasExposure(camera)) return {skipped("flicker")};
+  if (camera.exposure.flicker == Flicker::none) return {skipped("flicker")};
   for (const qvx_long mode : {1, 2, 0}) SetFlicker(camera.device, mode);
   if (before >= 0 && camera.device != wifiIndex) SetVideoProcAmp(powerLine, before);
   return {sent("flicker", "1 2 0")};
 }
 
-Findings testPicture(const TestedCamera& /*camera*/) {
+Findings testPicture(const Model& /*camera*/) {
   Findings findings;
   for (const Property& property : propertyTable()) findings.push_back(testProperty(property));
   return findings;
 }
 
 // The size from before is that of the first still.
-Findings testStills(const TestedCamera& camera) {
+Findings testStills(const Model& camera) {
   const auto sizes = camera.device == wifiIndex ? sizesOffered() : std::vector<Size>();
   if (sizes.empty()) return {skipped("video modes"), skipped("still")};
   const Size before = sizeOfStill();

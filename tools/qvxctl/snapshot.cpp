@@ -28,21 +28,32 @@ std::string nameForLibrary(const files::path& path) {
                 "snapshot: the file's name is too long, or has characters beyond ISO 8859-1");
 }
 
+// A file beside the one that is asked for; what is left of it goes in the end.
+struct Part {
+  explicit Part(files::path beside) : path(std::move(beside += L".part")) { remove(); }
+  ~Part() { remove(); }
+  Part(const Part&) = delete;
+  Part& operator=(const Part&) = delete;
+
+  void remove() const {
+    std::error_code ignored;
+    files::remove(path, ignored);
+  }
+
+  const files::path path;
+};
+
 // The picture takes its name, and the place of an earlier one, only when it is whole.
 void save(const files::path& path) {
-  files::path part = path;
-  part += L".part";
-  const std::string name = nameForLibrary(part);
+  const Part part(path);
+  if (!GetWiFiImage(nameForLibrary(part.path).c_str())) {
+    throw Failure(ExitCode::outputLost, "cannot create " + utf8(part.path.wstring()));
+  }
+  if (!isWholeJpeg(part.path)) {
+    throw Failure(ExitCode::cameraFailed, "the camera sent no whole picture");
+  }
   std::error_code error;
-  files::remove(part, error);
-  if (!GetWiFiImage(name.c_str())) {
-    throw Failure(ExitCode::outputLost, "cannot create " + utf8(part.wstring()));
-  }
-  if (!isWholeJpeg(part)) {
-    files::remove(part, error);
-    throw Failure(ExitCode::noCamera, "the camera sent no whole picture");
-  }
-  files::rename(part, path, error);
+  files::rename(part.path, path, error);
   if (error) throw Failure(ExitCode::outputLost, "cannot replace " + utf8(path.wstring()));
 }
 
@@ -56,7 +67,9 @@ bool isWholeJpeg(const files::path& path) {
 
 void saveSnapshot(const Options& options) {
   const auto name = onlyArgument(options);
-  if (!name) throw Failure(ExitCode::badUsage, "snapshot: the name of a file is missing");
+  if (!name || name->empty()) {
+    throw Failure(ExitCode::badUsage, "snapshot: the name of a file is missing");
+  }
   const files::path path = wide(*name);
   nameForLibrary(path);
   openWifiCamera(options);

@@ -14,6 +14,8 @@ namespace qvxctl {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 // Two readings closer than this show as the same number. The mean that the library publishes every
 // fifth time differs from the readings by less, as long as the ring stands still.
 constexpr double visibleChange = 0.01;
@@ -50,35 +52,104 @@ std::string leftPadded(const std::string& text, std::size_t width) {
 }
 
 std::string textLine(const Measurement& measurement) {
-  return localTime() + "  " + leftPadded(magnificationText(measurement), 9) + "  " +
+  return leftPadded(magnificationText(measurement), 9) + "  " +
          leftPadded(fieldOfViewText(measurement), 9) + "  " + barOf(measurement.magnification);
 }
 
-std::string jsonLine(const Measurement& measurement) {
-  std::vector<json::Member> members = {{"time", json::text(timestamp())},
-                                       {"event", json::text("magnification")}};
-  for (json::Member& member : membersOf(measurement)) members.push_back(std::move(member));
-  return json::object(members);
-}
-
-// One source of events: reports a camera's magnification when it has changed visibly.
-class MagnificationReport {
+// Every line of the output: an event with what belongs to it.
+class Events {
  public:
-  MagnificationReport(int device, bool asJson)
-      : device_(device), line_(asJson ? jsonLine : textLine) {}
+  explicit Events(bool asJson) : asJson_(asJson) {}
 
-  void check() {
-    const Measurement measurement = measure(device_);
-    if (!measurement.taken()) return;
-    if (std::abs(measurement.magnification - shown_) < visibleChange) return;
-    shown_ = measurement.magnification;
-    printLine(line_(measurement));
+  void print(const char* event, const std::string& text,
+             const std::vector<json::Member>& more = {}) const {
+    if (!asJson_) return printLine(localTime() + "  " + text);
+    std::vector<json::Member> members = {{"time", json::text(timestamp())},
+                                         {"event", json::text(event)}};
+    members.insert(members.end(), more.begin(), more.end());
+    printLine(json::object(members));
   }
 
  private:
+  bool asJson_;
+};
+
+// Reports when the camera stops answering, and when it answers again. What the library then
+// measures means nothing.
+class Presence {
+ public:
+  Presence(const Camera& camera, const Events& events)
+      : index_(camera.index), overUsb3_(isUsb3(camera.productId)), events_(events) {
+    if (!monitored_) note("it cannot be told when this camera stops answering");
+  }
+
+  // Asks the camera when it matters, and otherwise now and then.
+  bool isThere(bool urgent) {
+    constexpr std::chrono::seconds usually(3);
+    const bool due = (urgent && there_) || Clock::now() - asked_ >= usually;
+    if (!monitored_ || !due) return there_;
+    const bool before = there_;
+    there_ = ask();
+    if (before && !there_) events_.print("silent", "the camera has stopped answering");
+    if (!before && there_) events_.print("answering", "the camera answers again");
+    return there_;
+  }
+
+ private:
+  bool ask() {
+    const bool answered = answers(index_, overUsb3_);
+    asked_ = Clock::now();
+    return answered;
+  }
+
+  int index_;
+  bool overUsb3_;
+  const Events& events_;
+  Clock::time_point asked_;
+  bool there_ = true;
+  bool monitored_ = ask();
+};
+
+// Reports a camera's magnification when it has changed visibly. A reading waits for the next one:
+// the means that the library publishes now and then, of which the first is half as large as it
+// should be, step back for one reading. Before it is shown the camera must still answer.
+class MagnificationReport {
+ public:
+  MagnificationReport(int device, Presence& presence, const Events& events)
+      : device_(device), presence_(presence), events_(events) {
+    latest_ = measure(device_);
+    if (latest_.taken()) show();
+  }
+
+  void check() {
+    constexpr std::chrono::milliseconds standing(400);
+    const Measurement now = measure(device_);
+    const bool waits = differ(latest_, shown_), moved = differ(now, latest_);
+    const bool stood = !moved && Clock::now() - since_ > standing;
+    const bool stepsBack = moved && (now.magnification > latest_.magnification) !=
+                                        (latest_.magnification > shown_.magnification);
+    const bool due = waits && (moved ? !stepsBack : stood);
+    if (presence_.isThere(due) && due) show();
+    if (!moved) return;
+    latest_ = now;
+    since_ = Clock::now();
+  }
+
+ private:
+  static bool differ(const Measurement& one, const Measurement& other) {
+    return std::abs(one.magnification - other.magnification) >= visibleChange;
+  }
+
+  void show() {
+    shown_ = latest_;
+    events_.print("magnification", textLine(shown_), membersOf(shown_));
+  }
+
   int device_;
-  std::string (*line_)(const Measurement&);
-  double shown_ = 0;
+  Presence& presence_;
+  const Events& events_;
+  Measurement shown_{}, latest_{};
+  Clock::time_point since_;
 };
 
 // The library calls back without saying anything: presses are counted, and reported by the loop.
@@ -90,21 +161,17 @@ void countPress() {
 
 class ButtonReport {
  public:
-  explicit ButtonReport(bool asJson) : asJson_(asJson) {
+  explicit ButtonReport(const Events& events) : events_(events) {
     SetEventCallback(countPress);
     EnablePressKey(1);
   }
 
   void check() {
-    for (; reported_ < presses; ++reported_) {
-      printLine(asJson_ ? json::object(
-                              {{"time", json::text(timestamp())}, {"event", json::text("button")}})
-                        : localTime() + "  touch button pressed");
-    }
+    for (; reported_ < presses; ++reported_) events_.print("button", "touch button pressed");
   }
 
  private:
-  bool asJson_;
+  const Events& events_;
   int reported_ = presses;
 };
 
@@ -112,12 +179,14 @@ class ButtonReport {
 
 void watchCamera(const Options& options) {
   MessageLoop loop;
-  const int device = openCamera(options.device.value_or(automaticIndex));
-  if (!measure(device).taken()) note("this camera reports no magnification");
+  const Camera camera = describeCamera(openCamera(options));
+  const Events events(options.json);
+  if (!measure(camera.index).taken()) note("this camera reports no magnification");
+  Presence presence(camera, events);
+  MagnificationReport magnification(camera.index, presence, events);
+  ButtonReport button(events);
   std::optional<std::chrono::duration<double>> limit;
   if (options.seconds) limit = std::chrono::duration<double>(*options.seconds);
-  MagnificationReport magnification(device, options.json);
-  ButtonReport button(options.json);
   loop.run(limit, [&magnification, &button] {
     magnification.check();
     button.check();

@@ -1,0 +1,145 @@
+"""Runs the client with simulated cameras: qvxctl_test.py BUILD_FOLDER commands|wifi|usb|hid|usb3
+
+What it does against a camera's rules fails the test, as does an exit code that was not expected.
+"""
+
+import concurrent.futures
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).parents[2]
+BUILD = pathlib.Path(sys.argv[1])
+WINE = ROOT / "scripts/run-wine.sh"
+CLIENT = BUILD / "qvxctl.exe"
+SIMULATOR = ROOT / "build/simulator/qvx-simulator"
+INPUTS, HID = BUILD / "qvx-virtual-cameras.exe", BUILD / "qvx-virtual-hid.exe"
+SILENT_PORT, FIRST_PORT = 8079, 18080
+
+# How a client runs with a camera; "{}" is the product id and options.
+RUNS = {
+    "none": [WINE, CLIENT],
+    "wifi": [SIMULATOR, "--no-page", "wifi:{}", "--", WINE, CLIENT],
+    "usb": [WINE, INPUTS, "run", "{}", "--", CLIENT],
+    "hid": [WINE, INPUTS, "run", "{},unit=plain", "--", HID, "run", "{}", "--", CLIENT],
+    "usb3": [WINE, INPUTS, "run", "{},unit=plain", "--", BUILD / "usb3/qvxctl.exe"],
+}
+
+# A product id of each family, and those that are special within one.
+FAMILIES = {
+    "wifi": "0870 0890 091A 0920 0922 0978 0998 09A0 09B0 09C4 09D0 09E0",
+    "usb": "0870 0890 0910 0930 09E2",
+    "hid": "0870 0920 0968 0985 0998 09A0 09C7 09D0 09E4",
+    "usb3": "09B0 09B1",
+}
+AT_ONCE = 4  # clients
+
+STEADY = r'(\{"time":"[^"]*","event":"magnification","magnification":6[23]\.[^}]*\}\n)+'
+# Camera, arguments, exit code, all of standard output or what is in standard error.
+COMMANDS = [
+    *(("none:", arguments, 2, said) for arguments, said in [
+        ("exposure -5", "exposure: -5 is not from 0 to 65535"),
+        ("exposure 70000", "exposure: 70000"), ("ae 300", "ae: 300 is not from 0 to 255"),
+        ("light quadrant 9 5", "light quadrant: 9 is not from 0 to 4"),
+        ("light quadrant 1", "a value is missing"), ("light switch -1", "light switch: -1"),
+        ("light switch 17", "is not 0 to 16, 24, 32, 40 or 48"), ("lens pos 1000", "lens pos: 1000"),
+        ("lens up", '"up" is not limits, init, pos or fine'), ("snapshot ''", "name of a file"),
+        ("modes 0x480", "width"), ("info --device 8", "--device: 8"),
+        ("info --camera 1.2.3", "no IPV4"), ("info --camera 1.2.3.04", "no IPV4"),
+        ("info --camera 1.2.3.4:0", "no IPV4"),
+    ]),
+    ("none:", f"info --camera 127.0.0.1:{SILENT_PORT}", 1,
+     f"no camera answers at 127.0.0.1:{SILENT_PORT}\n"),
+    ("usb:0970", f"info --device 90 --camera 127.0.0.1:{SILENT_PORT}", 1, "no camera answers at 127"),
+    ("usb:0970", "info --device 1", 1, "no camera answers at index 1"),
+    ("usb:0970", "lens pos 5", 1, "no focus lens"),
+    ("usb:0970", "light quadrant 1 5", 1, "no such light"),
+    ("usb:09A0", "exposure 5", 1, "fixed"),
+    ("usb3:09B1", "ae --device 0 --json", 0, r'\{"automatic":true,"target":56\}\n'),
+    ("wifi:0998,fault=junk", "info --device 90", 1, "no camera answers at 127.0.0.1:8080"),
+    ("wifi:0998", "lens fine 5 --device 90", 1, "this camera has none"),
+    ("wifi:0998,fault=half", "snapshot {folder}/still.jpg", 1, "no camera answers|no whole picture"),
+    ("wifi:0998", "snapshot {folder}", 4, "cannot replace"),
+    ("wifi:0998,zoom=63", "watch --device 90 --seconds 3 --json", 0, STEADY),
+    ("wifi:0998,zoom=63,fault=refuse:150", "watch --device 90 --seconds 8 --json", 0,
+     STEADY[:-1] + r'+\{"time":"[^"]*","event":"silent"\}\n'),
+]
+
+
+def run(camera, arguments):
+    """Exit code, standard output and standard error of a client, through files: what Wine starts
+    beside a program would keep a pipe open."""
+    transport, _, described = camera.partition(":")
+    command = [str(word).replace("{}", described) for word in RUNS[transport]] + arguments
+    environment = os.environ | {"QVX_VIRTUAL_USB3": "0x" + described}
+    with tempfile.TemporaryFile("w+") as printed, tempfile.TemporaryFile("w+") as said:
+        code = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, stdout=printed,
+                              stderr=said, timeout=100).returncode
+        printed.seek(0)
+        said.seek(0)
+        # What the simulator says of itself stands before the client's output.
+        shown = printed.read().replace("\r\n", "\n").split("ready\n")[-1]
+        return code, shown, said.read().replace("\r\n", "\n")
+
+
+def fault_of_command(camera, arguments, expected, pattern):
+    with tempfile.TemporaryDirectory() as folder:
+        words = [word.strip("'").format(folder="Z:" + folder) for word in arguments.split()]
+        code, printed, said = run(camera, words)
+        left = [path.name for path in pathlib.Path(folder).iterdir()]
+    matches = re.search(pattern, said) if expected else re.fullmatch(pattern, printed)
+    if code == expected and matches and not left and "violation" not in said:
+        return None
+    return f"{camera} {arguments}: {code}\n{printed}{said}{left}"
+
+
+def fault_of_selftest(camera, result):
+    code, printed, said = result
+    return f"{camera}: {code}\n{printed}{said}" if code or "violation" in said else None
+
+
+def selftests_over_wifi():
+    """The cameras of one simulator side by side: most of a self-test is pauses."""
+    ports = {f"wifi:{pid}": FIRST_PORT + i for i, pid in enumerate(FAMILIES["wifi"].split())}
+    plugged = [f"{camera},port={port}" for camera, port in ports.items()]
+    with tempfile.TemporaryFile("w+") as said, concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
+        simulator = subprocess.Popen([SIMULATOR, "--no-page", *plugged], stdout=subprocess.PIPE,
+                                     stdin=subprocess.DEVNULL, stderr=said, text=True)
+        while simulator.stdout.readline() not in ("ready\n", ""):
+            pass
+        results = pool.map(lambda camera: run(
+            "none:", ["--camera", f"127.0.0.1:{ports[camera]}", "selftest"]), ports)
+        yield from map(fault_of_selftest, ports, results)
+        simulator.terminate()
+        simulator.communicate()
+        said.seek(0)
+        yield said.read()
+
+
+def selftests(transport):
+    if transport == "wifi":
+        yield from selftests_over_wifi()
+        return
+    for product_id in FAMILIES[transport].split():
+        camera = f"{transport}:{product_id}"
+        yield fault_of_selftest(camera, run(camera, ["--device", "0", "selftest"]))
+
+
+def commands():
+    with concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
+        alone = [case for case in COMMANDS if case[0] != "none:"]
+        together = [case for case in COMMANDS if case[0] == "none:"]
+        yield from pool.map(lambda case: fault_of_command(*case), together)
+        yield from (fault_of_command(*case) for case in alone)
+
+
+def main():
+    for fault in commands() if sys.argv[2] == "commands" else selftests(sys.argv[2]):
+        if fault:
+            sys.exit(fault)
+
+
+main()
