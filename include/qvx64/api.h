@@ -259,7 +259,7 @@ enum { QVX_FLICKER_DETECT = 0, QVX_FLICKER_60_HZ = 1, QVX_FLICKER_50_HZ = 2 };
 /* Sets the exposure time. Switch automatic exposure off first, or it takes over again. Product ids
  * 0x89A to 0x89F, 0x91A to 0x91F, 0x9A0 to 0x9AF and 0x9D0 to 0x9DF are left alone, and so are
  * cameras of no known family; then measuring the magnification rests, too: call GetAETarget to let
- * it go on.
+ * it go on, or Init where the family is not known.
  * vindex: 0 to 7; 90 and -1 for the Wi-Fi camera.
  * Value: QVX_EXPOSURE_MIN to QVX_EXPOSURE_MAX lines of the sensor. On product ids 0x9E0 to 0x9EF a
  * line takes 29.63 microseconds, negative values count as 0, and from 1125 on the frame gets longer

@@ -177,10 +177,11 @@ def check_transcript(sample):
 
 
 def check_declarations(sample):
-    """C declarations must be those of the header."""
+    """C declarations must be those of the header; C for Windows must compile there."""
+    compiler = "x86_64-w64-mingw32-gcc-posix" if "<windows.h>" in sample.text else "gcc"
+    flags = ["-Wall", "-Wextra", "-Werror", "-fsyntax-only", "-xc", "-Iinclude", "-"]
     source = f"#include <qvx64/api.h>\n{sample.text}"
-    done = subprocess.run(["gcc", "-fsyntax-only", "-xc", "-Iinclude", "-"], cwd=ROOT, input=source,
-                          text=True, capture_output=True)
+    done = subprocess.run([compiler, *flags], cwd=ROOT, input=source, text=True, capture_output=True)
     if done.returncode != 0:
         yield done.stderr
 
