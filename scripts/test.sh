@@ -10,7 +10,7 @@ stage_format() {
 }
 
 stage_scripts() {
-  git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck -x -P SCRIPTDIR
+  git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck -x -P SCRIPTDIR && scripts/check_rooms.py
 }
 
 build_and_test() {

@@ -1,5 +1,5 @@
 // The touch button and the two timers. The timers run on the thread that started them, from its
-// message loop, and never stop: each start is a further timer.
+// message loop, and never stop: each start adds one.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,7 @@ namespace qvx {
 using EventCallback = void (*)();
 
 inline EventCallback OnEvent = nullptr;  // the application's callback
-inline int m_MT = 0;                     // edge detection of the button, meaning by transport
-inline int m_count = 0;                  // not used; part of the state's layout
+inline int m_MT = 0;  // edge detection of the button, in a sense of each transport's own
 
 namespace timer_2_proc {  // what Timer2Proc keeps between calls
 inline int barry = -1;    // USB 3: -1 idle, 0 first sample seen, 1 press confirmed once
@@ -19,15 +18,11 @@ inline int barry = -1;    // USB 3: -1 idle, 0 first sample seen, 1 press confir
 // Stores the callback, null for none, and starts the button timer.
 void setEventCallback(EventCallback callback);
 
-// Calls the application back, if it wants that.
+// Calls the application back, if it has asked for that.
 void fireEvent();
 
-// Polls the button when `enable` is exactly 1, and no longer otherwise. Returns which.
+// Starts polling the button when `enable` is exactly 1, stops it otherwise. Returns 1 or 0.
 int enablePressKey(int enable);
-
-// Whether the button of a camera of the 7xxx family was pressed; acknowledges the press. The
-// product id is not used.
-int IsPID7x15PKeyFire(int pid);
 
 // Timer procedures; the arguments are the system's and not used. The button timer polls the current
 // camera; the magnification timer takes a sample unless another operation is using the controller.

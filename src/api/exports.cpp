@@ -17,6 +17,7 @@
 #include "state/device_state.h"
 #include "transport/enumeration.h"
 #include "transport/usb3.h"
+#include "transport/wifi_camera.h"
 
 using namespace qvx;
 

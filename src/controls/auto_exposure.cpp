@@ -1,17 +1,13 @@
 #include <algorithm>
-#include <array>
-#include <cstddef>
 
 #include "controls/device_selection.h"
 #include "controls/exposure.h"
 #include "controls/family_rows.h"
-#include "controls/measuring.h"
-#include "controls/sensor_registers.h"
-#include "etlib2/etLib2.h"
-#include "models/families.h"
 #include "platform/timers.h"
-#include "state/device_state.h"
+#include "transport/bridge_chip.h"
+#include "transport/controller.h"
 #include "transport/sensor.h"
+#include "transport/sensor_registers.h"
 
 namespace qvx {
 
@@ -23,7 +19,7 @@ bool isAutomatic(std::int32_t mode) {
   return mode == automatic || mode == reset;
 }
 
-// Any number plus an offset, as 32 bits hold it.
+// Wraps, as callers may pass any value.
 constexpr std::uint32_t plus(std::int32_t value, std::uint32_t offset) {
   return static_cast<std::uint32_t>(value) + offset;
 }
@@ -68,33 +64,18 @@ void setTarget42(int deviceNumber, std::int32_t target) {
   WriteTo88x(deviceNumber, sensor42::target, plus(target, 0));
 }
 
-// Commands 30 and 29 of the firmware write and read a parameter: {0, 0, number, 1, value}.
-enum FirmwareCommand : std::uint8_t { readParameter = 29, writeParameter = 30 };
-enum Parameter : std::uint8_t { target4xx7 = 0, lowerBound4xx7 = 1, upperBound4xx7 = 2 };
-
-constexpr std::uint8_t parameterLength = 40;
-using ParameterBuffer = std::array<std::uint8_t, 64>;
-
-ParameterBuffer parameterBuffer(Parameter parameter, std::int32_t value = 0) {
-  return {0, 0, parameter, 1, static_cast<std::uint8_t>(value)};
-}
-
-// Everything goes to where it fits any target first. The highest upper bound comes out as 0.
+// Everything goes first to where it fits any target. The highest upper bound comes out as 0.
 void setTarget4xx7(int deviceNumber, std::int32_t wanted) {
-  const std::int32_t target = std::clamp(wanted, 21, 240);
+  using enum ExposureParameter;
+  const std::int32_t value = std::clamp(wanted, 21, 240);
   const struct {
-    Parameter parameter;
+    ExposureParameter parameter;
     std::int32_t value;
   } steps[] = {
-      {lowerBound4xx7, 0},           {target4xx7, 0x80},
-      {upperBound4xx7, 0xFF},        {target4xx7, target},
-      {upperBound4xx7, target + 16}, {lowerBound4xx7, target - 16},
+      {lowerBound, 0}, {target, 0x80},           {upperBound, 0xFF},
+      {target, value}, {upperBound, value + 16}, {lowerBound, value - 16},
   };
-  for (const auto& step : steps) {
-    const ParameterBuffer buffer = parameterBuffer(step.parameter, step.value);
-    etLib2_Custom_CMD_Write(static_cast<std::uint32_t>(deviceNumber), writeParameter,
-                            parameterLength, buffer.data());
-  }
+  for (const auto& step : steps) writeParameter(deviceNumber, step.parameter, step.value);
 }
 
 std::int32_t getTarget78(int deviceNumber) {
@@ -110,21 +91,18 @@ std::int32_t getTarget42(int deviceNumber) {
 }
 
 std::int32_t getTarget4xx7(int deviceNumber) {
-  ParameterBuffer buffer = parameterBuffer(target4xx7);
-  etLib2_Custom_CMD_Read(static_cast<std::uint32_t>(deviceNumber), readParameter, parameterLength,
-                         buffer.data());
-  return buffer[0];
+  return readParameter(deviceNumber, ExposureParameter::target);
 }
 
 constexpr struct {
   Family belongs;
   void (*run)(int deviceNumber, std::int32_t target);
-  std::uint8_t measuringAfterwards;
+  bool measuringAfterwards;
 } targetSetters[] = {
-    {isVK7xxxSeries, setTarget7xxx, 0},   {isVK7xxxR4Series, setTarget7xxx, 0},
-    {isVK73xxxSeries, setTarget73xxx, 1}, {isVK4xxxSeries, setTarget48, 1},
-    {isVR4xxxSeries, setTarget48, 1},     {isVK3xxxR4Series, setTarget42, 1},
-    {isVR3xxxSeries, setTarget42, 1},     {isVK4xx7Series, setTarget4xx7, 1},
+    {isVK7xxxSeries, setTarget7xxx, false},  {isVK7xxxR4Series, setTarget7xxx, false},
+    {isVK73xxxSeries, setTarget73xxx, true}, {isVK4xxxSeries, setTarget48, true},
+    {isVR4xxxSeries, setTarget48, true},     {isVK3xxxR4Series, setTarget42, true},
+    {isVR3xxxSeries, setTarget42, true},     {isVK4xx7Series, setTarget4xx7, true},
 };
 
 constexpr FamilyRow<std::int32_t(int)> targetGetters[] = {
@@ -138,24 +116,14 @@ constexpr std::int32_t targetWithoutProductId = 16;
 
 // The switch.
 
-// A bridge register of two bytes; bit 15: automatic.
-constexpr std::uint32_t exposureModeRegister = 0x1700;
-constexpr std::uint32_t exposureModeLength = 2;
 constexpr std::uint32_t automatic4xx7 = 0x8000;
-
-std::uint32_t exposureMode4xx7(int deviceNumber) {
-  std::uint32_t mode = 0;
-  etLib2_RegRead_DevNum(static_cast<std::uint32_t>(deviceNumber), exposureModeRegister,
-                        exposureModeLength, &mode);
-  return mode;
-}
 
 // Unlike elsewhere, -1 switches to manual.
 void switchMode4xx7(int deviceNumber, std::int32_t mode) {
-  const std::uint32_t others = exposureMode4xx7(deviceNumber) & (automatic4xx7 - 1);
+  const std::uint32_t others =
+      readBridge(deviceNumber, bridge::exposureMode4xx7) & (automatic4xx7 - 1);
   const std::uint32_t wanted = others | (mode == automatic ? automatic4xx7 : 0);
-  etLib2_RegWrite_DevNum(static_cast<std::uint32_t>(deviceNumber), exposureModeRegister,
-                         exposureModeLength, &wanted);
+  writeBridge(deviceNumber, bridge::exposureMode4xx7, wanted);
 }
 
 void switchMode78(int deviceNumber, std::int32_t mode) {
@@ -193,7 +161,8 @@ void switchMode42(int deviceNumber, std::int32_t mode) {
 }
 
 std::int32_t getMode4xx7(int deviceNumber) {
-  return (exposureMode4xx7(deviceNumber) & automatic4xx7) != 0 ? automatic : manual;
+  const std::uint32_t bits = readBridge(deviceNumber, bridge::exposureMode4xx7);
+  return (bits & automatic4xx7) != 0 ? automatic : manual;
 }
 
 std::int32_t getMode78(int deviceNumber) {
@@ -205,7 +174,7 @@ std::int32_t getMode48(int deviceNumber) {
   return (ReadFrom88x(deviceNumber, sensor48::automaticExposure) & 1) != 0 ? automatic : manual;
 }
 
-// The sensor needs a moment after a switch until it tells of it.
+// The sensor needs a moment before it reports a switch.
 std::int32_t getMode42(int deviceNumber) {
   constexpr std::uint32_t pauseBeforeRead_ms = 50;
   platform::pause(pauseBeforeRead_ms);
@@ -228,45 +197,38 @@ constexpr FamilyRow<std::int32_t(int)> modeGetters[] = {
 }  // namespace
 
 void setAETarget(int deviceIndex, std::int32_t target) {
-  whileMeasuringRests([=] {
+  withoutMeasuring([=] {
     const int deviceNumber = nTmpIdx = deviceNumberOf(deviceIndex);
     selectProductId(deviceIndex);
     const auto* const row = rowFor(nPid, targetSetters);
-    if (row == nullptr) return;
+    if (row == nullptr) return false;
     row->run(deviceNumber, target);
-    bWait = row->measuringAfterwards;
+    return row->measuringAfterwards;
   });
 }
 
 std::int32_t getAETarget(int deviceIndex) {
-  return whileMeasuringRests([=]() -> std::int32_t {
+  const auto target = withoutMeasuring([=]() -> std::optional<std::int32_t> {
     const int deviceNumber = nTmpIdx = deviceNumberOf(deviceIndex);
     selectProductId(deviceIndex);
     if (nPid == 0) nPid = nCurrPid;
-    if (nPid == 0) return targetWithoutProductId;
-    const auto* const row = rowFor(nPid, targetGetters);
-    if (row == nullptr) return targetOfOtherFamilies;
-    const std::int32_t target = row->run(deviceNumber);
-    bWait = 1;
-    return target;
+    if (nPid == 0) return std::nullopt;
+    return runRowFor(nPid, targetGetters, deviceNumber);
   });
+  return target.value_or(nPid == 0 ? targetWithoutProductId : targetOfOtherFamilies);
 }
 
 void setAutoExposure(int deviceIndex, std::int32_t mode) {
-  whileMeasuringRests([=] {
+  withoutMeasuring([=] {
     selectProductId(deviceIndex);
-    const auto* const row = rowFor(nPid, modeSwitches);
-    if (row == nullptr) return;
-    row->run(deviceNumberOf(deviceIndex), mode);
-    bWait = 1;
+    return runRowFor(nPid, modeSwitches, deviceNumberOf(deviceIndex), mode);
   });
 }
 
-// Alone among these, it lets the magnification timer go on.
+// The only one of these that leaves the magnification timer running.
 std::int32_t getAutoExposure(int deviceIndex) {
   selectProductId(deviceIndex);
-  const auto* const row = rowFor(nPid, modeGetters);
-  return row == nullptr ? manual : row->run(deviceNumberOf(deviceIndex));
+  return runRowFor(nPid, modeGetters, deviceNumberOf(deviceIndex)).value_or(manual);
 }
 
 }  // namespace qvx

@@ -16,7 +16,7 @@ inline int productIdFor(int deviceIndex) {
   return isWifiDevice(deviceIndex) ? nCurrPid : productIdOf(deviceIndex);
 }
 
-// Makes it the current camera's product id.
+// Makes that the product id of the current camera.
 inline void selectProductId(int deviceIndex) {
   nPid = productIdFor(deviceIndex);
 }

@@ -1,18 +1,13 @@
 #include "controls/exposure.h"
 
 #include <algorithm>
-#include <array>
 
 #include "controls/device_selection.h"
 #include "controls/family_rows.h"
-#include "controls/measuring.h"
-#include "controls/sensor_registers.h"
-#include "etlib2/bytes.h"
-#include "etlib2/etLib2.h"
-#include "models/families.h"
-#include "state/device_state.h"
+#include "transport/camera_bus.h"
 #include "transport/controller.h"
 #include "transport/sensor.h"
+#include "transport/sensor_registers.h"
 
 namespace qvx {
 
@@ -33,26 +28,11 @@ int linesFor(int shutter) {
                           0.3);
 }
 
-void write34(int deviceNumber, std::uint16_t reg, int value) {
-  auto address = highByteFirst(reg);
-  const auto data = static_cast<std::uint8_t>(value);
-  etLib2_I2cWrite_DevNum(static_cast<std::uint32_t>(deviceNumber), sensor34::slave, address.size(),
-                         address.data(), 1, &data);
-}
-
-int read34(int deviceNumber, std::uint16_t reg) {
-  auto address = highByteFirst(reg);
-  std::uint8_t data = 0;
-  etLib2_I2cRead_DevNum(static_cast<std::uint32_t>(deviceNumber), sensor34::slave, address.size(),
-                        address.data(), 1, &data);
-  return data;
-}
-
 void writeFrame34(int deviceNumber, int linesHigh, int linesLow, int shutter) {
-  write34(deviceNumber, sensor34::frameLinesHigh, linesHigh);
-  write34(deviceNumber, sensor34::frameLinesLow, linesLow);
-  write34(deviceNumber, sensor34::shutterHigh, shutter / 256);
-  write34(deviceNumber, sensor34::shutterLow, shutter % 256);
+  writeSensor34(deviceNumber, sensor34::frameLinesHigh, linesHigh);
+  writeSensor34(deviceNumber, sensor34::frameLinesLow, linesLow);
+  writeSensor34(deviceNumber, sensor34::shutterHigh, shutter / 256);
+  writeSensor34(deviceNumber, sensor34::shutterLow, shutter % 256);
 }
 
 void setExposure34(int deviceNumber, std::int32_t value) {
@@ -60,16 +40,16 @@ void setExposure34(int deviceNumber, std::int32_t value) {
   if (lines < frameLines) {
     return writeFrame34(deviceNumber, frameLines / 256, frameLines % 256, shutterFor(lines));
   }
-  // A longer exposure makes the frame longer, by the value as it came.
+  // A longer exposure lengthens the frame, to the value as it was passed.
   writeFrame34(deviceNumber, value / 256, value % 256, 0);
 }
 
 std::int32_t getExposure34(int deviceNumber) {
-  etLib2_SelectI2cBus_DevNum(static_cast<std::uint32_t>(deviceNumber), cameraBus, 0);
-  const int frameHigh = read34(deviceNumber, sensor34::frameLinesHigh);
-  const int frame = frameHigh * 256 + read34(deviceNumber, sensor34::frameLinesLow);
-  const int shutterHigh = read34(deviceNumber, sensor34::shutterHigh);
-  const int shutter = shutterHigh * 256 + read34(deviceNumber, sensor34::shutterLow);
+  selectCameraBus(deviceNumber);
+  const int frameHigh = readSensor34(deviceNumber, sensor34::frameLinesHigh);
+  const int frame = frameHigh * 256 + readSensor34(deviceNumber, sensor34::frameLinesLow);
+  const int shutterHigh = readSensor34(deviceNumber, sensor34::shutterHigh);
+  const int shutter = shutterHigh * 256 + readSensor34(deviceNumber, sensor34::shutterLow);
   return frame <= frameLines ? linesFor(shutter) : frame;
 }
 
@@ -134,9 +114,10 @@ std::int32_t getExposure42(int deviceNumber) {
 
 // The upper product ids of the 4xxx blocks take no exposure, and the sensor at 0x42 none at all.
 constexpr FamilyRow<void(int, std::int32_t)> setters[] = {
-    {within<0x9E0, 0x9EF>, setExposure34}, {within<0x870, 0x899>, setExposure48},
-    {within<0x910, 0x919>, setExposure48}, {within<0x9C0, 0x9CF>, setExposure48},
-    {isVK7xxxSeries, setExposure78},       {isVK7xxxR4Series, setExposure78},
+    {isVk4xx7Series, setExposure34},
+    {within<range(0x870, 0x899), range(0x910, 0x919), range(0x9C0, 0x9CF)>, setExposure48},
+    {isVK7xxxSeries, setExposure78},
+    {isVK7xxxR4Series, setExposure78},
     {isVK73xxxSeries, setExposure78},
 };
 
@@ -150,22 +131,16 @@ constexpr FamilyRow<std::int32_t(int)> getters[] = {
 }  // namespace
 
 void setExposureValue(int deviceIndex, std::int32_t value) {
-  whileMeasuringRests([=] {
-    const auto* const row = rowFor(productIdFor(deviceIndex), setters);
-    if (row == nullptr) return;
-    row->run(deviceNumberOf(deviceIndex), value);
-    bWait = 1;
+  withoutMeasuring([=] {
+    return runRowFor(productIdFor(deviceIndex), setters, deviceNumberOf(deviceIndex), value);
   });
 }
 
 std::int32_t getExposureValue(int deviceIndex) {
-  return whileMeasuringRests([=]() -> std::int32_t {
-    const auto* const row = rowFor(productIdFor(deviceIndex), getters);
-    if (row == nullptr) return 0;
-    const std::int32_t value = row->run(deviceNumberOf(deviceIndex));
-    bWait = 1;
-    return value;
-  });
+  return withoutMeasuring([=] {
+           return runRowFor(productIdFor(deviceIndex), getters, deviceNumberOf(deviceIndex));
+         })
+      .value_or(0);
 }
 
 }  // namespace qvx

@@ -1,5 +1,5 @@
-// Exposure time, automatic exposure and mains flicker. Each operation is made the way the device's
-// family has it; a family that has none is left alone. Device indexes -1 and 90 are the Wi-Fi
+// Exposure time, automatic exposure and mains flicker. Each operation follows the family of the
+// device, and does nothing for a family that lacks it. Device indexes -1 and 90 are the Wi-Fi
 // camera.
 #pragma once
 

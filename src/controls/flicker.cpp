@@ -1,9 +1,9 @@
 #include "controls/device_selection.h"
 #include "controls/exposure.h"
 #include "controls/family_rows.h"
-#include "controls/sensor_registers.h"
 #include "controls/video_proc_amp.h"
 #include "transport/sensor.h"
+#include "transport/sensor_registers.h"
 
 namespace qvx {
 
@@ -57,18 +57,18 @@ void setFlicker4xx7(int /*deviceNumber*/, std::int32_t mode) {
 }
 
 constexpr FamilyRow<void(int, std::int32_t)> setters[] = {
-    {within<0x9E0, 0x9EF>, setFlicker4xx7}, {within<0x900, 0x909>, setFlicker78},
-    {within<0x920, 0x94F>, setFlicker78},   {within<0x960, 0x99F>, setFlicker78},
-    {within<0x9B0, 0x9BF>, setFlicker78},   {within<0x870, 0x88F>, setFlicker48},
-    {within<0x910, 0x91F>, setFlicker48},   {within<0x9C0, 0x9CF>, setFlicker48},
-    {within<0x9A0, 0x9AF>, setFlicker42},   {within<0x9D0, 0x9DF>, setFlicker42},
+    {isVk4xx7Series, setFlicker4xx7},
+    {within<range(0x900, 0x909), range(0x920, 0x94F), range(0x960, 0x99F)>, setFlicker78},
+    {isVK73xxxSeries, setFlicker78},
+    {within<range(0x870, 0x88F), range(0x910, 0x91F), range(0x9C0, 0x9CF)>, setFlicker48},
+    {isVK3xxxR4Series, setFlicker42},
+    {isVR3xxxSeries, setFlicker42},
 };
 
 }  // namespace
 
 void setFlicker(int deviceIndex, std::int32_t mode) {
-  const auto* const row = rowFor(nPid, setters);
-  if (row != nullptr) row->run(deviceNumberOf(deviceIndex), mode);
+  runRowFor(nPid, setters, deviceNumberOf(deviceIndex), mode);
 }
 
 }  // namespace qvx

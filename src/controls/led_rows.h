@@ -18,7 +18,7 @@ enum : std::int32_t { lightingController = 0x01, aimingLight = 0x10 };
 
 using LedTest = bool (*)(const LedCamera& camera);
 
-// In any of the families, asked from the first to the first that has it: some ask on the wire.
+// In any of the families. They are asked in turn up to the first that fits: some ask on the wire.
 template <Family... families>
 bool in(const LedCamera& camera) {
   return ((families(camera.pid) != 0) || ...);
@@ -43,13 +43,7 @@ inline bool anyCamera(const LedCamera& /*camera*/) {
   return true;
 }
 
-// Null for a camera of no row.
-template <class Row, std::size_t count>
-const Row* ledRowFor(const LedCamera& camera, const Row (&rows)[count]) {
-  for (const Row& row : rows) {
-    if (row.test(camera)) return &row;
-  }
-  return nullptr;
-}
+// The LED states of the Wi-Fi camera: some are on its lighting controller, some on its pins.
+void setWifiLeds(int deviceIndex, int state, const LedCamera& camera);
 
 }  // namespace qvx

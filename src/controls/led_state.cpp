@@ -8,22 +8,16 @@
 #include "controls/feature_word.h"
 #include "controls/led_rows.h"
 #include "controls/lighting.h"
-#include "controls/wifi_led_state.h"
-#include "etlib2/etLib2.h"
-#include "models/families.h"
 #include "platform/timers.h"
-#include "state/device_state.h"
+#include "transport/bridge_chip.h"
+#include "transport/camera_bus.h"
 #include "transport/controller.h"
 
 namespace qvx {
 
 namespace {
 
-constexpr std::uint32_t bridgeLights = 0x80;  // a bridge register
-constexpr std::uint32_t dimmableQuadrants = 4;
 constexpr std::int32_t quadrantRingOn = 31, plainRingOn = 6;
-
-enum ControllerRegister : std::uint8_t { features = 0x80, lightingKind = 0x83, board = 0x84 };
 
 struct Step {
   enum Act : std::uint8_t {
@@ -41,6 +35,11 @@ struct Step {
   std::uint8_t target = 0, value = 0;
 };
 
+// The tables below are long, and their steps are short:
+//   S(register, value)  a controller register (3 is lightLevel, 4 lightSwitch)
+//   R80(value)          the bridge's lights register, 0x80
+//   Switch, Level, AXI  a lighting command
+//   p, P                a pause of 50 ms, of 100 ms
 consteval Step S(std::uint8_t reg, std::uint8_t value) {
   return {Step::setRegister, reg, value};
 }
@@ -56,17 +55,14 @@ consteval Step Level(std::uint8_t level) {
 consteval Step AXI(std::uint8_t level) {
   return {Step::setAxial, 0, level};
 }
-consteval Step read(ControllerRegister reg) {
-  return {Step::readRegister, reg, 0};
-}
-consteval Step command(SegmentFunction function) {
-  return {Step::command, 0, static_cast<std::uint8_t>(function)};
-}
-constexpr Step ringCommand = command(SegmentFunction::ring);
-constexpr Step powerCommand = command(SegmentFunction::power);
+constexpr Step ringCommand{Step::command, 0, static_cast<std::uint8_t>(SegmentFunction::ring)};
+constexpr Step powerCommand{Step::command, 0, static_cast<std::uint8_t>(SegmentFunction::power)};
 constexpr Step segmentMode{Step::enterSegmentMode};
 constexpr Step ringLevel{Step::setRingLevel};
-constexpr Step p{Step::pause, 0, 50}, P{Step::pause, 0, 100};  // milliseconds
+constexpr Step p{Step::pause, 0, 50}, P{Step::pause, 0, 100};
+constexpr Step readFeatures{Step::readRegister, controller::features};
+constexpr Step readKind{Step::readRegister, controller::lightingKind};
+constexpr Step readBoard{Step::readRegister, controller::lightingBoard};
 
 using Steps = std::initializer_list<Step>;
 
@@ -113,13 +109,13 @@ constexpr Pattern offPatterns73xxx[] = {
 enum class Values : std::uint8_t { fresh, cached };
 
 struct Row {
-  LedTest test;
+  LedTest belongs;
   Steps steps;
   std::span<const Pattern> patterns{};
   Values values = Values::cached;
 };
 
-constexpr LedTest is4xx7 = in<within<0x9E0, 0x9EF>>;
+constexpr LedTest is4xx7 = in<isVk4xx7Series>;
 constexpr LedTest is4xx7WithAim = both<is4xx7, has<led_feature::aimingLight>>;
 constexpr LedTest hasMainLightOnPins =
     in<isVK4xxx_2Series, isVR3xxx_2Series, isVR4xxx_2Series, isVK3xxxR4Series>;
@@ -133,7 +129,7 @@ constexpr Row offRows[] = {
     {is4xx7WithAim, {Switch(16), p, Level(6), p, Switch(48), p}},
     {is4xx7, {Switch(16), p, Level(6), p}},
     {in<isVK73xxxSeries>,
-     {read(features), P, Switch(16), P, Level(6), P},
+     {readFeatures, P, Switch(16), P, Level(6), P},
      offPatterns73xxx,
      Values::fresh},
 };
@@ -145,11 +141,9 @@ constexpr Row onRows[] = {
     {in<isVK7xxx_3Series>, {ringCommand, powerCommand, Switch(15), p, Level(6), p, AXI(0), p}},
     {in<isVK7xxxR4_2Series>, {R80(0xF4)}},
     {in<isVK7xxxR4_3Series>, {R80(0xF1)}},
-    {is4xx7WithAim, {read(lightingKind), Switch(15), p, ringLevel, p, Switch(48), p}},
-    {is4xx7, {read(features), p, read(board), p, read(lightingKind), p}, onPatterns4xx7},
-    {in<isVK73xxxSeries>,
-     {read(features), P, read(board), P, read(lightingKind), P},
-     onPatterns73xxx},
+    {is4xx7WithAim, {readKind, Switch(15), p, ringLevel, p, Switch(48), p}},
+    {is4xx7, {readFeatures, p, readBoard, p, readKind, p}, onPatterns4xx7},
+    {in<isVK73xxxSeries>, {readFeatures, P, readBoard, P, readKind, P}, onPatterns73xxx},
 };
 
 constexpr Row alternativeRows[] = {
@@ -157,16 +151,16 @@ constexpr Row alternativeRows[] = {
     {in<isVK7xxx_3Series>, {ringCommand, powerCommand, Switch(16), AXI(13)}},
     {in<isVK7xxxR4_3Series>, {R80(0xF4)}},
     {is4xx7WithAim, {Switch(16), p, Switch(40), p}},
-    {is4xx7, {read(features), read(lightingKind), read(board)}, alternativePatterns4xx7},
+    {is4xx7, {readFeatures, readKind, readBoard}, alternativePatterns4xx7},
     {in<isVK73xxxSeries>,
-     {read(features), p, read(lightingKind), p, read(board), p},
+     {readFeatures, p, readKind, p, readBoard, p},
      alternativePatterns73xxx,
      Values::fresh},
 };
 
 // Cameras whose lighting board is told by register 0x84 go by their own table first.
 struct BoardRow {
-  LedTest test;
+  LedTest belongs;
   std::uint32_t board;
   std::array<Steps, 3> steps;  // by state
 };
@@ -177,7 +171,7 @@ constexpr BoardRow boardRows[] = {
      {{{S(4, 16), p, S(4, 32), p},
        {S(4, 16), p, S(4, 15), p, S(3, 6), p, S(4, 32), p},
        {S(4, 16), p, S(4, 32), p, S(4, 24), p, S(3, 38), p, S(4, 16), p}}}},
-    {in<within<0x970, 0x97F>>,
+    {in<within<range(0x970, 0x97F)>>,
      255,
      {{{S(4, 16), p, S(3, 7), p},
        {S(3, 7), p, S(4, 15), p, S(3, 6), p},
@@ -190,7 +184,7 @@ constexpr BoardRow boardRows[] = {
 };
 
 constexpr LedTest tellsItsBoard =
-    either<in<within<0x978, 0x97F>>, has<led_feature::lightingController>>;
+    either<in<within<range(0x978, 0x97F)>>, has<led_feature::lightingController>>;
 
 // Works through the steps for one USB camera.
 class UsbLeds {
@@ -203,12 +197,12 @@ class UsbLeds {
 
   template <std::size_t count>
   void run(const Row (&rows)[count]) {
-    const Row* const row = ledRowFor(camera_, rows);
+    const Row* const row = rowFor(camera_, rows);
     if (row == nullptr) return;
     run(row->steps);
     const bool cached = row->values == Values::cached;
-    const std::uint32_t value80 = cached ? ul80 : read_[features];
-    const std::uint32_t value84 = cached ? ul84 : read_[board];
+    const std::uint32_t value80 = cached ? ul80 : read_[controller::features];
+    const std::uint32_t value84 = cached ? ul84 : read_[controller::lightingBoard];
     for (const Pattern& pattern : row->patterns) {
       const bool fits = (value80 & pattern.mask80) == pattern.value80 &&
                         (value84 & pattern.mask84) == pattern.value84;
@@ -220,7 +214,8 @@ class UsbLeds {
   void run(const Step& step);
   void enterSegmentMode() const;
   std::int32_t levelOfRing() const {
-    return read_[lightingKind] == dimmableQuadrants ? quadrantRingOn : plainRingOn;
+    return read_[controller::lightingKind] == controller::dimmableQuadrants ? quadrantRingOn
+                                                                            : plainRingOn;
   }
 
   int device_;
@@ -235,7 +230,7 @@ void UsbLeds::run(const Step& step) {
       WriteToSEG(device_, step.target, value);
       break;
     case Step::setBridge:
-      etLib2_RegWrite_DevNum(static_cast<std::uint32_t>(device_), bridgeLights, 1, &value);
+      writeBridge(device_, bridge::lights, value);
       break;
     case Step::command:
       sendSegmentCommand(device_, static_cast<SegmentFunction>(value));
@@ -273,7 +268,7 @@ void UsbLeds::enterSegmentMode() const {
 // The steps of the board that register 0x84 tells, null when the tables by state decide.
 const Steps* stepsOfBoard(const LedCamera& camera, std::size_t state) {
   for (const BoardRow& row : boardRows) {
-    if (ul84 == row.board && row.test(camera)) {
+    if (ul84 == row.board && row.belongs(camera)) {
       return state < row.steps.size() ? &row.steps[state] : nullptr;
     }
   }
@@ -284,13 +279,11 @@ void setUsbLeds(int device, int state, std::int32_t features) {
   nTmpIdx = device;
   nPid = productIdOf(device);
   const LedCamera camera = {nPid, features};
-  if (!isVK73xxxSeries(nPid)) {
-    etLib2_SelectI2cBus_DevNum(static_cast<std::uint32_t>(device), cameraBus, 0);
-  }
+  if (!isVK73xxxSeries(nPid)) selectCameraBus(device);
   UsbLeds leds(device, camera);
   leds.run(Steps{p});
   if (tellsItsBoard(camera)) {
-    ul84 = ReadFromPIC(device, board);
+    ul84 = ReadFromPIC(device, controller::lightingBoard);
     const Steps* const steps = stepsOfBoard(camera, static_cast<std::size_t>(state));
     if (steps != nullptr) return leds.run(*steps);
   }

@@ -4,86 +4,66 @@
 #include <optional>
 #include <span>
 
+#include "base/single_precision.h"
+#include "base/truncation.h"
 #include "controls/device_selection.h"
+#include "controls/family_rows.h"
 #include "controls/magnification.h"
-#include "controls/single_precision.h"
-#include "controls/truncation.h"
-#include "etlib2/bytes.h"
-#include "etlib2/etLib2.h"
-#include "models/families.h"
-#include "platform/timers.h"
-#include "state/device_state.h"
 #include "transport/controller.h"
-#include "transport/usb3.h"
-#include "transport/wifi.h"
+#include "transport/lens_driver.h"
 
 namespace qvx {
 
 namespace {
 
-enum Slave : std::uint8_t { voiceCoil = 0x18, lensController = 0x46 };
-
-enum ControllerRegister : std::uint8_t {
-  noZero = 0x00,  // what is read for a zero position on models without one
-  directionSwitch = 0x08,
-  zeroAt40 = 0x40,
-  zeroAt50 = 0x50,
-  fineOffsetBackward = 0x5E,
-  fineOffsetForward = 0x5F,
-  opticsKind = 0xC0,
-  wideRange = 0xC2,
-  driverKind = 0xCA,
-};
-
-enum Direction : std::uint8_t { forward = 1, backward = 2 };
 enum DriverKind : std::uint32_t { anyDriver = 0, positionDriver = 1, voiceCoilDriver = 2 };
 enum class Width : std::uint8_t { any, wide };
 
 constexpr std::uint8_t targetRegister = 0;  // of the lens controller
-constexpr std::uint32_t notCalibrated = 255;
 constexpr std::uint32_t isWide = 1;
-constexpr std::uint32_t pauseAfterDirection_ms = 50;
 
 constexpr LensRange wideLens{-27, 71}, narrowLens{-15, 44}, coilLens{-48, 48};
 constexpr LensRange fineLens{-1023, 1023}, noFineLens{-1, -1};
 
 struct RangeRow {
-  int first, last;  // product ids
+  Family family;
   DriverKind driver;
   Width width;
   LensRange range;
 };
 
+constexpr Family is99xOr9Cx = within<range(0x990, 0x99F), range(0x9C0, 0x9CF)>;
+constexpr Family is91x = within<range(0x910, 0x91F)>;
+constexpr Family is98x = within<range(0x980, 0x98F)>;
+constexpr Family is73xxxBut9BF = within<range(0x9B0, 0x9BE)>;
+
 // The first row that matches decides, narrowLens without one. Moving and asking differ at 0x9BF.
 constexpr RangeRow movingRanges[] = {
-    {0x990, 0x99F, positionDriver, Width::any, wideLens},
-    {0x9C0, 0x9CF, positionDriver, Width::any, wideLens},
-    {0x9E0, 0x9EF, positionDriver, Width::any, wideLens},
-    {0x910, 0x91F, anyDriver, Width::any, wideLens},
-    {0x980, 0x98F, anyDriver, Width::wide, wideLens},
-    {0x9B0, 0x9BF, voiceCoilDriver, Width::any, coilLens},
-    {0x9E0, 0x9EF, voiceCoilDriver, Width::any, coilLens},
-    {0x9B0, 0x9BE, anyDriver, Width::any, wideLens},
+    {is99xOr9Cx, positionDriver, Width::any, wideLens},
+    {isVk4xx7Series, positionDriver, Width::any, wideLens},
+    {is91x, anyDriver, Width::any, wideLens},
+    {is98x, anyDriver, Width::wide, wideLens},
+    {isVK73xxxSeries, voiceCoilDriver, Width::any, coilLens},
+    {isVk4xx7Series, voiceCoilDriver, Width::any, coilLens},
+    {is73xxxBut9BF, anyDriver, Width::any, wideLens},
 };
 constexpr RangeRow askedRanges[] = {
-    {0x990, 0x99F, positionDriver, Width::any, wideLens},
-    {0x9C0, 0x9CF, positionDriver, Width::any, wideLens},
-    {0x9B0, 0x9BF, positionDriver, Width::any, wideLens},
-    {0x9B0, 0x9BF, voiceCoilDriver, Width::any, coilLens},
-    {0x9E0, 0x9EF, positionDriver, Width::any, wideLens},
-    {0x9E0, 0x9EF, voiceCoilDriver, Width::any, coilLens},
-    {0x910, 0x91F, anyDriver, Width::any, wideLens},
-    {0x980, 0x98F, anyDriver, Width::wide, wideLens},
-    {0x9B0, 0x9BE, anyDriver, Width::any, wideLens},
+    {is99xOr9Cx, positionDriver, Width::any, wideLens},
+    {isVK73xxxSeries, positionDriver, Width::any, wideLens},
+    {isVK73xxxSeries, voiceCoilDriver, Width::any, coilLens},
+    {isVk4xx7Series, positionDriver, Width::any, wideLens},
+    {isVk4xx7Series, voiceCoilDriver, Width::any, coilLens},
+    {is91x, anyDriver, Width::any, wideLens},
+    {is98x, anyDriver, Width::wide, wideLens},
+    {is73xxxBut9BF, anyDriver, Width::any, wideLens},
 };
 
 constexpr struct {
-  int first, last;
-  ControllerRegister reg;
+  Family belongs;
+  controller::Register reg;
 } zeroRegisters[] = {
-    {0x990, 0x99F, zeroAt50}, {0x9B0, 0x9BF, zeroAt50}, {0x9C0, 0x9CF, zeroAt50},
-    {0x9E0, 0x9EF, zeroAt50}, {0x910, 0x919, zeroAt40}, {0x940, 0x949, zeroAt40},
-    {0x980, 0x98F, zeroAt40},
+    {isEdof50, controller::lensZero50},
+    {within<range(0x910, 0x919), range(0x940, 0x949), range(0x980, 0x98F)>, controller::lensZero40},
 };
 
 // Steps of the voice coil per unit of position, by the kind of optics and the magnification.
@@ -98,7 +78,7 @@ constexpr struct {
 };
 constexpr std::int32_t stepsPerUnitOverUsb3 = 21;
 
-// Camera data and positions come as they like: sums and products wrap.
+// Neither camera data nor positions are limited: sums and products wrap.
 std::int32_t wrappedSum(std::int32_t a, std::int32_t b) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
 }
@@ -115,7 +95,7 @@ bool isWifi(int deviceIndex) {
   return deviceIndex == wifiDeviceIndex;
 }
 
-std::uint32_t read(int deviceIndex, ControllerRegister reg) {
+std::uint32_t read(int deviceIndex, controller::Register reg) {
   return ReadFromPIC(deviceIndex, reg);
 }
 
@@ -125,61 +105,18 @@ int selectCamera(int deviceIndex) {
   return isWifiDevice(deviceIndex) ? wifiDeviceIndex : deviceIndex;
 }
 
-// To the limits, an index below -1 is the Wi-Fi camera, too.
+// For the limits, every negative index is the Wi-Fi camera.
 int selectCameraOfLimits(int deviceIndex) {
   return selectCamera(deviceIndex < 0 ? wifiDeviceIndex : deviceIndex);
 }
-
-struct CoilMove {
-  Direction direction;
-  std::int32_t steps;
-
-  std::uint8_t firstByte() const { return lowByte(steps / 16); }
-  std::uint8_t secondByte() const { return lowByte(steps % 16 * 16 + 1); }
-};
 
 // Below zero is backward.
 CoilMove coilMove(std::int32_t steps) {
   return {steps < 0 ? backward : forward, magnitude(steps)};
 }
 
-void sendCoilMoveOverUsb3(const CoilMove& move) {
-  constexpr auto selector = Usb3Selector::lensDriver;
-  sendUsb3(selector, {controllerAddress, directionSwitch, move.direction});
-  platform::pause(pauseAfterDirection_ms);
-  sendUsb3(selector, {voiceCoil, move.firstByte(), move.secondByte()});
-}
-
-void sendPositionOverUsb3(std::int32_t position) {
-  sendUsb3(Usb3Selector::lensPosition, {lensController, lowByte(position)});
-}
-
-void writeOnBridge(int deviceIndex, std::uint8_t slave, std::uint8_t reg, std::uint8_t value) {
-  etLib2_I2cWrite_DevNum(static_cast<std::uint32_t>(deviceIndex), slave, 1, &reg, 1, &value);
-}
-
-// Only the fine position gives the direction switch its time: the coarse one and the reset follow
-// at once, as the firmware of these models expects.
-void sendCoilMoveOverBridge(int deviceIndex, const CoilMove& move, std::uint32_t pause_ms) {
-  writeOnBridge(deviceIndex, controllerAddress, directionSwitch, move.direction);
-  if (pause_ms != 0) platform::pause(pause_ms);
-  writeOnBridge(deviceIndex, voiceCoil, move.firstByte(), move.secondByte());
-}
-
-// The lens controller behind a bridge has a single register and takes no address for it.
-void sendPositionOverBridge(int deviceIndex, std::int32_t position) {
-  const std::uint8_t value = lowByte(position);
-  etLib2_I2cWrite_DevNum(static_cast<std::uint32_t>(deviceIndex), lensController, 0, nullptr, 1,
-                         &value);
-}
-
-// The register is named, but of no length: on the camera's bus, too, the byte goes out without one.
-void sendPositionOverWifi(std::uint8_t reg, std::int32_t position) {
-  loadUrlwWininet(CMD_I2C_W(s_mainhttp, lensController, reg, 0, position, 1));
-}
-
-// The zero position under the number of the controller's own register.
-void sendZeroOverWifi(ControllerRegister reg, std::uint32_t zero) {
+// The zero position, sent to the number of the controller register that it was read from.
+void sendZeroOverWifi(controller::Register reg, std::uint32_t zero) {
   sendPositionOverWifi(reg, static_cast<std::int32_t>(zero));
 }
 
@@ -187,26 +124,23 @@ void sendZeroOverBridge(int deviceIndex, std::uint32_t zero) {
   sendPositionOverBridge(deviceIndex, static_cast<std::int32_t>(zero));
 }
 
-// The factory's fine adjustment of the coil: both registers, of which the forward one counts first.
-struct FineOffset {
-  std::uint32_t ahead, back;
-
-  std::optional<CoilMove> move() const {
-    if (ahead != notCalibrated) return CoilMove{forward, static_cast<std::int32_t>(2 * ahead)};
-    if (back != notCalibrated) return CoilMove{backward, static_cast<std::int32_t>(2 * back)};
-    return std::nullopt;
-  }
-};
+// The factory's fine adjustment of the coil, of whose two registers the forward one counts first.
+std::optional<CoilMove> fineOffset(std::uint32_t ahead, std::uint32_t back) {
+  using controller::notPresent;
+  if (ahead != notPresent) return CoilMove{forward, static_cast<std::int32_t>(2 * ahead)};
+  if (back != notPresent) return CoilMove{backward, static_cast<std::int32_t>(2 * back)};
+  return std::nullopt;
+}
 
 std::optional<CoilMove> readFineOffset(int deviceIndex) {
-  const std::uint32_t ahead = read(deviceIndex, fineOffsetForward);
-  return FineOffset{ahead, read(deviceIndex, fineOffsetBackward)}.move();
+  const std::uint32_t ahead = read(deviceIndex, controller::fineOffsetForward);
+  return fineOffset(ahead, read(deviceIndex, controller::fineOffsetBackward));
 }
 
 // Asking for the limits reads the two the other way round.
 std::optional<CoilMove> readFineOffsetForLimits(int deviceIndex) {
-  const std::uint32_t back = read(deviceIndex, fineOffsetBackward);
-  return FineOffset{read(deviceIndex, fineOffsetForward), back}.move();
+  const std::uint32_t back = read(deviceIndex, controller::fineOffsetBackward);
+  return fineOffset(read(deviceIndex, controller::fineOffsetForward), back);
 }
 
 std::int32_t signedSteps(const CoilMove& move) {
@@ -218,7 +152,7 @@ CoilMove readCoilZero(int deviceIndex) {
 }
 
 void resetUsb3Lens(int deviceIndex, std::uint32_t zero) {
-  if (read(deviceIndex, driverKind) != voiceCoilDriver) {
+  if (read(deviceIndex, controller::lensDriver) != voiceCoilDriver) {
     sendPositionOverUsb3(static_cast<std::int32_t>(zero));
   } else {
     sendCoilMoveOverUsb3(readCoilZero(deviceIndex));
@@ -227,7 +161,7 @@ void resetUsb3Lens(int deviceIndex, std::uint32_t zero) {
 
 LensRange rangeIn(std::span<const RangeRow> rows, std::uint32_t driver, std::uint32_t width) {
   for (const RangeRow& row : rows) {
-    if (nPid < row.first || nPid > row.last) continue;
+    if (!row.family(nPid)) continue;
     if (row.driver != anyDriver && row.driver != driver) continue;
     if (row.width == Width::wide && width != isWide) continue;
     return row.range;
@@ -239,11 +173,9 @@ std::int32_t cut(std::int32_t position, const LensRange& range) {
   return std::clamp(position, range.lower, range.upper);
 }
 
-ControllerRegister zeroRegister() {
-  for (const auto& row : zeroRegisters) {
-    if (nPid >= row.first && nPid <= row.last) return row.reg;
-  }
-  return noZero;
+controller::Register zeroRegister() {
+  const auto* const row = rowFor(nPid, zeroRegisters);
+  return row == nullptr ? controller::noZeroPosition : row->reg;
 }
 
 std::int32_t stepsPerUnit(std::uint32_t optics) {
@@ -253,7 +185,7 @@ std::int32_t stepsPerUnit(std::uint32_t optics) {
   return 0;
 }
 
-// The middle of the 8-bit range is where the coil rests. Below 0 counts as far above it.
+// The middle of the 8-bit range is where the coil rests. A target below 0 counts as above it.
 CoilMove coilMoveTo(std::int32_t target, std::uint32_t optics) {
   constexpr std::int32_t rest = 128;
   const bool isAbove = static_cast<std::uint32_t>(target) > static_cast<std::uint32_t>(rest);
@@ -267,21 +199,21 @@ CoilMove fineMove(std::int32_t position, const std::optional<CoilMove>& offset) 
   return coilMove(cut(steps, fineLens));
 }
 
-// What asking for limits does before it answers.
+// Asking for limits first brings the lens to its zero position.
 void restoreZero(int deviceIndex, std::uint32_t driver) {
   if (isEdof40(nPid)) {
-    const std::uint32_t zero = read(deviceIndex, zeroAt40);
-    if (isWifi(deviceIndex)) return sendZeroOverWifi(zeroAt40, zero);
+    const std::uint32_t zero = read(deviceIndex, controller::lensZero40);
+    if (isWifi(deviceIndex)) return sendZeroOverWifi(controller::lensZero40, zero);
     sendZeroOverBridge(deviceIndex, zero);
   } else if (isEdof50(nPid)) {
-    const std::uint32_t zero = read(deviceIndex, zeroAt50);
-    if (isWifi(deviceIndex)) return sendZeroOverWifi(zeroAt50, zero);
+    const std::uint32_t zero = read(deviceIndex, controller::lensZero50);
+    if (isWifi(deviceIndex)) return sendZeroOverWifi(controller::lensZero50, zero);
     if (driver != voiceCoilDriver) sendZeroOverBridge(deviceIndex, zero);
   }
 }
 
 bool hasFineRange(std::uint32_t driver) {
-  return driver == voiceCoilDriver && (isVk4xx7Series(nPid) || (nPid >= 0x9B0 && nPid <= 0x9BE));
+  return driver == voiceCoilDriver && (isVk4xx7Series(nPid) || is73xxxBut9BF(nPid));
 }
 
 LensRange shifted(const LensRange& range, std::int32_t steps) {
@@ -294,23 +226,23 @@ LensRange shifted(const LensRange& range, std::int32_t steps) {
 void resetLens(int deviceIndex) {
   const int device = selectCamera(deviceIndex);
   if (isEdof40(nPid)) {
-    const std::uint32_t zero = read(device, zeroAt40);
-    if (isWifi(device)) return sendZeroOverWifi(zeroAt40, zero);
+    const std::uint32_t zero = read(device, controller::lensZero40);
+    if (isWifi(device)) return sendZeroOverWifi(controller::lensZero40, zero);
     sendZeroOverBridge(device, zero);
   }
   if (!isEdof50(nPid)) return;
-  const std::uint32_t zero = read(device, zeroAt50);
+  const std::uint32_t zero = read(device, controller::lensZero50);
   if (isVK73xxxSeries(nPid)) return resetUsb3Lens(device, zero);
   if (isVk4xx7Series(nPid)) sendCoilMoveOverBridge(device, readCoilZero(device), 0);
-  if (isWifi(device)) return sendZeroOverWifi(zeroAt50, zero);
+  if (isWifi(device)) return sendZeroOverWifi(controller::lensZero50, zero);
   sendZeroOverBridge(device, zero);
 }
 
 void moveLens(int deviceIndex, std::int32_t position) {
   const int device = selectCamera(deviceIndex);
-  const std::uint32_t driver = read(device, driverKind);
-  const std::uint32_t width = read(device, wideRange);
-  const std::uint32_t optics = read(device, opticsKind);
+  const std::uint32_t driver = read(device, controller::lensDriver);
+  const std::uint32_t width = read(device, controller::wideLens);
+  const std::uint32_t optics = read(device, controller::opticsKind);
   position = cut(position, rangeIn(movingRanges, driver, width));
   const auto zero = static_cast<std::int32_t>(read(device, zeroRegister()));
   const std::int32_t target = wrappedSum(zero, position);
@@ -327,10 +259,10 @@ void moveLens(int deviceIndex, std::int32_t position) {
 
 void moveLensFine(int deviceIndex, std::int32_t position) {
   const int device = selectCamera(deviceIndex);
-  const std::uint32_t driver = read(device, driverKind);
+  const std::uint32_t driver = read(device, controller::lensDriver);
   // Read as before a coarse move; nothing here depends on these two.
-  read(device, wideRange);
-  read(device, opticsKind);
+  read(device, controller::wideLens);
+  read(device, controller::opticsKind);
   const std::optional<CoilMove> offset = readFineOffset(device);
   if (isWifi(device)) return;
   const CoilMove move = fineMove(cut(position, fineLens), offset);
@@ -342,16 +274,16 @@ void moveLensFine(int deviceIndex, std::int32_t position) {
 }
 
 LensRange lensLimits(int deviceIndex) {
-  // With the index as it came: of a negative one the bridge is asked, not the Wi-Fi camera.
-  const std::uint32_t driver = read(deviceIndex, driverKind);
-  const std::uint32_t width = read(deviceIndex, wideRange);
+  // With the index as passed: for a negative one the bridge is asked, not the Wi-Fi camera.
+  const std::uint32_t driver = read(deviceIndex, controller::lensDriver);
+  const std::uint32_t width = read(deviceIndex, controller::wideLens);
   restoreZero(selectCameraOfLimits(deviceIndex), driver);
   return rangeIn(askedRanges, driver, width);
 }
 
 LensRange fineLensLimits(int deviceIndex) {
-  const std::uint32_t driver = read(deviceIndex, driverKind);
-  read(deviceIndex, wideRange);
+  const std::uint32_t driver = read(deviceIndex, controller::lensDriver);
+  read(deviceIndex, controller::wideLens);
   const int device = selectCameraOfLimits(deviceIndex);
   restoreZero(device, driver);
   const std::optional<CoilMove> offset = readFineOffsetForLimits(device);

@@ -15,7 +15,8 @@ struct LensRange {
 void resetLens(int deviceIndex);
 
 // Coarse and fine position; each is cut to its range. The fine position exists on voice coils that
-// are not in a Wi-Fi camera; other lenses are sent to position 0, those of Wi-Fi cameras nowhere.
+// are not in a Wi-Fi camera; other lenses go to position 0, and those of Wi-Fi cameras stay where
+// they are.
 void moveLens(int deviceIndex, std::int32_t position);
 void moveLensFine(int deviceIndex, std::int32_t position);
 

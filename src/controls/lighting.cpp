@@ -2,23 +2,14 @@
 
 #include "controls/device_selection.h"
 #include "controls/family_rows.h"
-#include "etlib2/etLib2.h"
-#include "models/families.h"
 #include "platform/timers.h"
-#include "state/device_state.h"
+#include "transport/bridge_chip.h"
 #include "transport/controller.h"
-#include "transport/wifi.h"
+#include "transport/wifi_camera.h"
 
 namespace qvx {
 
 namespace {
-
-enum ControllerRegister : std::uint32_t {
-  levelRegister = 0x03,
-  switchRegister = 0x04,
-  quadrant1Level = 0x12,
-  lightingKind = 0x83,
-};
 
 enum SwitchValue : std::uint32_t {
   ringOff = 0x10,
@@ -36,17 +27,12 @@ enum LevelValue : std::uint32_t {
   aimDark = 76,
 };
 
-constexpr std::uint32_t dimmableQuadrants = 4;                      // in lightingKind
-constexpr std::uint32_t quadrantFull = 31, quadrantBelowFull = 30;  // as registers
+constexpr std::uint32_t quadrantFull = 31, quadrantBelowFull = 30;
 
-constexpr std::uint32_t bridgeLights = 0x80;  // a bridge register
+// How the lights' pins are set in segment mode, behind a bridge and on the Wi-Fi camera.
 constexpr std::uint32_t bridgeSegmentMode = 0xF5;
-
-constexpr int lightPort = 0, lightPins = 0x07;  // of the Wi-Fi camera
-constexpr int segmentPins = 6, segmentPinsOf9C0 = 5;
-
-constexpr std::uint8_t bodyCommand = 0xF0;
-using CommandBuffer = std::array<std::uint8_t, 40>;  // function, 1 to switch on, then zeros
+constexpr int allLightPins = 0x07, segmentPins = 6, segmentPinsOf9C0 = 5;
+constexpr Family segmentsOnPins = within<range(0x9C0, 0x9C7)>;
 
 constexpr std::int32_t countLimit = 10000;
 constexpr std::uint32_t pauseAfterWrite_ms = 50;
@@ -86,17 +72,17 @@ int anyModel(int /*pid*/) {
 }
 
 void setSwitchedAxial(int device, std::int32_t level) {
-  if (level > 0) write(device, switchRegister, axialOn);
-  if (level == 0) write(device, switchRegister, axialOff);
+  if (level > 0) write(device, controller::lightSwitch, axialOn);
+  if (level == 0) write(device, controller::lightSwitch, axialOff);
   pause();
-  write(device, levelRegister, static_cast<std::uint32_t>(level) + switchedAxialDark);
+  write(device, controller::lightLevel, static_cast<std::uint32_t>(level) + switchedAxialDark);
   pause();
 }
 
 void setAxial(int device, std::int32_t level) {
-  if (level > 0) write(device, levelRegister, axialFull);
+  if (level > 0) write(device, controller::lightLevel, axialFull);
   pause();
-  write(device, levelRegister, static_cast<std::uint32_t>(level) + axialDark);
+  write(device, controller::lightLevel, static_cast<std::uint32_t>(level) + axialDark);
   pause();
 }
 
@@ -107,43 +93,42 @@ void setAxialOfSegments(int device, std::int32_t level) {
 }
 
 void setSwitchedAim(int device, std::int32_t level) {
-  if (level > 0) write(device, switchRegister, aimOn);
-  if (level == 0) write(device, switchRegister, aimOff);
+  if (level > 0) write(device, controller::lightSwitch, aimOn);
+  if (level == 0) write(device, controller::lightSwitch, aimOff);
   pause();
-  write(device, levelRegister, aimDark - static_cast<std::uint32_t>(level));
+  write(device, controller::lightLevel, aimDark - static_cast<std::uint32_t>(level));
   pause();
 }
 
 // These cameras have no aiming light: the axial light stands in for it.
 void setAimOfSegments(int device, std::int32_t level) {
   enterSegmentModeOnce(device);
-  write(device, levelRegister, static_cast<std::uint32_t>(level) + axialDark);
+  write(device, controller::lightLevel, static_cast<std::uint32_t>(level) + axialDark);
   pause();
 }
 
 using LightRow = FamilyRow<void(int device, std::int32_t level)>;
 
 constexpr LightRow axialRows[] = {
-    {within<0x9C0, 0x9C7>, setSwitchedAxial},
-    {within<0x9E0, 0x9EF>, setSwitchedAxial},
+    {segmentsOnPins, setSwitchedAxial},
+    {isVk4xx7Series, setSwitchedAxial},
     {isVK73xxxSeries, setAxial},
-    {within<0x960, 0x99F>, setAxialOfSegments},
+    {isVK7xxxSeries, setAxialOfSegments},
     {anyModel, setAxial},
 };
 
 constexpr LightRow aimRows[] = {
-    {within<0x9C0, 0x9C7>, setSwitchedAim},
-    {within<0x9E0, 0x9EF>, setSwitchedAim},
+    {segmentsOnPins, setSwitchedAim},
+    {isVk4xx7Series, setSwitchedAim},
     {isVK73xxxSeries, setSwitchedAim},
-    {within<0x960, 0x99F>, setAimOfSegments},
+    {isVK7xxxSeries, setAimOfSegments},
 };
 
 template <std::size_t count>
 void setLight(const LightRow (&rows)[count], int deviceIndex, std::int32_t level) {
   const int device = deviceNumberOf(deviceIndex);
   selectModel(device);
-  const LightRow* const row = rowFor(nPid, rows);
-  if (row != nullptr) row->run(device, level);
+  runRowFor(nPid, rows, device, level);
   countCommand(device);
 }
 
@@ -152,7 +137,7 @@ void setLight(const LightRow (&rows)[count], int deviceIndex, std::int32_t level
 void setSegSwitch(int deviceIndex, std::int32_t value) {
   const int device = deviceNumberOf(deviceIndex);
   enterSegmentModeOnce(device);
-  write(device, switchRegister, static_cast<std::uint32_t>(value));
+  write(device, controller::lightSwitch, static_cast<std::uint32_t>(value));
   pause();
   countCommand(device);
 }
@@ -160,20 +145,20 @@ void setSegSwitch(int deviceIndex, std::int32_t value) {
 void setSegLevel(int deviceIndex, std::int32_t level) {
   const int device = deviceNumberOf(deviceIndex);
   enterSegmentModeOnce(device);
-  if (level == 0) write(device, switchRegister, ringOff);
+  if (level == 0) write(device, controller::lightSwitch, ringOff);
   pause();
-  write(device, levelRegister, static_cast<std::uint32_t>(level));
+  write(device, controller::lightLevel, static_cast<std::uint32_t>(level));
   pause();
   countCommand(device);
 }
 
-// The index goes to both as it is: -1 writes to the Wi-Fi camera but does not read from it.
+// The index is passed on unchanged: -1 writes to the Wi-Fi camera but does not read from it.
 void setSegQuadrant(int deviceIndex, std::int32_t quadrant, std::int32_t level) {
-  if (ReadFromPIC(deviceIndex, lightingKind) != dimmableQuadrants) return;
+  if (ReadFromPIC(deviceIndex, controller::lightingKind) != controller::dimmableQuadrants) return;
   if (quadrant < 0 || quadrant > 4) return;
-  std::uint32_t reg = levelRegister;
+  std::uint32_t reg = controller::lightLevel;
   if (quadrant != 0) {
-    reg = quadrant1Level + static_cast<std::uint32_t>(quadrant) - 1;
+    reg = controller::quadrant1Level + static_cast<std::uint32_t>(quadrant) - 1;
     // A quadrant leaves full by one step before it takes a new level.
     if (ReadFromPIC(deviceIndex, reg) == quadrantFull) {
       write(deviceIndex, reg, quadrantBelowFull);
@@ -195,40 +180,20 @@ void setAimpointLevel(int deviceIndex, std::int32_t level) {
 void LedCtrlUVC5640_SegSet(int deviceIndex) {
   const int device = deviceNumberOf(deviceIndex);
   selectModel(device);
-  const bool by9C0 = within<0x9C0, 0x9C7>(nPid) != 0;
   if (device == wifiDeviceIndex) {
-    loadUrlwWininet(
-        CMD_GPIO_W(s_mainhttp, lightPort, lightPins, by9C0 ? segmentPinsOf9C0 : segmentPins));
-  } else if (by9C0) {
-    // Of the current device, as its model: the other ways address the device they are given.
-    etLib2_RegWrite_DevNum(static_cast<std::uint32_t>(VideoDeviceIndex), bridgeLights, 1,
-                           &bridgeSegmentMode);
+    setLightPins(allLightPins, segmentsOnPins(nPid) ? segmentPinsOf9C0 : segmentPins);
+  } else if (segmentsOnPins(nPid)) {
+    // On the current device, whose model decided; the other ways write to the device they are
+    // given.
+    writeBridge(VideoDeviceIndex, bridge::lights, bridgeSegmentMode);
   } else if (!isVK73xxxSeries(nPid)) {
     sendSegmentCommand(device, SegmentFunction::ring);
     sendSegmentCommand(device, SegmentFunction::power);
   }
 }
 
-void sendSegmentCommand(int device, SegmentFunction function) {
-  const CommandBuffer block = {static_cast<std::uint8_t>(function), 1};
-  etLib2_Custom_CMD_Write(static_cast<std::uint32_t>(device), bodyCommand, block.size(),
-                          block.data());
-}
-
 bool isSEGMode() {
-  if (!within<0x960, 0x99F>(nPid)) return false;
-  CommandBuffer block{};
-  // The second question goes out with the first answer still in the block, as the firmware is used
-  // to it.
-  const auto isOn = [&block](SegmentFunction function) {
-    block[0] = static_cast<std::uint8_t>(function);
-    etLib2_Custom_CMD_Read(static_cast<std::uint32_t>(VideoDeviceIndex), bodyCommand, block.size(),
-                           block.data());
-    return block[2] == 1 || block[1] == 1;
-  };
-  const bool ringOn = isOn(SegmentFunction::ring);
-  const bool powerOn = isOn(SegmentFunction::power);
-  return ringOn && powerOn;
+  return isVK7xxxSeries(nPid) && saysSegmentMode(VideoDeviceIndex);
 }
 
 }  // namespace qvx

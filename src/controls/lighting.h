@@ -1,6 +1,6 @@
 // The lights of the lighting controller: the segmented ring, the axial light and the aiming light.
-// Levels and switch values go out as they come: USB cameras get their low byte, Wi-Fi cameras the
-// whole number.
+// Levels and switch values are not checked: USB cameras get their low byte, Wi-Fi cameras the whole
+// number.
 #pragma once
 
 #include <array>
@@ -20,22 +20,16 @@ void setSegLevel(int deviceIndex, std::int32_t level);
 // Sets the level of the ring (quadrant 0) or of one quadrant (1 to 4), on rings that have them.
 void setSegQuadrant(int deviceIndex, std::int32_t quadrant, std::int32_t level);
 
-// Both take the model of the current device, whichever device they write to.
+// Both go by the model of the current device, whichever device they write to.
 void setAxialLevel(int deviceIndex, std::int32_t level);
 void setAimpointLevel(int deviceIndex, std::int32_t level);
 
 // Puts a camera's lights into segment mode. The first of the commands above does so by itself.
-// Takes the model of the current device, too.
+// Goes by the model of the current device, too.
 void LedCtrlUVC5640_SegSet(int deviceIndex);
 
 // Whether the current camera says that its lights are in segment mode; cameras other than
-// 0x960 to 0x99F are not asked and are not.
+// 0x960 to 0x99F are not asked, and count as no.
 bool isSEGMode();
-
-// The two functions of the firmware that make up segment mode.
-enum class SegmentFunction : std::uint8_t { ring = 0xF2, power = 0xF3 };
-
-// Switches one of them on.
-void sendSegmentCommand(int device, SegmentFunction function);
 
 }  // namespace qvx

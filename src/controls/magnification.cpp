@@ -5,25 +5,18 @@
 #include <cmath>
 
 #include "controls/device_selection.h"
-#include "controls/single_precision.h"
+#include "base/single_precision.h"
 #include "models/families.h"
 #include "platform/timers.h"
-#include "state/device_state.h"
+#include "state/kept_state.h"
 #include "transport/controller.h"
 
 namespace qvx {
 
 namespace {
 
-enum : std::uint32_t {
-  encoderPosition = 0x01,
-  encoderFraction = 0x02,
-  threePoints = 0x40,  // layout by the kind of calibration
-  fourPointsY = 0x60,  // four two-byte values, low byte first
-  fourPointsX = 0x68,
-};
+using namespace controller;
 
-constexpr std::uint32_t notPresent = 255;
 constexpr std::uint32_t pauseAfterCalibrationRead_ms = 50;
 constexpr float lowestRate = 1.0F;
 
@@ -329,8 +322,7 @@ double fieldOfView(int deviceIndex, double magnification) {
     if (isVK7xxxSeries(nPid) || isVK7xxxR4Series(nPid) || isVK73xxxSeries(nPid)) {
       return 0.2744 * 2592 / 640;
     }
-    if (isVK4xxxSeries(nPid)) return 0.5555 * 1280 / 640;
-    if (nPid >= 0x9E0 && nPid <= 0x9E6) return 0.5555 * 1280 / 640;
+    if (isVK4xxxSeries(nPid) || within<range(0x9E0, 0x9E6)>(nPid)) return 0.5555 * 1280 / 640;
     if (isVK3xxxR4Series(nPid) || isVR3xxxSeries(nPid)) return 1.19048 * 640 / 640;
     return 1.0;
   }();

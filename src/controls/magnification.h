@@ -5,27 +5,23 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 
 namespace qvx {
 
-inline float f890Rate = 0;                                // the published rate
-inline std::array<float, 10> fabc{};                      // fabc[i] multiplies x to the power i
-inline float f890a = 0, f890b = 0, f890c = 0, f890d = 0;  // a x^2 + b x + c without a degree
+inline float f890Rate = 0;                     // the published rate
+inline std::array<float, 10> fabc{};           // fabc[i] multiplies x to the power i
+inline float f890a = 0, f890b = 0, f890c = 0;  // a x^2 + b x + c, where no degree is stored
 
 // The cubic fit: four points as rows [x^3, x^2, x, 1], and the adjugate of that matrix.
 inline std::array<float, 16> fArrIn{}, fArrOut{};
 
-// The integer three-point fit: calibration bytes, matrix (transposed in the course) and
-// determinant.
+// The integer three-point fit: calibration bytes and determinant.
 inline std::uint32_t ul890x1 = 0, ul890x2 = 0, ul890x3 = 0;
 inline std::uint32_t ul890y1 = 0, ul890y2 = 0, ul890y3 = 0;
-inline int n890M11 = 0, n890M12 = 0, n890M13 = 0;
-inline int n890M21 = 0, n890M22 = 0, n890M23 = 0;
-inline int n890M31 = 0, n890M32 = 0, n890M33 = 0;
 inline float n890det = 0;
 
-// The fit with two-byte targets in hundredths, likewise.
+// The fit with two-byte targets in hundredths: calibration bytes, matrix (transposed; n890M11 and
+// so on are the other fit's), determinant and targets.
 inline std::uint32_t ul890m10 = 0, ul890m11 = 0, ul890m12 = 0;
 inline std::uint32_t ul890m20 = 0, ul890m21 = 0, ul890m22 = 0;
 inline std::uint32_t ul890m30 = 0, ul890m31 = 0, ul890m32 = 0;
@@ -34,15 +30,11 @@ inline float f890M21 = 0, f890M22 = 0, f890M23 = 0;
 inline float f890M31 = 0, f890M32 = 0, f890M33 = 0;
 inline float f890det = 0, f890y1 = 0, f890y2 = 0, f890y3 = 0;
 
-// The smoothing window of ten samples. It runs on across devices and calls of Init.
-inline float fRate5s = 0;     // sum of the window's first five
-inline float fRate5s1 = 0;    // sum of its second five
-inline float f890PreMag = 0;  // 0 at every sample; kept for the interface
-
-namespace count_890_rate {      // what Count890Rate keeps between calls
-inline std::uint8_t k = 0;      // place in the window, 0 to 9
-inline float fRatePre = 0;      // the last encoder position
-inline std::string strPreData;  // always empty; kept for the interface
+// The smoothing window of ten samples. A new device or a call of Init does not restart it.
+inline float fRate5s = 0;   // sum of the window's first five
+inline float fRate5s1 = 0;  // sum of its second five
+namespace count_890_rate {
+inline std::uint8_t k = 0;  // place in the window, 0 to 9
 }  // namespace count_890_rate
 
 // The calibration loaders. Each reads its registers from device `nTmpIdx` and fills the

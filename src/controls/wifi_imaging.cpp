@@ -1,11 +1,10 @@
 #include "controls/wifi_imaging.h"
 
-#include <array>
+#include <optional>
 
-#include "models/families.h"
-#include "platform/files.h"
-#include "state/device_state.h"
-#include "transport/wifi.h"
+#include "controls/family_rows.h"
+#include "transport/controller.h"
+#include "transport/wifi_camera.h"
 
 namespace qvx {
 
@@ -27,7 +26,7 @@ int is4xxx(int pid) {
 
 // In this order: the last family asks the camera.
 constexpr struct {
-  int (*belongs)(int pid);
+  Family belongs;
   std::span<const VideoMode> modes;
 } families[] = {
     {isVK7xxxSeries, modesOf7xxx},
@@ -36,55 +35,26 @@ constexpr struct {
     {is4xxx, modesOf4xxx},
 };
 
-// The file's parts as they come. Neither a camera that stops nor a full disk is told: the file has
-// what there was.
-void copy(platform::InternetHandle request, platform::FileHandle file) {
-  std::array<char, 2000> part;
-  std::uint32_t received = 0;
-  do {
-    platform::readUrl(request, part.data(), static_cast<std::uint32_t>(part.size()), received);
-    platform::writeFile(file, part.data(), received);
-  } while (received != 0);
-}
-
 }  // namespace
-
-bool saveWifiImage(const std::string& path) {
-  const platform::InternetHandle session = platform::openDirectInternetSession(downloadAgent);
-  const platform::InternetHandle request =
-      openCameraUrl(session, wifiBaseUrl() + "?action=snapshot");
-  // The session stays open: the channel leaves it to the process.
-  if (request == nullptr) return true;
-  const platform::FileHandle file = platform::createFile(widen(path));
-  if (file != nullptr) {
-    copy(request, file);
-    platform::closeFile(file);
-  }
-  platform::closeInternetHandle(session);
-  platform::closeInternetHandle(request);
-  return file != nullptr;
-}
 
 bool setWifiVideoMode(std::int32_t width, std::int32_t height) {
   if (VideoDeviceIndex != wifiDeviceIndex) return false;
-  std::string url;
+  std::optional<int> number;
   // Every family is asked, and the last one that fits counts.
   for (const auto& family : families) {
     if (!family.belongs(nPid)) continue;
     for (const VideoMode& mode : family.modes) {
       if (mode.width != width || mode.height != height) continue;
-      url = commandUrl(wifiBaseUrl(), 0, WifiGroup::videoMode, mode.command);
+      number = mode.number;
     }
   }
-  if (!url.empty()) loadUrlwWininet(url);
-  return !url.empty();
+  if (number) chooseWifiVideoMode(*number);
+  return number.has_value();
 }
 
 std::span<const VideoMode> wifiVideoModes() {
-  for (const auto& family : families) {
-    if (family.belongs(nPid)) return family.modes;
-  }
-  return {};
+  const auto* const family = rowFor(nPid, families);
+  return family == nullptr ? std::span<const VideoMode>() : family->modes;
 }
 
 }  // namespace qvx

@@ -1,21 +1,16 @@
-#include "controls/wifi_led_state.h"
-
 #include <initializer_list>
 
+#include "controls/led_rows.h"
 #include "controls/led_state.h"
-#include "models/families.h"
-#include "state/device_state.h"
+#include "state/kept_state.h"
+#include "transport/camera_bus.h"
 #include "transport/controller.h"
-#include "transport/wifi.h"
+#include "transport/wifi_camera.h"
 
 namespace qvx {
 
 namespace {
 
-constexpr int lightPort = 0;
-constexpr int levelRegister = 3, switchRegister = 4;  // of the controller
-constexpr std::uint32_t lightingKind = 0x83;
-constexpr std::uint32_t dimmableQuadrants = 4;
 constexpr int quadrantRingOn = 49, plainRingOn = 6;
 
 struct Step {
@@ -31,7 +26,8 @@ struct Step {
   int target = 0, value = 0;
 };
 
-consteval Step W(int reg, int value) {
+// W(register, value): a controller register (3 is lightLevel, 4 lightSwitch).
+consteval Step W(std::uint8_t reg, int value) {
   return {Step::setRegister, reg, value};
 }
 consteval Step pins(int mask, int levels) {
@@ -46,7 +42,7 @@ constexpr Step kind{Step::readKind}, ringLevel{Step::setRingLevel};
 using Steps = std::initializer_list<Step>;
 
 struct Row {
-  LedTest test;
+  LedTest belongs;
   Steps off, on, alternative, other;  // states 0, 1, 2 and all the rest
 };
 
@@ -94,8 +90,8 @@ const Steps& stepsOf(const Row& row, int state) {
   return state == 2 ? row.alternative : row.other;
 }
 
-void setRegister(int reg, int value) {
-  loadUrlwWininet(CMD_I2C_W(s_mainhttp, controllerAddress, reg, 1, value, 1));
+void setRegister(std::uint32_t reg, int value) {
+  writeWifiBus(chip::controller, reg, static_cast<std::uint32_t>(value));
 }
 
 // All segments off (16) when none is chosen.
@@ -112,22 +108,23 @@ void run(const Steps& steps, int deviceIndex) {
   for (const Step& step : steps) {
     switch (step.act) {
       case Step::setRegister:
-        setRegister(step.target, step.value);
+        setRegister(static_cast<std::uint32_t>(step.target), step.value);
         break;
       case Step::setPins:
-        loadUrlwWininet(CMD_GPIO_W(s_mainhttp, lightPort, step.target, step.value));
+        setLightPins(step.target, step.value);
         break;
       case Step::setSegments:
-        setRegister(switchRegister, segmentCode());
+        setRegister(controller::lightSwitch, segmentCode());
         break;
       case Step::setProgress:
-        setRegister(levelRegister, nProgress);
+        setRegister(controller::lightLevel, nProgress);
         break;
       case Step::readKind:
-        quadrantRing = ReadFromPIC(deviceIndex, lightingKind) == dimmableQuadrants;
+        quadrantRing =
+            ReadFromPIC(deviceIndex, controller::lightingKind) == controller::dimmableQuadrants;
         break;
       case Step::setRingLevel:
-        setRegister(levelRegister, quadrantRing ? quadrantRingOn : plainRingOn);
+        setRegister(controller::lightLevel, quadrantRing ? quadrantRingOn : plainRingOn);
         break;
       case Step::keepState:
         m_LEDStatus = step.value;
@@ -141,7 +138,7 @@ void run(const Steps& steps, int deviceIndex) {
 void setWifiLeds(int deviceIndex, int state, const LedCamera& camera) {
   const bool known = state >= 0 && state <= lastControllerState;
   const Row* const row =
-      controllerRow.test(camera) && known ? &controllerRow : ledRowFor(camera, rows);
+      controllerRow.belongs(camera) && known ? &controllerRow : rowFor(camera, rows);
   run(stepsOf(*row, state), deviceIndex);
 }
 

@@ -2,9 +2,6 @@
 
 #include <utility>
 
-#include "etlib2/extension_unit.h"
-#include "etlib2/hid_discovery.h"
-
 namespace qvx {
 
 namespace {
@@ -37,8 +34,8 @@ class Lock {
   bool obtained_;
 };
 
-std::vector<std::unique_ptr<Bridge>> findBridges(TransportKind kind) {
-  return kind == TransportKind::extensionUnit ? findExtensionUnitBridges() : findHidBridges();
+std::vector<std::unique_ptr<Bridge>> findBridges(BridgeInterface kind) {
+  return kind == BridgeInterface::extensionUnit ? findExtensionUnitBridges() : findHidBridges();
 }
 
 }  // namespace
@@ -52,10 +49,10 @@ std::uint8_t SpeedTable::speedOf(std::uint8_t slave) const {
   return standardSpeed;
 }
 
-Transport::Transport(std::shared_ptr<platform::NamedMutex> mutex, Devices devices)
+Bridges::Bridges(std::shared_ptr<platform::NamedMutex> mutex, Devices devices)
     : mutex_(std::move(mutex)), devices_(std::move(devices)) {}
 
-std::shared_ptr<Transport> Transport::open(TransportKind kind) {
+std::shared_ptr<Bridges> Bridges::open(BridgeInterface kind) {
   std::shared_ptr<platform::NamedMutex> mutex = platform::openNamedMutex(mutexName);
   if (mutex == nullptr) return nullptr;
   const Lock lock(*mutex, mutexLimit_ms);
@@ -65,19 +62,19 @@ std::shared_ptr<Transport> Transport::open(TransportKind kind) {
   for (const auto& device : devices) {
     device->chipGeneration = device->readChipGeneration().value_or(0);
   }
-  return std::shared_ptr<Transport>(new Transport(mutex, std::move(devices)));
+  return std::shared_ptr<Bridges>(new Bridges(mutex, std::move(devices)));
 }
 
 template <class Transfer>
-std::uint32_t Transport::exclusively(std::uint32_t device, std::uint32_t limit_ms,
-                                     Transfer transfer) {
+std::uint32_t Bridges::exclusively(std::uint32_t device, std::uint32_t limit_ms,
+                                   Transfer transfer) {
   currentDevice.store(device, std::memory_order_relaxed);
   if (device >= devices_.size()) return statusFailed;
   const Lock lock(*mutex_, limit_ms);
   return lock && transfer(*devices_[device]) ? statusOk : statusFailed;
 }
 
-std::uint32_t Transport::readChipGeneration(std::uint32_t device, std::uint8_t& generation) {
+std::uint32_t Bridges::readChipGeneration(std::uint32_t device, std::uint8_t& generation) {
   return exclusively(device, mutexLimit_ms, [&](Bridge& bridge) {
     const std::optional<std::uint8_t> answer = bridge.readChipGeneration();
     if (answer) generation = *answer;
@@ -85,7 +82,7 @@ std::uint32_t Transport::readChipGeneration(std::uint32_t device, std::uint8_t& 
   });
 }
 
-std::uint32_t Transport::readRegister(std::uint32_t device, RegisterTransfer& transfer) {
+std::uint32_t Bridges::readRegister(std::uint32_t device, RegisterTransfer& transfer) {
   return exclusively(device, mutexLimit_ms, [&](Bridge& bridge) {
     if (!bridge.readRegister(transfer)) return false;
     transfer.value = lowBytes(transfer.value, transfer.length);
@@ -93,32 +90,32 @@ std::uint32_t Transport::readRegister(std::uint32_t device, RegisterTransfer& tr
   });
 }
 
-std::uint32_t Transport::writeRegister(std::uint32_t device, const RegisterTransfer& transfer) {
+std::uint32_t Bridges::writeRegister(std::uint32_t device, const RegisterTransfer& transfer) {
   return exclusively(device, mutexLimit_ms,
                      [&](Bridge& bridge) { return bridge.writeRegister(transfer); });
 }
 
-std::uint32_t Transport::readI2c(std::uint32_t device, I2cBlock& block) {
+std::uint32_t Bridges::readI2c(std::uint32_t device, I2cBlock& block) {
   prepareI2c(device, block);
   return exclusively(device, mutexLimit_ms, [&](Bridge& bridge) { return bridge.readI2c(block); });
 }
 
-std::uint32_t Transport::writeI2c(std::uint32_t device, I2cBlock& block) {
+std::uint32_t Bridges::writeI2c(std::uint32_t device, I2cBlock& block) {
   prepareI2c(device, block);
   return exclusively(device, mutexLimit_ms, [&](Bridge& bridge) { return bridge.writeI2c(block); });
 }
 
-std::uint32_t Transport::readCommand(std::uint32_t device, CommandBlock& command) {
+std::uint32_t Bridges::readCommand(std::uint32_t device, CommandBlock& command) {
   return exclusively(device, mutexLimitForCommands_ms,
                      [&](Bridge& bridge) { return bridge.readCommand(command); });
 }
 
-std::uint32_t Transport::writeCommand(std::uint32_t device, const CommandBlock& command) {
+std::uint32_t Bridges::writeCommand(std::uint32_t device, const CommandBlock& command) {
   return exclusively(device, mutexLimitForCommands_ms,
                      [&](Bridge& bridge) { return bridge.writeCommand(command); });
 }
 
-void Transport::prepareI2c(std::uint32_t device, I2cBlock& block) {
+void Bridges::prepareI2c(std::uint32_t device, I2cBlock& block) {
   const bool eeprom = block.slave == eepromSlave && device < devices_.size() &&
                       devices_[device]->chipGeneration == 0;
   if (eeprom) {
@@ -132,7 +129,7 @@ void Transport::prepareI2c(std::uint32_t device, I2cBlock& block) {
   if (block.subAddressLength != 0) block.flags |= I2cBlock::withSubAddress;
 }
 
-void Transport::selectEepromBus(std::uint32_t device) {
+void Bridges::selectEepromBus(std::uint32_t device) {
   RegisterTransfer select{bridge_register::busSelect, 1, 0};
   // A value that could not be read is not written back.
   if (readRegister(device, select) != statusOk) return;

@@ -1,5 +1,5 @@
-// The access layer: the bridge cameras of one transport, behind the mutex that every process using
-// the library shares.
+// The access layer: the bridge cameras that one kind of interface reaches, behind the mutex that
+// all processes using the library share.
 #pragma once
 
 #include <atomic>
@@ -30,17 +30,17 @@ struct SpeedTable {
 };
 inline SpeedTable speedTable;
 inline std::atomic<std::uint8_t> i2cSpeed{standardSpeed};  // of the transfers to come
-inline std::atomic<std::uint32_t> currentDevice{0};        // the device an access last served
+inline std::atomic<std::uint32_t> currentDevice{0};        // the device of the last access
 
-enum class TransportKind : std::uint8_t { none = 0, extensionUnit = 1, hid = 2 };
+enum class BridgeInterface : std::uint8_t { none = 0, extensionUnit = 1, hid = 2 };
 
-// An opened transport. Accesses may run on any thread and may outlast the closing of the library:
-// each shares ownership of the transport it started on.
-class Transport {
+// The opened cameras. Accesses may run on any thread and may outlast the closing of the library:
+// each shares ownership of the cameras it started on.
+class Bridges {
  public:
   // Enumerates the cameras of one kind. Null when there are none or another process holds the
   // mutex for too long.
-  static std::shared_ptr<Transport> open(TransportKind kind);
+  static std::shared_ptr<Bridges> open(BridgeInterface kind);
 
   int deviceCount() const { return static_cast<int>(devices_.size()); }
 
@@ -56,7 +56,7 @@ class Transport {
  private:
   using Devices = std::vector<std::unique_ptr<Bridge>>;
 
-  Transport(std::shared_ptr<platform::NamedMutex> mutex, Devices devices);
+  Bridges(std::shared_ptr<platform::NamedMutex> mutex, Devices devices);
 
   template <class Transfer>
   std::uint32_t exclusively(std::uint32_t device, std::uint32_t limit_ms, Transfer transfer);

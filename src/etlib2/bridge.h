@@ -2,10 +2,14 @@
 // interface carries them. Every transfer reports only whether it succeeded.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace qvx {
 
@@ -18,7 +22,7 @@ struct RegisterTransfer {
 
 constexpr std::size_t i2cFieldSize = 64;
 
-// An I2C transfer, in the layout the bridge's firmware tools know.
+// An I2C transfer, in the layout that the tools for the bridge's firmware use.
 struct I2cBlock {
   std::uint16_t flags = 0;
   std::uint8_t slave = 0;  // 8-bit form
@@ -29,6 +33,10 @@ struct I2cBlock {
   std::uint8_t dataLength = 0;
 
   bool sendsSubAddress() const { return (flags & withSubAddress) != 0 && subAddressLength != 0; }
+  std::span<const std::uint8_t> sentSubAddress() const {
+    return {subAddress.data(), subAddressLength};
+  }
+  std::span<const std::uint8_t> sentData() const { return {data.data(), dataLength}; }
   std::uint8_t speedBit() const { return (flags & fastSpeed) != 0 ? 1 : 0; }
 
   static constexpr std::uint16_t withSubAddress = 0x01;
@@ -42,6 +50,29 @@ constexpr std::size_t commandDataSize = 32;
 struct CommandBlock {
   std::uint8_t code = 0;
   std::array<std::uint8_t, commandDataSize> data{};
+};
+
+// The bytes of a request, filled from the front; the rest is 0. Whoever appends has checked that
+// they fit.
+template <std::size_t capacity>
+class Payload {
+ public:
+  Payload(std::initializer_list<std::uint8_t> head) { append(head); }
+
+  void append(std::span<const std::uint8_t> bytes) {
+    std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(used_));
+    used_ += bytes.size();
+  }
+  void append(std::initializer_list<std::uint8_t> bytes) {
+    append(std::span<const std::uint8_t>(bytes.begin(), bytes.size()));
+  }
+
+  std::span<const std::uint8_t> used() const { return {bytes_.data(), used_}; }
+  std::span<const std::uint8_t> whole() const { return bytes_; }
+
+ private:
+  std::array<std::uint8_t, capacity> bytes_{};
+  std::size_t used_ = 0;
 };
 
 namespace bridge_register {
@@ -69,8 +100,15 @@ class Bridge {
   virtual bool readCommand(CommandBlock& command) = 0;
   virtual bool writeCommand(const CommandBlock& command) = 0;
 
-  // The generation as read when the transport was opened, 0 if that failed.
+  // The generation as read when the bridge was found, 0 if that failed.
   std::uint8_t chipGeneration = 0;
 };
+
+// The bridges among the system's video inputs, at most 8, in the system's order. Needs COM.
+std::vector<std::unique_ptr<Bridge>> findExtensionUnitBridges();
+
+// The bridges among all HID devices, told by the feature reports that their firmware offers: at
+// most 24, in the system's order. One that cannot be opened is among them; its accesses fail.
+std::vector<std::unique_ptr<Bridge>> findHidBridges();
 
 }  // namespace qvx

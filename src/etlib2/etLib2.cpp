@@ -19,8 +19,8 @@ constexpr std::uint32_t workerLimitForCommands_ms = 1000;
 // Never destroyed: when the process ends, COM and the cameras' drivers may be gone already.
 struct OpenCameras {
   std::mutex guard;
-  std::shared_ptr<Transport> transport;  // null = closed
-  std::optional<platform::ComUse> com;   // what opening took; the opening thread's
+  std::shared_ptr<Bridges> bridges;     // null = closed
+  std::optional<platform::ComUse> com;  // what opening took; the opening thread's
 };
 
 OpenCameras& openCameras() {
@@ -28,28 +28,28 @@ OpenCameras& openCameras() {
   return cameras;
 }
 
-std::shared_ptr<Transport> currentTransport() {
+std::shared_ptr<Bridges> currentBridges() {
   const std::lock_guard<std::mutex> lock(openCameras().guard);
-  return openCameras().transport;
+  return openCameras().bridges;
 }
 
-void replaceTransport(std::shared_ptr<Transport> transport) {
+void replaceBridges(std::shared_ptr<Bridges> bridges) {
   {
     const std::lock_guard<std::mutex> lock(openCameras().guard);
-    openCameras().transport.swap(transport);
+    openCameras().bridges.swap(bridges);
   }
-  if (transport == nullptr) return;
+  if (bridges == nullptr) return;
   // A late worker may still be using the camera's COM objects: their libraries must stay.
-  if (transport.use_count() > 1) openCameras().com->keep();
-  transport.reset();
+  if (bridges.use_count() > 1) openCameras().com->keep();
+  bridges.reset();
   openCameras().com.reset();
 }
 
-std::shared_ptr<Transport> open(TransportKind kind) {
+std::shared_ptr<Bridges> open(BridgeInterface kind) {
   openCameras().com.emplace();
-  std::shared_ptr<Transport> transport = Transport::open(kind);
-  if (transport == nullptr) openCameras().com.reset();
-  return transport;
+  std::shared_ptr<Bridges> bridges = Bridges::open(kind);
+  if (bridges == nullptr) openCameras().com.reset();
+  return bridges;
 }
 
 // Runs an access on a worker; nothing when the worker did not start or was late. The access must
@@ -97,10 +97,10 @@ std::shared_ptr<CommandBlock> makeCommand(std::uint8_t code, std::uint8_t length
 }
 
 // 0 when the chip does not answer in time.
-std::uint8_t askChipGeneration(const std::shared_ptr<Transport>& transport, std::uint32_t DevNum) {
+std::uint8_t askChipGeneration(const std::shared_ptr<Bridges>& bridges, std::uint32_t DevNum) {
   auto generation = std::make_shared<std::uint8_t>();
-  const auto status = onWorker(workerLimit_ms, [transport, DevNum, generation] {
-    return transport->readChipGeneration(DevNum, *generation);
+  const auto status = onWorker(workerLimit_ms, [bridges, DevNum, generation] {
+    return bridges->readChipGeneration(DevNum, *generation);
   });
   return status == statusOk ? *generation : std::uint8_t{0};
 }
@@ -108,26 +108,26 @@ std::uint8_t askChipGeneration(const std::shared_ptr<Transport>& transport, std:
 }  // namespace
 
 int etLib2_Init() {
-  replaceTransport(nullptr);
-  std::shared_ptr<Transport> transport = open(TransportKind::extensionUnit);
-  if (transport == nullptr) transport = open(TransportKind::hid);
-  const bool found = transport != nullptr;
-  replaceTransport(std::move(transport));
+  replaceBridges(nullptr);
+  std::shared_ptr<Bridges> bridges = open(BridgeInterface::extensionUnit);
+  if (bridges == nullptr) bridges = open(BridgeInterface::hid);
+  const bool found = bridges != nullptr;
+  replaceBridges(std::move(bridges));
   return found ? 1 : 0;
 }
 
 void etLib2_Release() {
-  replaceTransport(nullptr);
+  replaceBridges(nullptr);
 }
 
 int etLib2_GetDevTotalNum() {
-  const std::shared_ptr<Transport> transport = currentTransport();
-  return transport == nullptr ? 0 : transport->deviceCount();
+  const std::shared_ptr<Bridges> bridges = currentBridges();
+  return bridges == nullptr ? 0 : bridges->deviceCount();
 }
 
 void etLib2_SelectI2cBus_DevNum(std::uint32_t DevNum, std::uint8_t bus, std::uint32_t fast) {
-  const std::shared_ptr<Transport> transport = currentTransport();
-  if (transport == nullptr || askChipGeneration(transport, DevNum) != 0) return;
+  const std::shared_ptr<Bridges> bridges = currentBridges();
+  if (bridges == nullptr || askChipGeneration(bridges, DevNum) != 0) return;
   std::uint32_t select = 0;
   if (etLib2_RegRead_DevNum(DevNum, bridge_register::busSelect, 1, &select) != statusOk) return;
   select = bus == 1 ? select & ~busSelectBit : select | busSelectBit;
@@ -137,13 +137,13 @@ void etLib2_SelectI2cBus_DevNum(std::uint32_t DevNum, std::uint8_t bus, std::uin
 
 std::uint32_t etLib2_RegRead_DevNum(std::uint32_t DevNum, std::uint32_t address,
                                     std::uint32_t length, std::uint32_t* value) {
-  const std::shared_ptr<Transport> transport = currentTransport();
+  const std::shared_ptr<Bridges> bridges = currentBridges();
   const auto bytes = static_cast<std::uint8_t>(length);
-  if (transport == nullptr || value == nullptr || !validRegister(bytes)) return statusFailed;
+  if (bridges == nullptr || value == nullptr || !validRegister(bytes)) return statusFailed;
   auto transfer = std::make_shared<RegisterTransfer>();
   *transfer = {static_cast<std::uint16_t>(address), bytes, 0};
-  const auto status = onWorker(workerLimit_ms, [transport, DevNum, transfer] {
-    return transport->readRegister(DevNum, *transfer);
+  const auto status = onWorker(workerLimit_ms, [bridges, DevNum, transfer] {
+    return bridges->readRegister(DevNum, *transfer);
   });
   if (status == statusOk) *value = transfer->value;
   return status.value_or(statusFailed);
@@ -151,12 +151,12 @@ std::uint32_t etLib2_RegRead_DevNum(std::uint32_t DevNum, std::uint32_t address,
 
 std::uint32_t etLib2_RegWrite_DevNum(std::uint32_t DevNum, std::uint32_t address,
                                      std::uint32_t length, const std::uint32_t* value) {
-  const std::shared_ptr<Transport> transport = currentTransport();
+  const std::shared_ptr<Bridges> bridges = currentBridges();
   const auto bytes = static_cast<std::uint8_t>(length);
-  if (transport == nullptr || value == nullptr || !validRegister(bytes)) return statusFailed;
+  if (bridges == nullptr || value == nullptr || !validRegister(bytes)) return statusFailed;
   const RegisterTransfer transfer{static_cast<std::uint16_t>(address), bytes, *value};
-  return onWorker(workerLimit_ms, [transport, DevNum,
-                                   transfer] { return transport->writeRegister(DevNum, transfer); })
+  return onWorker(workerLimit_ms,
+                  [bridges, DevNum, transfer] { return bridges->writeRegister(DevNum, transfer); })
       .value_or(statusFailed);
 }
 
@@ -173,13 +173,13 @@ enum class Direction { read, write };
 I2cResult transferI2c(Direction direction, std::uint32_t DevNum, std::uint32_t slave,
                       std::uint32_t subAddressLength, std::uint8_t* subAddress,
                       std::uint32_t dataLength, const std::uint8_t* written) {
-  const std::shared_ptr<Transport> transport = currentTransport();
-  if (transport == nullptr || !validField(subAddressLength, subAddress)) return {};
+  const std::shared_ptr<Bridges> bridges = currentBridges();
+  if (bridges == nullptr || !validField(subAddressLength, subAddress)) return {};
   const auto block = makeI2cBlock(slave, subAddressLength, subAddress, dataLength);
   if (written != nullptr) std::copy_n(written, dataLength, block->data.begin());
-  const auto status = onWorker(workerLimit_ms, [transport, DevNum, block, direction] {
-    return direction == Direction::read ? transport->readI2c(DevNum, *block)
-                                        : transport->writeI2c(DevNum, *block);
+  const auto status = onWorker(workerLimit_ms, [bridges, DevNum, block, direction] {
+    return direction == Direction::read ? bridges->readI2c(DevNum, *block)
+                                        : bridges->writeI2c(DevNum, *block);
   });
   if (!status) return {};
   // The caller sees the sub-address as it went out.
@@ -210,11 +210,11 @@ std::uint32_t etLib2_I2cWrite_DevNum(std::uint32_t DevNum, std::uint32_t slave,
 
 std::uint32_t etLib2_Custom_CMD_Read(std::uint32_t DevNum, std::uint8_t command,
                                      std::uint8_t length, std::uint8_t* buffer) {
-  const std::shared_ptr<Transport> transport = currentTransport();
-  if (transport == nullptr || buffer == nullptr) return statusFailed;
+  const std::shared_ptr<Bridges> bridges = currentBridges();
+  if (bridges == nullptr || buffer == nullptr) return statusFailed;
   const auto block = makeCommand(command, length, buffer);
-  const auto status = onWorker(workerLimitForCommands_ms, [transport, DevNum, block] {
-    return transport->readCommand(DevNum, *block);
+  const auto status = onWorker(workerLimitForCommands_ms, [bridges, DevNum, block] {
+    return bridges->readCommand(DevNum, *block);
   });
   if (status) std::copy(block->data.begin(), block->data.end(), buffer);
   return status.value_or(statusFailed);
@@ -222,11 +222,11 @@ std::uint32_t etLib2_Custom_CMD_Read(std::uint32_t DevNum, std::uint8_t command,
 
 std::uint32_t etLib2_Custom_CMD_Write(std::uint32_t DevNum, std::uint8_t command,
                                       std::uint8_t length, const std::uint8_t* buffer) {
-  const std::shared_ptr<Transport> transport = currentTransport();
-  if (transport == nullptr || buffer == nullptr) return statusFailed;
+  const std::shared_ptr<Bridges> bridges = currentBridges();
+  if (bridges == nullptr || buffer == nullptr) return statusFailed;
   const auto block = makeCommand(command, length, buffer);
   return onWorker(workerLimitForCommands_ms,
-                  [transport, DevNum, block] { return transport->writeCommand(DevNum, *block); })
+                  [bridges, DevNum, block] { return bridges->writeCommand(DevNum, *block); })
       .value_or(statusFailed);
 }
 

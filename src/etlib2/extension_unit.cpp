@@ -1,10 +1,9 @@
-#include "etlib2/extension_unit.h"
-
 #include <algorithm>
 #include <span>
 #include <utility>
 
-#include "etlib2/bytes.h"
+#include "base/bytes.h"
+#include "etlib2/bridge.h"
 #include "platform/topology.h"
 
 namespace qvx {
@@ -21,7 +20,7 @@ constexpr PropertySet registerSetOfVariant1 = {
 constexpr PropertySet commandSet = {
     0xC66D125B, 0x0480, 0x0844, {0x8C, 0x26, 0xB8, 0x36, 0x3A, 0x84, 0xDE, 0x63}};
 
-constexpr std::size_t mostBridges = 8;
+constexpr std::size_t maxBridges = 8;
 
 // Selectors of the register set. The one-shot forms came with newer firmware.
 enum Selector : std::uint8_t {
@@ -41,50 +40,9 @@ enum Selector : std::uint8_t {
 constexpr std::uint32_t commandSelector = 2;  // of the command set
 constexpr std::uint8_t normalAccessMode = 1;
 
-// A property's bytes, filled from the front; the rest is 0.
-template <std::size_t capacity>
-class Payload {
- public:
-  Payload(std::initializer_list<std::uint8_t> head) { append(head); }
-
-  void append(std::span<const std::uint8_t> bytes) {
-    std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(used_));
-    used_ += bytes.size();
-  }
-  void append(std::initializer_list<std::uint8_t> bytes) {
-    append(std::span<const std::uint8_t>(bytes.begin(), bytes.size()));
-  }
-
-  std::span<const std::uint8_t> used() const { return {bytes_.data(), used_}; }
-  std::span<const std::uint8_t> whole() const { return bytes_; }
-
- private:
-  std::array<std::uint8_t, capacity> bytes_{};
-  std::size_t used_ = 0;
-};
-
 using OneShot = Payload<32>;
 using Legacy = Payload<3 + 2 * i2cFieldSize>;
 using Command = Payload<256>;
-
-std::array<std::uint8_t, 4> bytesOf(std::uint32_t value) {
-  return {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
-          static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 24)};
-}
-
-std::uint32_t valueOf(std::span<const std::uint8_t> bytes) {
-  std::uint32_t value = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | bytes[i];
-  return value;
-}
-
-std::span<const std::uint8_t> subAddressOf(const I2cBlock& block) {
-  return {block.subAddress.data(), block.subAddressLength};
-}
-
-std::span<const std::uint8_t> dataOf(const I2cBlock& block) {
-  return {block.data.data(), block.dataLength};
-}
 
 class ExtensionUnitBridge final : public Bridge {
  public:
@@ -119,8 +77,8 @@ class ExtensionUnitBridge final : public Bridge {
   }
 
   // Runs a legacy transfer in its access mode and goes back to the normal one whatever its outcome.
-  // Nothing when the camera refused the mode. A camera that refused to go back is told nothing
-  // more: the next transfer sets its own mode, and no access is ever added to this sequence.
+  // Nothing when the camera refused the mode. When it refuses to go back, nothing more
+  // is sent: the next transfer sets its own mode.
   template <class Transfer>
   std::optional<bool> inAccessMode(std::size_t mode, Transfer transfer) {
     if (!setAccessMode(mode)) return std::nullopt;
@@ -194,15 +152,15 @@ bool ExtensionUnitBridge::writeI2c(const I2cBlock& block) {
   const std::size_t total = std::size_t{block.subAddressLength} + block.dataLength;
   if (total + 5 <= 32) {
     OneShot request{0, block.slave, block.speedBit(), block.subAddressLength};
-    request.append(subAddressOf(block));
+    request.append(block.sentSubAddress());
     request.append({block.dataLength});
-    request.append(dataOf(block));
+    request.append(block.sentData());
     if (set(i2cWriteOneShot, request.whole())) return true;
   }
   Legacy request{block.slave, static_cast<std::uint8_t>(total),
                  block.dataLength > 0 ? std::uint8_t{1} : block.speedBit()};
-  if (block.sendsSubAddress()) request.append(subAddressOf(block));
-  request.append(dataOf(block));
+  if (block.sendsSubAddress()) request.append(block.sentSubAddress());
+  request.append(block.sentData());
   const bool sent =
       inAccessMode(total + 3, [&] { return set(i2cWrite, request.used()); }).value_or(false);
   return sent && !transferFailed();
@@ -211,11 +169,11 @@ bool ExtensionUnitBridge::writeI2c(const I2cBlock& block) {
 bool ExtensionUnitBridge::readI2c(I2cBlock& block) {
   if (block.subAddressLength + 5u <= 32) {
     OneShot request{0, block.slave, block.speedBit(), block.subAddressLength};
-    request.append(subAddressOf(block));
+    request.append(block.sentSubAddress());
     request.append({block.dataLength});
     std::array<std::uint8_t, 32> reply{};
     if (set(i2cReadOneShot, request.whole()) && get(i2cReadOneShot, reply)) {
-      // The camera's own count holds, whatever was asked for.
+      // The camera's own count decides, whatever was asked for.
       const std::size_t count = std::min<std::size_t>(reply[0], reply.size() - 1);
       std::copy_n(reply.begin() + 1, count, block.data.begin());
       return true;
@@ -236,7 +194,7 @@ bool ExtensionUnitBridge::readI2c(I2cBlock& block) {
   return asked && !transferFailed() && fetched;
 }
 
-// The chip's own word on the last legacy I2C transfer; a chip that does not say counts as content.
+// What the chip itself says about the last legacy I2C transfer; no answer counts as success.
 bool ExtensionUnitBridge::transferFailed() {
   RegisterTransfer status{bridge_register::status, 1, 0};
   return readRegister(status) && (status.value & transferFailedBit) != 0;
@@ -284,7 +242,7 @@ std::unique_ptr<Bridge> bridgeOn(const std::shared_ptr<TopologyFilter>& filter) 
 std::vector<std::unique_ptr<Bridge>> findExtensionUnitBridges() {
   std::vector<std::unique_ptr<Bridge>> bridges;
   for (const auto& filter : platform::openTopologyFilters()) {
-    if (bridges.size() == mostBridges) break;
+    if (bridges.size() == maxBridges) break;
     if (auto bridge = bridgeOn(filter)) bridges.push_back(std::move(bridge));
   }
   return bridges;

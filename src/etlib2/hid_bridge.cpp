@@ -1,9 +1,10 @@
-#include "etlib2/hid_bridge.h"
-
 #include <algorithm>
+#include <span>
 #include <utility>
 
-#include "etlib2/bytes.h"
+#include "base/bytes.h"
+#include "etlib2/bridge.h"
+#include "platform/hid.h"
 
 namespace qvx {
 
@@ -21,7 +22,7 @@ enum HeaderCode : std::uint8_t {
 };
 
 // Byte 0 of a one-shot request. Custom commands always carry these two: on this interface the
-// firmware takes the command's own code from nowhere.
+// command's own code is not sent at all.
 enum OneShotCode : std::uint8_t {
   i2cReadOneShot = 0x0C,
   i2cWriteOneShot = 0x0D,
@@ -31,34 +32,48 @@ enum OneShotCode : std::uint8_t {
 
 constexpr std::size_t oneShotOverhead = 6;
 
-// Appends bytes to a block that is known to have room for them.
-class Writer {
- public:
-  explicit Writer(std::span<std::uint8_t> block) : block_(block) {}
+constexpr std::size_t maxBridges = 24;
+constexpr std::size_t maxFeatures = 3;
 
-  Writer& put(std::uint8_t byte) {
-    block_[used_++] = byte;
-    return *this;
-  }
-  Writer& put(const std::uint8_t* bytes, std::size_t count) {
-    std::copy_n(bytes, count, block_.begin() + static_cast<std::ptrdiff_t>(used_));
-    used_ += count;
-    return *this;
-  }
+class HidBridge final : public Bridge {
+ public:
+  // Feature reports of the bridge firmware, by their ids.
+  enum Report : std::uint8_t {
+    commandHeader = 0x87,  // 4 bytes: what the next data block means
+    dataBlock = 0x93,      // 40 bytes
+    oneShot = 0x97,        // 40 bytes: requests of newer firmware
+  };
+
+  explicit HidBridge(std::unique_ptr<platform::HidDevice> device) : device_(std::move(device)) {}
+
+  std::optional<std::uint8_t> readChipGeneration() override;
+  bool readRegister(RegisterTransfer& transfer) override;
+  bool writeRegister(const RegisterTransfer& transfer) override;
+  bool readI2c(I2cBlock& block) override;
+  bool writeI2c(const I2cBlock& block) override;
+  bool readCommand(CommandBlock& command) override;
+  bool writeCommand(const CommandBlock& command) override;
 
  private:
-  std::span<std::uint8_t> block_;
-  std::size_t used_ = 0;
+  static constexpr std::size_t blockSize = 40;
+  using DataBlock = std::array<std::uint8_t, blockSize>;
+  using Request = Payload<blockSize>;
+
+  bool send(Report report, std::span<const std::uint8_t> bytes);
+  bool sendHeader(std::array<std::uint8_t, 4> header);
+  bool fetch(DataBlock& block);
+  bool usesWideAddress(std::uint16_t address) const;
+  bool sendI2cLegacy(const I2cBlock& block);
+  bool readI2cLegacy(I2cBlock& block);
+  bool transferFailed();
+
+  std::unique_ptr<platform::HidDevice> device_;
 };
 
-}  // namespace
-
-HidBridge::HidBridge(std::unique_ptr<platform::HidDevice> device) : device_(std::move(device)) {}
-
-bool HidBridge::send(Report report, std::span<const std::uint8_t> payload) {
+bool HidBridge::send(Report report, std::span<const std::uint8_t> bytes) {
   std::array<std::uint8_t, 65> buffer{report};
-  std::copy(payload.begin(), payload.end(), buffer.begin() + 1);
-  return device_->setFeature(buffer.data(), static_cast<std::uint32_t>(payload.size() + 1));
+  std::copy(bytes.begin(), bytes.end(), buffer.begin() + 1);
+  return device_->setFeature(buffer.data(), static_cast<std::uint32_t>(bytes.size() + 1));
 }
 
 bool HidBridge::sendHeader(std::array<std::uint8_t, 4> header) {
@@ -92,39 +107,30 @@ bool HidBridge::readRegister(RegisterTransfer& transfer) {
           : sendHeader({registerRead8, lowByte(address), transfer.length, 0});
   DataBlock block;
   if (!asked || !fetch(block)) return false;
-  transfer.value = block[0] | static_cast<std::uint32_t>(block[1]) << 8 |
-                   static_cast<std::uint32_t>(block[2]) << 16 |
-                   static_cast<std::uint32_t>(block[3]) << 24;
+  transfer.value = valueOf(std::span(block).first(4));
   return true;
 }
 
 bool HidBridge::writeRegister(const RegisterTransfer& transfer) {
   const bool wide = usesWideAddress(transfer.address);
-  DataBlock block{};
-  Writer writer(block);
-  writer.put(lowByte(transfer.address));
-  if (wide) writer.put(highByte(transfer.address));
-  writer.put(transfer.length);
-  for (unsigned i = 0; i < transfer.length; ++i) {
-    writer.put(static_cast<std::uint8_t>(transfer.value >> (8 * i)));
-  }
-  return sendHeader({wide ? registerWrite16 : registerWrite8, 0, 0, 0}) && send(dataBlock, block);
+  const auto value = bytesOf(transfer.value);
+  Request request{lowByte(transfer.address)};
+  if (wide) request.append({highByte(transfer.address)});
+  request.append({transfer.length});
+  request.append(std::span(value).first(transfer.length));
+  return sendHeader({wide ? registerWrite16 : registerWrite8, 0, 0, 0}) &&
+         send(dataBlock, request.whole());
 }
 
 bool HidBridge::writeI2c(const I2cBlock& block) {
   if (oneShotOverhead + block.subAddressLength + block.dataLength <= blockSize) {
-    DataBlock request{};
-    Writer(request)
-        .put(i2cWriteOneShot)
-        .put(0)
-        .put(block.slave)
-        .put(block.speedBit())
-        .put(block.subAddressLength)
-        .put(block.subAddress.data(), block.subAddressLength)
-        .put(block.dataLength)
-        .put(block.data.data(), block.dataLength);
-    if (send(oneShot, request)) {
-      send(dataBlock, request);  // the firmware acts on it; whether it took it does not matter
+    Request request{i2cWriteOneShot, 0, block.slave, block.speedBit(), block.subAddressLength};
+    request.append(block.sentSubAddress());
+    request.append({block.dataLength});
+    request.append(block.sentData());
+    if (send(oneShot, request.whole())) {
+      // The firmware acts on the block; whether it took it does not matter.
+      send(dataBlock, request.whole());
       return true;
     }
   }
@@ -134,31 +140,22 @@ bool HidBridge::writeI2c(const I2cBlock& block) {
 bool HidBridge::sendI2cLegacy(const I2cBlock& block) {
   const std::size_t total = std::size_t{block.subAddressLength} + block.dataLength;
   if (total + 3 > blockSize) return false;
-  DataBlock request{};
-  Writer writer(request);
-  writer.put(block.slave)
-      .put(static_cast<std::uint8_t>(total))
-      .put(block.dataLength > 0 ? std::uint8_t{1} : block.speedBit());
-  if (block.sendsSubAddress()) writer.put(block.subAddress.data(), block.subAddressLength);
-  writer.put(block.data.data(), block.dataLength);
-  return sendHeader({i2cWrite, 0, 0, 0}) && send(dataBlock, request);
+  Request request{block.slave, static_cast<std::uint8_t>(total),
+                  block.dataLength > 0 ? std::uint8_t{1} : block.speedBit()};
+  if (block.sendsSubAddress()) request.append(block.sentSubAddress());
+  request.append(block.sentData());
+  return sendHeader({i2cWrite, 0, 0, 0}) && send(dataBlock, request.whole());
 }
 
 bool HidBridge::readI2c(I2cBlock& block) {
   if (oneShotOverhead + block.subAddressLength > blockSize) return readI2cLegacy(block);
-  DataBlock request{};
-  Writer(request)
-      .put(i2cReadOneShot)
-      .put(0)
-      .put(block.slave)
-      .put(block.speedBit())
-      .put(block.subAddressLength)
-      .put(block.subAddress.data(), block.subAddressLength)
-      .put(block.dataLength);
-  if (!send(oneShot, request)) return readI2cLegacy(block);
+  Request request{i2cReadOneShot, 0, block.slave, block.speedBit(), block.subAddressLength};
+  request.append(block.sentSubAddress());
+  request.append({block.dataLength});
+  if (!send(oneShot, request.whole())) return readI2cLegacy(block);
   DataBlock reply;
-  constexpr std::uint8_t mostReplyBytes = 38;
-  if (!fetch(reply) || reply[0] < 1 || reply[0] > mostReplyBytes) return false;
+  constexpr std::uint8_t maxReplyBytes = 38;
+  if (!fetch(reply) || reply[0] < 1 || reply[0] > maxReplyBytes) return false;
   std::copy_n(reply.begin() + 1, std::min<std::size_t>(block.dataLength, blockSize - 1),
               block.data.begin());
   return true;
@@ -178,8 +175,8 @@ bool HidBridge::readI2cLegacy(I2cBlock& block) {
   return !transferFailed();
 }
 
-// The chip's own word on the last legacy I2C transfer, always asked in the 8-bit form; a chip that
-// does not say counts as content.
+// What the chip itself says about the last legacy I2C transfer, always asked in the 8-bit form; no
+// answer counts as success.
 bool HidBridge::transferFailed() {
   DataBlock status;
   return sendHeader({registerRead8, bridge_register::status, 1, 0}) && fetch(status) &&
@@ -187,18 +184,43 @@ bool HidBridge::transferFailed() {
 }
 
 bool HidBridge::writeCommand(const CommandBlock& command) {
-  DataBlock request{};
-  Writer(request).put(customWrite).put(command.data.data(), command.data.size());
-  return send(oneShot, request) && send(dataBlock, request);
+  Request request{customWrite};
+  request.append(command.data);
+  return send(oneShot, request.whole()) && send(dataBlock, request.whole());
 }
 
 bool HidBridge::readCommand(CommandBlock& command) {
-  DataBlock request{};
-  Writer(request).put(customRead).put(command.data.data(), command.data.size());
+  Request request{customRead};
+  request.append(command.data);
   DataBlock reply;
-  if (!send(oneShot, request) || !fetch(reply)) return false;
+  if (!send(oneShot, request.whole()) || !fetch(reply)) return false;
   std::copy_n(reply.begin(), command.data.size(), command.data.begin());
   return true;
+}
+
+// Vendor and product ids play no part: many makers' cameras carry the same bridge.
+bool isBridge(const platform::HidFeatures& features) {
+  if (features.dataCount < 1 || features.dataCount > maxFeatures) return false;
+  const auto& ids = features.valueReportIds;
+  const auto looked = std::min(features.dataCount, ids.size());
+  const auto end = ids.begin() + static_cast<std::ptrdiff_t>(looked);
+  return std::find(ids.begin(), end, HidBridge::commandHeader) != end &&
+         std::find(ids.begin(), end, HidBridge::dataBlock) != end;
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<Bridge>> findHidBridges() {
+  std::vector<std::unique_ptr<Bridge>> bridges;
+  const auto paths = platform::listHidInterfaces();
+  if (!paths) return bridges;
+  for (const std::string& path : *paths) {
+    const auto features = platform::describeHidFeatures(path);
+    if (!features || !isBridge(*features)) continue;
+    bridges.push_back(std::make_unique<HidBridge>(platform::openHid(path)));
+    if (bridges.size() == maxBridges) break;
+  }
+  return bridges;
 }
 
 }  // namespace qvx

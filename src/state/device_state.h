@@ -11,6 +11,8 @@ namespace qvx {
 
 constexpr int wifiDeviceIndex = 90;
 constexpr int chooseAutomatically = -1;
+// The last index that Init takes for a USB camera's. The tables below have no entry for it: such a
+// camera has no path and product id 0, but is reached behind its bridge all the same.
 constexpr int lastUsbDeviceIndex = 8;
 
 // The Wi-Fi camera, for the operations that take -1 for it, too.
@@ -18,29 +20,22 @@ inline bool isWifiDevice(int deviceIndex) {
   return deviceIndex == chooseAutomatically || deviceIndex == wifiDeviceIndex;
 }
 
-inline int VideoDeviceIndex =
-    0;                          // the current device; written by SetVideoDeviceIndex and Init only
-inline int nPid = 0;            // USB product id of the current camera, 0 = unknown
-inline int nCurrPid = 0;        // product id most recently parsed
-inline int nTmpIdx = 0;         // device index that register reads use
-inline std::uint8_t bWait = 0;  // 1 = the magnification timer may sample
-inline int bMAGSeries = -1;     // 1 = the camera reads its magnification; -1 = undecided
-inline int m_EnableMT = 0;      // 1 = the touch button is polled
-inline std::string s_mainhttp;  // base URL of the Wi-Fi camera, set by Init
+inline int VideoDeviceIndex = 0;  // the current device; only SetVideoDeviceIndex and Init write it
+inline int nPid = 0;              // USB product id of the current camera, 0 = unknown
+inline int nCurrPid = 0;          // product id most recently parsed
+inline int nTmpIdx = 0;           // device index that register reads use
+inline std::uint8_t bWait = 0;    // 1 = the magnification timer may sample
+inline int m_EnableMT = 0;        // 1 = the touch button is polled
+inline std::string s_mainhttp;    // base URL of the Wi-Fi camera, set by Init
 
 using DeviceTable = std::array<std::string, 8>;
 inline DeviceTable strOrvaDevice;        // lower-cased device path of each camera
 inline DeviceTable strOrvaDeviceName;    // friendly name of each camera
 inline DeviceTable strOrvaDeviceFx;      // where the paths are reordered
 inline DeviceTable strOrvaDeviceNameFx;  // where the names are reordered
-inline DeviceTable strOrvaDeviceWF;      // never filled; part of the state's layout
-inline DeviceTable strOrvaDeviceWFName;  // never filled; part of the state's layout
 
-// Controller registers read from the Wi-Fi camera by Init.
-inline std::uint32_t n80 = 0, n83 = 0, n84 = 0;
-inline std::uint32_t nC0 = 0, nC1 = 0, nC2 = 0, nC3 = 0, nC4 = 0, nC5 = 0;
-
-// Controller registers that decide how the camera is set up, whatever the transport.
+// Controller registers that decide how the camera is set up, whatever the transport. n80, nC3 and
+// nC5 in kept_state.h are others, which nothing goes by.
 inline std::uint32_t ul80 = 0, ul84 = 0, ulC3 = 0, ulC5 = 0;
 
 // The entry of a device table, null for an index outside it.

@@ -14,7 +14,7 @@ namespace qvx {
 
 namespace {
 
-// The vendor id as it stands in a device path. It is looked for in the path's own case.
+// The vendor id as it stands in a device path. The path is searched before it is lower-cased.
 constexpr char vendorMarker[] = "vid_3c7e";
 constexpr std::size_t lastMarkerPosition = 600;
 
@@ -29,8 +29,8 @@ std::string lowerCased(std::string text) {
   return text;
 }
 
-// Stores each camera's path, and its name if asked for, from entry 0 on; a ninth camera finds no
-// room. Entries beyond the new count keep what they had. Returns the count.
+// Stores each camera's path, and its name if asked for, from entry 0 on; a ninth camera is
+// left out. Entries beyond the new count keep what they had. Returns the count.
 std::size_t storeCameras(bool withNames) {
   // COM stays initialised: the application's thread goes on to use it for the video stream.
   platform::initializeCom();

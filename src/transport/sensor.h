@@ -24,6 +24,11 @@ bool WriteTo90x(int deviceNumber, std::uint32_t reg, std::uint32_t value);
 std::uint32_t ReadFrom88x(int deviceNumber, std::uint32_t reg);
 int WriteTo88x(int deviceNumber, std::uint32_t reg, std::uint32_t value);
 
+// The sensor at 0x34, which 4xx7 cameras have behind their bridge, on whichever bus was selected
+// last.
+void writeSensor34(int deviceNumber, std::uint32_t reg, int value);
+int readSensor34(int deviceNumber, std::uint32_t reg);
+
 // The Wi-Fi camera's sensor, whichever it is and whichever device is current.
 std::uint32_t ReadEmpia_Sensor(std::uint32_t reg);
 void WriteEmpia_Sensor(std::uint32_t reg, std::uint32_t value);

@@ -8,7 +8,7 @@
 
 #include "models/families.h"
 #include "platform/process.h"
-#include "state/device_state.h"
+#include "state/kept_state.h"
 
 namespace qvx {
 
@@ -54,8 +54,8 @@ bool makeDeviceList(std::uint32_t& count) {
   return false;
 }
 
-// The device with the current product id, unless the device index moves the choice along the list:
-// with index -1 or 90 that is past the end or on the last device, as the list's cursor has it.
+// The device with the current product id, unless the device index moves the choice along the list.
+// Indexes -1 and 90 move it past the end, or leave it on the last device: libusbK's cursor decides.
 bool chooseDevice(std::uint32_t count) {
   print("Looking for device vid/pid %04X/%04X..\n", cameraVendorId, nPid);
   deviceInfo = nullptr;
@@ -81,7 +81,7 @@ void openDevice() {
     ec = platform::lastError();
     print("Usb.Init failed. ErrorCode: %08Xh\n", ec);
   }
-  // Said in every case; the transfers that follow fail by themselves.
+  // Printed in every case: if the device is not open, the transfers that follow will fail.
   print("Device opened successfully!\n");
 }
 

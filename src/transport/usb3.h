@@ -17,7 +17,6 @@ inline platform::KUSB_HANDLE handle = nullptr;        // the opened camera; neve
 inline platform::WINUSB_PIPE_INFORMATION pipeInfo{};  // the pipe being listed
 inline std::uint8_t pipeIndex = 0;                    // the next pipe to list; never reset
 inline std::uint32_t ec = 0;                          // error of the last open that failed
-inline int nUSBVer = 0;                               // 3 for USB 3.x, 2 for USB 2.0
 
 // Finds, opens and describes the camera whose product id is `nPid`, and switches the polling of the
 // touch button off. Returns 0 when there is none, otherwise whether the opened device answered.

@@ -8,7 +8,7 @@
 #include <limits>
 
 #include "platform/timers.h"
-#include "transport/wifi_address.h"
+#include "transport/http_request.h"
 
 namespace qvx {
 
@@ -30,6 +30,17 @@ int signedByte(int value) {
 
 int shiftLeft(int value, int bits) {
   return static_cast<int>(static_cast<unsigned>(value) << bits);
+}
+
+// What one read of the answer gives, nothing when no byte came.
+std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms) {
+  HttpRequest request;
+  if (pauseBefore_ms != 0) platform::pause(pauseBefore_ms);
+  request.open(url);
+  std::string answer = request.read();
+  if (answer.empty()) return std::nullopt;
+  request.leaveOpen();
+  return answer;
 }
 
 }  // namespace
@@ -86,39 +97,6 @@ std::string format(const char* pattern, ...) {
   return text;
 }
 
-std::wstring widen(const std::string& text) {
-  std::wstring wide;
-  wide.reserve(text.size());
-  for (const char character : text) {
-    wide.push_back(static_cast<wchar_t>(static_cast<unsigned char>(character)));
-  }
-  return wide;
-}
-
-platform::InternetHandle openCameraUrl(platform::InternetHandle session, const std::string& url) {
-  const bool isKnown = !wifiBase || !wifiBase->empty();
-  return isKnown ? platform::openUrl(session, widen(url)) : nullptr;
-}
-
-std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms) {
-  const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
-  if (pauseBefore_ms != 0) platform::pause(pauseBefore_ms);
-  const platform::InternetHandle request = openCameraUrl(session, url);
-  if (request == nullptr) {
-    platform::closeInternetHandle(session);
-    return std::nullopt;
-  }
-  std::string answer(answerCapacity, '\0');
-  std::uint32_t received = 0;
-  if (!platform::readUrl(request, answer.data(), answerCapacity, received) || received == 0) {
-    platform::closeInternetHandle(request);
-    platform::closeInternetHandle(session);
-    return std::nullopt;
-  }
-  answer.resize(std::min(received, answerCapacity));
-  return answer;
-}
-
 std::optional<std::string> fetchRegister(const std::string& url) {
   std::optional<std::string> answer = fetchOnce(url, 0);
   if (answer) platform::pause(pauseAfterRegister_ms);
@@ -126,9 +104,9 @@ std::optional<std::string> fetchRegister(const std::string& url) {
 }
 
 void sendUnread(const std::string& url) {
-  const platform::InternetHandle session = platform::openInternetSession(downloadAgent);
-  openCameraUrl(session, url);
-  platform::closeInternetHandle(session);
+  HttpRequest request;
+  request.open(url);
+  request.leaveRequestOpen();
 }
 
 int decimalAt(const char* text) {

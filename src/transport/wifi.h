@@ -7,16 +7,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/internet.h"
 #include "transport/wifi_address.h"
 
 namespace qvx {
-
-// Agent name of every request.
-inline constexpr wchar_t downloadAgent[] = L"HTTP Downloader";
-
-// The most that one read of an answer takes.
-constexpr std::uint32_t answerCapacity = 8192;
 
 // What a command is about.
 enum class WifiGroup { picture = 1, videoMode = 2, gpio = 4, i2c = 5 };
@@ -43,21 +36,11 @@ std::string CMD_GPIO_W(std::string base, int port, int mask, int levels);
 // Sends a command after a pause of 10 ms and returns the integer of its answer, 0 on any failure.
 int loadUrlwWininet(std::string url);
 
-// Each byte becomes one wide character.
-std::wstring widen(const std::string& text);
-
-// Opens a URL on the camera. Null when it could not be reached; when the environment names
-// something that is no address, nothing is asked of the system at all.
-platform::InternetHandle openCameraUrl(platform::InternetHandle session, const std::string& url);
-
-// One GET and one read. Returns what the read gave, nothing when no byte came. After a success the
-// request and its session stay open: the channel leaves both to the process.
-std::optional<std::string> fetchOnce(const std::string& url, std::uint32_t pauseBefore_ms);
-
-// The same for a command that reads a register: followed, after a success, by a pause of 5 ms.
+// Sends a command that reads a register, and pauses for 5 ms once it is answered. Returns the
+// answer, nothing when no byte came.
 std::optional<std::string> fetchRegister(const std::string& url);
 
-// Sends a command and leaves its answer unread: the session is closed, the request stays open.
+// Sends a command and leaves its answer unread.
 void sendUnread(const std::string& url);
 
 // What atoi gives, with defined results beyond the range of an int.

@@ -11,7 +11,7 @@ namespace {
 constexpr char builtInBaseUrl[] = "http://" QVX_CAMERA_ADDRESS ":8080/";
 constexpr std::string_view usualPort = "8080";
 
-bool isNumber(std::string_view text, int least, int most) {
+bool isNumber(std::string_view text, int min, int max) {
   const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
   if (text.empty() || text.size() > 5 || !std::all_of(text.begin(), text.end(), isDigit) ||
       (text.size() > 1 && text.front() == '0')) {
@@ -19,7 +19,7 @@ bool isNumber(std::string_view text, int least, int most) {
   }
   int value = 0;
   for (const char digit : text) value = value * 10 + (digit - '0');
-  return value >= least && value <= most;
+  return value >= min && value <= max;
 }
 
 bool isIpv4(std::string_view text) {

@@ -1,5 +1,5 @@
 // The Wi-Fi camera's control document, as cameras and strangers may send it.
-#include "controls/control_document.h"
+#include "transport/control_document.h"
 
 #include <gtest/gtest.h>
 

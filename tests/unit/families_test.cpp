@@ -7,6 +7,7 @@
 #include "state/device_state.h"
 #include "tests/support/library.h"
 #include "tests/support/wifi_registers.h"
+#include "transport/controller.h"
 
 namespace qvx::tests {
 namespace {

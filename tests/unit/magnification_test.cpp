@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "qvx64/api.h"
-#include "state/device_state.h"
+#include "state/kept_state.h"
 #include "tests/support/library.h"
 #include "tests/support/wifi_registers.h"
 

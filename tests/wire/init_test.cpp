@@ -6,7 +6,7 @@
 #include "api/events.h"
 #include "controls/magnification.h"
 #include "qvx64/api.h"
-#include "state/read_urls.h"
+#include "state/kept_state.h"
 #include "tests/support/cameras.h"
 #include "tests/support/wifi_registers.h"
 #include "transport/controller.h"

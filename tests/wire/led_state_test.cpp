@@ -6,6 +6,7 @@
 
 #include "controls/lighting.h"
 #include "qvx64/api.h"
+#include "state/kept_state.h"
 #include "tests/support/cameras.h"
 
 namespace qvx::tests {

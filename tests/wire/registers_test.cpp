@@ -2,6 +2,7 @@
 // from writes; and how a USB 3 camera is found and opened.
 #include "platform/process.h"
 #include "qvx64/api.h"
+#include "state/kept_state.h"
 #include "tests/support/cameras.h"
 #include "transport/controller.h"
 #include "transport/sensor.h"

@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "controls/control_document.h"
+#include "transport/control_document.h"
 #include "controls/feature_word.h"
 #include "controls/magnification.h"
 #include "etlib2/etLib2.h"
@@ -25,6 +25,7 @@
 #include "tools/bench/bare_calls.h"
 #include "tools/bench/measure.h"
 #include "transport/controller.h"
+#include "transport/http_request.h"
 #include "transport/wifi.h"
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace qvx {
 
@@ -20,6 +21,16 @@ constexpr std::uint8_t highByte(Integer number) {
 // A sensor's register address, as it goes over the bus.
 constexpr std::array<std::uint8_t, 2> highByteFirst(std::uint32_t number) {
   return {highByte(number), lowByte(number)};
+}
+
+// Lowest byte first.
+constexpr std::array<std::uint8_t, 4> bytesOf(std::uint32_t value) {
+  return {lowByte(value), highByte(value), lowByte(value >> 16), highByte(value >> 16)};
+}
+constexpr std::uint32_t valueOf(std::span<const std::uint8_t> bytes) {
+  std::uint32_t value = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) value = value << 8 | bytes[i];
+  return value;
 }
 
 }  // namespace qvx

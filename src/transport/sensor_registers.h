@@ -1,4 +1,4 @@
-// Registers of the image sensors that exposure control uses, by the sensor's I2C address.
+// Registers of the image sensors, by the sensor's I2C address.
 #pragma once
 
 #include <cstdint>
@@ -53,8 +53,7 @@ enum : std::uint32_t {
 
 // 16-bit addresses, behind the bridge only.
 namespace sensor34 {
-constexpr std::uint8_t slave = 0x34;
-enum : std::uint16_t {
+enum : std::uint32_t {
   shutterHigh = 0x0202,
   shutterLow = 0x0203,
   frameLinesHigh = 0x0340,

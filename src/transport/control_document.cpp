@@ -1,4 +1,4 @@
-#include "controls/control_document.h"
+#include "transport/control_document.h"
 
 #include <json/reader.h>
 #include <json/value.h>
@@ -12,7 +12,7 @@ namespace qvx {
 
 namespace {
 
-// Numbers and truth values have a text, too. The member of anything but an object is empty.
+// Numbers and booleans are converted. Empty for a member of anything but an object.
 std::string textOf(const Json::Value& object, const char* member) {
   if (!object.isObject()) return {};
   const Json::Value& value = object[member];
@@ -34,16 +34,16 @@ bool parse(std::string_view document, Json::Value& root) {
 
 }  // namespace
 
-std::optional<Control> controlIn(std::string_view document, std::string_view name) {
+std::optional<PictureControl> controlIn(std::string_view document, std::string_view name) {
   Json::Value root;
   if (!parse(document, root) || !root.isObject()) return std::nullopt;
   const Json::Value& controls = std::as_const(root)["controls"];
   if (!controls.isArray()) return std::nullopt;
   for (const Json::Value& control : controls) {
     if (textOf(control, "name") != name) continue;
-    return Control{numberOf(control, "value"),
-                   {numberOf(control, "min"), numberOf(control, "max"), numberOf(control, "step"),
-                    numberOf(control, "default")}};
+    return PictureControl{numberOf(control, "value"),
+                          {numberOf(control, "min"), numberOf(control, "max"),
+                           numberOf(control, "step"), numberOf(control, "default")}};
   }
   return std::nullopt;
 }

@@ -1,6 +1,6 @@
 // The Wi-Fi camera's control document: JSON with an array "controls" of objects, whose numbers are
-// texts. What a camera sends is not trusted: no document makes this fail otherwise than by finding
-// nothing.
+// strings. What a camera sends is not trusted: whatever it is, the worst that can come of it is
+// that nothing is found.
 #pragma once
 
 #include <cstdint>
@@ -11,13 +11,13 @@
 
 namespace qvx {
 
-struct Control {
+struct PictureControl {
   std::int32_t value;
   platform::PropertyRange range;
 };
 
 // The first control of that name; nothing when there is none or the text does not start with a
 // whole document. A number that is missing or no number reads as 0.
-std::optional<Control> controlIn(std::string_view document, std::string_view name);
+std::optional<PictureControl> controlIn(std::string_view document, std::string_view name);
 
 }  // namespace qvx
