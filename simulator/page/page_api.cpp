@@ -96,6 +96,12 @@ Json::Value stateOf(PluggedCamera& camera) {
   return state;
 }
 
+Json::Value statesOf(Desk& desk) {
+  Json::Value all(Json::arrayValue);
+  for (const auto& camera : desk.cameras()) all.append(stateOf(*camera));
+  return all;
+}
+
 Json::Value entryOf(const Access& access) {
   Json::Value entry;
   entry["number"] = Json::UInt64{access.number};
@@ -113,21 +119,20 @@ class Events {
 
   // Waits for news, and sends them; false when the listener has gone.
   bool send(DataSink& sink) {
-    std::string news = states_.empty() ? introduction() : "";
+    std::string news = rounds_ == 0 ? introduction() : "";
+    if (rounds_ != 0) {
+      std::this_thread::sleep_for(40ms);
+      seen_ = desk_.awaitChange(seen_, 60ms);
+    }
     for (const auto& camera : desk_.cameras()) news += newsOf(*camera);
-    if (news.empty() && ++silent_ % 20 == 0) news = ":\n\n";  // finds out whether anybody listens
-    std::this_thread::sleep_for(40ms);
-    seen_ = desk_.awaitChange(seen_, 60ms);
+    if (++rounds_ % 16 == 0) news += ":\n\n";  // finds out whether anybody listens
     return news.empty() || sink.write(news.data(), news.size());
   }
 
  private:
   std::string introduction() {
-    Json::Value all(Json::arrayValue);
-    for (const auto& camera : desk_.cameras()) {
-      all.append(stateOf(*camera));
-      states_[camera->id()] = textOf(all[all.size() - 1]);
-    }
+    const Json::Value all = statesOf(desk_);
+    for (const Json::Value& state : all) states_[state["id"].asString()] = textOf(state);
     return event("cameras", all);
   }
 
@@ -149,7 +154,7 @@ class Events {
 
   Desk& desk_;
   std::uint64_t seen_ = 0;
-  unsigned silent_ = 0;
+  unsigned rounds_ = 0;
   std::map<std::string, std::string> states_;
   std::map<std::string, std::uint64_t> told_;  // the number of the last access
 };
@@ -190,12 +195,23 @@ void takeChanges(PluggedCamera& camera, const std::string& text, Response& respo
 
 // ---- The routes
 
-void sendPage(Response& response) {
+// The page comes with the states, so that it is whole at once. No name in them ends its script.
+std::string pageOf(Desk& desk) {
+  constexpr std::string_view file = pageHtml, none = "[]";
+  constexpr std::size_t place = file.find("[]</script>");
+  std::string page(file.substr(0, place));
+  for (const char character : textOf(statesOf(desk))) {
+    character == '<' ? page.append("\\u003c") : page.append(1, character);
+  }
+  return page.append(file.substr(place + none.size()));
+}
+
+void sendPage(Desk& desk, Response& response) {
   response.set_header("Content-Security-Policy",
                       "default-src 'none'; img-src 'self' data:; connect-src 'self'; style-src "
                       "'unsafe-inline'; script-src 'unsafe-inline'; frame-ancestors 'none'");
   response.set_header("Cache-Control", "no-cache");
-  response.set_content(pageHtml, "text/html; charset=utf-8");
+  response.set_content(pageOf(desk), "text/html; charset=utf-8");
 }
 
 void sendEvents(Desk& desk, Response& response) {
@@ -250,8 +266,8 @@ void addPageRoutes(httplib::Server& server, Desk& desk) {
       action(*camera, request, response);
     };
   };
-  server.Get("/", [](const Request& request, Response& response) {
-    if (isAllowed(request, response)) sendPage(response);
+  server.Get("/", [&desk](const Request& request, Response& response) {
+    if (isAllowed(request, response)) sendPage(desk, response);
   });
   server.Get("/cameras/events", [&desk](const Request& request, Response& response) {
     if (isAllowed(request, response)) sendEvents(desk, response);
