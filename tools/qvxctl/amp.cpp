@@ -15,9 +15,17 @@ namespace qvxctl {
 namespace {
 
 constexpr Property properties[] = {
-    {"brightness", 0}, {"contrast", 1}, {"hue", 2},          {"saturation", 3},
-    {"sharpness", 4},  {"gamma", 5},    {"color-enable", 6}, {"white-balance", 7},
-    {"backlight", 8},  {"gain", 9},     {"power-line", 13},
+    {"brightness", QVX_BRIGHTNESS},
+    {"contrast", QVX_CONTRAST},
+    {"hue", QVX_HUE},
+    {"saturation", QVX_SATURATION},
+    {"sharpness", QVX_SHARPNESS},
+    {"gamma", QVX_GAMMA},
+    {"color-enable", QVX_COLOR_ENABLE},
+    {"white-balance", QVX_WHITE_BALANCE},
+    {"backlight", QVX_BACKLIGHT_COMPENSATION},
+    {"gain", QVX_GAIN},
+    {"power-line", QVX_POWER_LINE_FREQUENCY},
 };
 
 std::string jsonOf(const PropertySetting& setting) {

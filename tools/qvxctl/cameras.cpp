@@ -34,7 +34,7 @@ bool initWith(int index) {
 
 // Init by itself would take a bridge camera, or whatever answers HTTP, for the Wi-Fi camera.
 bool openWifi() {
-  return initWith(wifiIndex) && answers(wifiIndex, false);
+  return initWith(QVX_WIFI_CAMERA) && answers(QVX_WIFI_CAMERA, false);
 }
 
 // A USB 3 camera that stands alone is found by automatic choice only. Of those from 0x9B1 on, Init
@@ -42,21 +42,21 @@ bool openWifi() {
 bool openUsb(int index) {
   const int listed = std::max(index, 0);
   const std::string path = taken(GetDeviceId(listed));
-  if (index != automaticIndex && path.empty()) return false;
+  if (index != QVX_CHOOSE && path.empty()) return false;
   const bool alone = isUsb3(productIdIn(path)) && listed == 0;
-  if (initWith(alone ? automaticIndex : index)) return true;
+  if (initWith(alone ? QVX_CHOOSE : index)) return true;
   return alone && GetVideoDeviceCount() != 0 && answers(listed, true);
 }
 
 std::string whereSought(int index) {
-  if (index == wifiIndex) return " at " + wifiCameraAddress();
-  return index == automaticIndex ? " on USB; the Wi-Fi camera is --device 90"
-                                 : " at index " + std::to_string(index);
+  if (index == QVX_WIFI_CAMERA) return " at " + wifiCameraAddress();
+  return index == QVX_CHOOSE ? " on USB; the Wi-Fi camera is --device 90"
+                             : " at index " + std::to_string(index);
 }
 
 int open(int index) {
   const LibraryOutputAside aside;
-  if (index == wifiIndex ? openWifi() : openUsb(index)) return GetVideoDeviceIndex();
+  if (index == QVX_WIFI_CAMERA ? openWifi() : openUsb(index)) return GetVideoDeviceIndex();
   throw Failure(ExitCode::cameraFailed, "no camera answers" + whereSought(index));
 }
 
@@ -66,7 +66,7 @@ Camera describeCamera(int index) {
   Camera camera{index, {}, {}, {}};
   // In this order: GetVideoDeviceName leaves the library's paths in the system's order, in which
   // the other functions would look up the wrong camera; GetDeviceId mends that.
-  camera.name = index == wifiIndex ? "Wi-Fi camera" : taken(GetVideoDeviceName(index));
+  camera.name = index == QVX_WIFI_CAMERA ? "Wi-Fi camera" : taken(GetVideoDeviceName(index));
   camera.path = taken(GetDeviceId(index));
   camera.productId = productIdIn(camera.path);
   return camera;
@@ -81,18 +81,18 @@ Model openModel(const Options& options) {
 }
 
 void openWifiCamera(const Options& options) {
-  if (options.device.value_or(wifiIndex) != wifiIndex) {
+  if (options.device.value_or(QVX_WIFI_CAMERA) != QVX_WIFI_CAMERA) {
     throw Failure(ExitCode::badUsage, options.command + " is for the Wi-Fi camera, --device 90");
   }
-  open(wifiIndex);
+  open(QVX_WIFI_CAMERA);
 }
 
 bool answers(int index, bool overUsb3) {
-  if (index != wifiIndex) return GetAETarget(index) != (overUsb3 ? 0xFF : 0);
+  if (index != QVX_WIFI_CAMERA) return GetAETarget(index) != (overUsb3 ? 0xFF : 0);
   // What the library leaves alone was not told. An answer that comes in pieces is missed now and
   // then: it is asked for twice.
   constexpr qvx_long untold = std::numeric_limits<qvx_long>::min();
-  qvx_long brightness = 0, least = untold;
+  qvx_long brightness = QVX_BRIGHTNESS, least = untold;
   for (int tries = 0; tries < 2 && least == untold; ++tries) {
     GetVideoProcAmpValueRange(&brightness, &least, nullptr, nullptr, nullptr);
   }

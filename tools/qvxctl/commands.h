@@ -32,6 +32,7 @@ void setLight(const Options& options);
 void setLeds(const Options& options);
 void showConfig(const Options& options);
 void testCamera(const Options& options);
+void writeReport(const Options& options);
 void callExport(const Options& options);
 
 std::string helpText();        // the whole client

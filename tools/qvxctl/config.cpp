@@ -14,9 +14,14 @@ constexpr struct {
   qvx_long bit;
   std::string_view name;
 } features[] = {
-    {0x80, "focus lens"},           {0x40, "magnification"},       {0x20, "dimmable quadrants"},
-    {0x10, "register bit 0x10"},    {0x08, "lights of variant 3"}, {0x04, "lights of variant 2"},
-    {0x02, "7xxx family or newer"}, {0x01, "register bit 0x01"},
+    {QVX_FEATURE_LENS, "focus lens"},
+    {QVX_FEATURE_MAGNIFICATION, "magnification"},
+    {QVX_FEATURE_QUADRANTS, "dimmable quadrants"},
+    {QVX_FEATURE_AIMING_LIGHT, "register bit 0x10"},
+    {QVX_FEATURE_LIGHTS_3, "lights of variant 3"},
+    {QVX_FEATURE_LIGHTS_2, "lights of variant 2"},
+    {QVX_FEATURE_7XXX, "7xxx family or newer"},
+    {QVX_FEATURE_LIGHTING_BOARD, "register bit 0x01"},
 };
 
 std::string hexadecimal(qvx_long word) {

@@ -11,16 +11,16 @@ namespace qvxctl {
 
 namespace {
 
-constexpr qvx_long longest_lines = 65535, brightest = 255;
+constexpr qvx_long brightest = 255;
 
 constexpr struct FlickerMode {
   std::string_view name, text;
   qvx_long mode;
   Flicker least;
 } flickerModes[] = {
-    {"auto", "detected by the camera", 0, Flicker::detected},
-    {"60", "60 Hz", 1, Flicker::chosen},
-    {"50", "50 Hz", 2, Flicker::chosen},
+    {"auto", "detected by the camera", QVX_FLICKER_DETECT, Flicker::detected},
+    {"60", "60 Hz", QVX_FLICKER_60_HZ, Flicker::chosen},
+    {"50", "50 Hz", QVX_FLICKER_50_HZ, Flicker::chosen},
 };
 
 void expect(bool possible, const std::string& problem) {
@@ -53,7 +53,7 @@ void change(const Model& model, const std::string& argument, qvx_long target) {
 void exposeCamera(const Options& options) {
   const auto argument = onlyArgument(options);
   std::optional<qvx_long> lines;
-  if (argument) lines = numberWithin("exposure", *argument, 0, longest_lines);
+  if (argument) lines = numberWithin("exposure", *argument, QVX_EXPOSURE_MIN, QVX_EXPOSURE_MAX);
   const qvx_long now = exposureAfter(openModel(options), lines);
   printLine(options.json ? json::object({{"exposure_lines", json::number(now)}})
                          : "Exposure  " + std::to_string(now) + " lines");

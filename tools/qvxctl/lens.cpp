@@ -84,7 +84,7 @@ std::optional<Range> lensRange(const Model& model) {
 
 std::optional<Range> fineLensRange(const Model& model) {
   // Over Wi-Fi a range is told, but nothing moves.
-  if (!model.hasLens() || model.device == wifiIndex) return std::nullopt;
+  if (!model.hasLens() || model.device == QVX_WIFI_CAMERA) return std::nullopt;
   return rangeFrom(GetLensFinePosLimits, model.device);
 }
 

@@ -25,27 +25,27 @@ constexpr struct Light {
   bool (*fits)(const Model& model, const Setting& setting);
   void (*set)(int device, const Setting& setting);
 } lightTable[] = {
-    {"switch", "Light switch", false, 48, lights,
+    {"switch", "Light switch", false, QVX_AIM_OFF, lights,
      [](int device, const Setting& setting) { SetSEGSwitch(device, setting.value); }},
-    {"level", "Ring level", false, 31,
+    {"level", "Ring level", false, QVX_QUADRANT_LEVEL_FULL,
      [](const Model& model, const Setting& setting) {
        return model.hasLights() && setting.value <= model.brightestRing();
      },
      [](int device, const Setting& setting) { SetSEGLevel(device, setting.value); }},
-    {"quadrant", "Level of quadrant", true, 31,
-     [](const Model& model, const Setting&) { return model.has(quadrants); },
+    {"quadrant", "Level of quadrant", true, QVX_QUADRANT_LEVEL_FULL,
+     [](const Model& model, const Setting&) { return model.has(QVX_FEATURE_QUADRANTS); },
      [](int device, const Setting& setting) { SetESEG(device, setting.quadrant, setting.value); }},
-    {"axial", "Axial light level", false, 6, lights,
+    {"axial", "Axial light level", false, QVX_LEVEL_FULL, lights,
      [](int device, const Setting& setting) { SetAXILevel(device, setting.value); }},
-    {"aim", "Aiming light level", false, 6,
+    {"aim", "Aiming light level", false, QVX_LEVEL_FULL,
      [](const Model& model, const Setting&) { return model.hasAim(); },
      [](int device, const Setting& setting) { SetAimpointLevel(device, setting.value); }},
 };
 
 // Up to 16 the segments of the ring, from there on one value for each light and state.
 void expectSwitchValue(qvx_long value) {
-  constexpr qvx_long ringOff = 16, step = 8;
-  if (value <= ringOff || value % step == 0) return;
+  constexpr qvx_long step = 8;
+  if (value <= QVX_RING_OFF || value % step == 0) return;
   throw Failure(ExitCode::badUsage,
                 "light switch: " + std::to_string(value) + " is not 0 to 16, 24, 32, 40 or 48");
 }
@@ -75,9 +75,9 @@ constexpr struct LedState {
   std::string_view name, text;
   int state;
 } ledStates[] = {
-    {"off", "off", 0},
-    {"on", "on", 1},
-    {"other", "its other lighting", 2},
+    {"off", "off", QVX_LED_OFF},
+    {"on", "on", QVX_LED_ON},
+    {"other", "its other lighting", QVX_LED_OTHER},
 };
 
 }  // namespace

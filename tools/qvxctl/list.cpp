@@ -23,7 +23,7 @@ void printJson(const std::vector<Camera>& cameras) {
   std::vector<std::string> entries;
   for (const Camera& camera : cameras) entries.push_back(json::object(membersOf(camera)));
   const std::string wifi =
-      json::object({{"index", json::number(wifiIndex)}, {"note", json::text(wifiNote)}});
+      json::object({{"index", json::number(QVX_WIFI_CAMERA)}, {"note", json::text(wifiNote)}});
   printLine(json::object({{"cameras", json::array(entries)}, {"wifi", wifi}}));
 }
 
@@ -35,7 +35,7 @@ void printText(const std::vector<Camera>& cameras) {
               nameText(camera));
     printLine(indent + camera.path);
   }
-  printLine(std::to_string(wifiIndex) + "  Wi-Fi camera, " + wifiNote);
+  printLine(std::to_string(QVX_WIFI_CAMERA) + "  Wi-Fi camera, " + wifiNote);
 }
 
 }  // namespace

@@ -32,6 +32,7 @@ constexpr Command commands[] = {
     {"led", "off|on|other", "switch the illumination between its basic states", setLeds},
     {"config", "", "tell the features of a camera by name", showConfig},
     {"selftest", "", "try everything that a camera has, and compare what it tells", testCamera},
+    {"report", "FILE.zip|FILE.txt", "collect what the report of a fault needs", writeReport},
     {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
 };
 

@@ -57,9 +57,9 @@ int productIdLikeWifiCamera(qvx_long features) {
     case 1:
       return 0x9A0;
     case 2:
-      return (features & lightingController) != 0 ? 0x9C0 : someOf4xxx;
+      return (features & QVX_FEATURE_7XXX) != 0 ? 0x9C0 : someOf4xxx;
     case 3:
-      return (features & lightingVariant3) != 0 ? 0x920 : 0;
+      return (features & QVX_FEATURE_LIGHTS_3) != 0 ? 0x920 : 0;
     case 5:
       return 0x960;
     default:
@@ -77,7 +77,7 @@ const ExposureFamily& exposureFamilyOf(int productId) {
 }  // namespace
 
 bool Model::hasLens() const {
-  return has(focusLens) || isIn(moreLenses, productId);
+  return has(QVX_FEATURE_LENS) || isIn(moreLenses, productId);
 }
 
 bool Model::returnsLens() const {
@@ -85,7 +85,7 @@ bool Model::returnsLens() const {
 }
 
 bool Model::hasLights() const {
-  return has(lightingController) || isIn(moreLights, productId);
+  return has(QVX_FEATURE_7XXX) || isIn(moreLights, productId);
 }
 
 bool Model::hasAim() const {
@@ -94,8 +94,10 @@ bool Model::hasAim() const {
 
 Model modelOf(int device) {
   const qvx_long features = GetConfig(device);
-  const auto productId = device == wifiIndex ? std::nullopt : describeCamera(device).productId;
-  const int like = device == wifiIndex ? productIdLikeWifiCamera(features) : productId.value_or(0);
+  const auto productId =
+      device == QVX_WIFI_CAMERA ? std::nullopt : describeCamera(device).productId;
+  const int like =
+      device == QVX_WIFI_CAMERA ? productIdLikeWifiCamera(features) : productId.value_or(0);
   return {device, productId, features, exposureFamilyOf(like)};
 }
 

@@ -13,13 +13,6 @@ struct Range {
   bool holds(qvx_long value) const { return lower <= value && value <= upper; }
 };
 
-enum Feature : qvx_long {  // bits of the feature word
-  lightingController = 0x02,
-  lightingVariant3 = 0x08,
-  quadrants = 0x20,
-  focusLens = 0x80,
-};
-
 enum class ExposureTime { none, fixed, perhapsFixed, untold, settable };
 enum class Flicker { none, chosen, detected };
 
@@ -41,7 +34,9 @@ struct Model {
   bool returnsLens() const;  // its zero position can be read
   bool hasLights() const;    // that levels can be set of; all others have switches
   bool hasAim() const;
-  qvx_long brightestRing() const { return has(quadrants) ? 31 : 6; }
+  qvx_long brightestRing() const {
+    return has(QVX_FEATURE_QUADRANTS) ? QVX_QUADRANT_LEVEL_FULL : QVX_LEVEL_FULL;
+  }
 };
 
 // Of a camera that is open.

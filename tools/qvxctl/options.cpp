@@ -22,7 +22,8 @@ double secondsIn(const std::string& text) {
 
 int indexIn(const std::string& text) {
   const int index = wholeNumber("--device", text);
-  if (index == wifiIndex || (index >= automaticIndex && index < firstIndexBeyondUsb)) return index;
+  if (index == QVX_WIFI_CAMERA || (index >= QVX_CHOOSE && index < firstIndexBeyondUsb))
+    return index;
   throw Failure(ExitCode::badUsage, "--device: " + text + " is none of -1, 0 to 7 and 90");
 }
 
@@ -63,6 +64,16 @@ void useAddress(const std::string& text) {
   SetEnvironmentVariableW(addressVariable, wide(text).c_str());
 }
 
+void useTrace(const std::string& text) {
+  const std::wstring name = wide(text);
+  std::wstring path(GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
+  const auto room = static_cast<DWORD>(path.size());
+  if (room == 0 || GetFullPathNameW(name.c_str(), room, path.data(), nullptr) == 0) {
+    throw Failure(ExitCode::badUsage, "--trace: " + quoted(text) + " is no name of a file");
+  }
+  SetEnvironmentVariableW(L"QVX64_TRACE", path.c_str());
+}
+
 constexpr Option options[] = {
     {"--device", "N", "",
      "the camera: 0 to 7, 90 for Wi-Fi, -1 (default) to let the library choose",
@@ -73,6 +84,10 @@ constexpr Option options[] = {
        useAddress(value);
        all.wifiCamera = true;
      }},
+    {"--trace", "FILE", "", "the library writes what passes between it and the camera to a file",
+     [](Options&, const std::string& value) { useTrace(value); }},
+    {"--no-serials", "", "report", "leave out the serial numbers in device paths",
+     [](Options& all, const std::string&) { all.withoutSerials = true; }},
     {"--json", "", "", "print JSON: one object, or one per line from watch and selftest",
      [](Options& all, const std::string&) { all.json = true; }},
     {"--seconds", "S", "watch", "stop after S seconds instead of at Ctrl-C",

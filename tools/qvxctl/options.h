@@ -7,11 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "qvx64/api.h"
+
 namespace qvxctl {
 
 constexpr int firstIndexBeyondUsb = 8;  // USB cameras have the indexes 0 to 7
-constexpr int wifiIndex = 90;
-constexpr int automaticIndex = -1;
 
 struct Options {
   std::string command;
@@ -20,12 +20,13 @@ struct Options {
   std::optional<double> seconds;
   bool wifiCamera = false;  // its address is given
   bool json = false;
+  bool withoutSerials = false;
   bool initFirst = false;
   bool help = false;
   bool version = false;
 
   // The camera to open. Who gives the address of the Wi-Fi camera means that one.
-  int index() const { return device.value_or(wifiCamera ? wifiIndex : automaticIndex); }
+  int index() const { return device.value_or(wifiCamera ? QVX_WIFI_CAMERA : QVX_CHOOSE); }
 };
 
 struct Option {

@@ -13,6 +13,8 @@ namespace {
 
 constexpr int outputDescriptor = 1, errorDescriptor = 2;
 
+std::string* captured = nullptr;
+
 bool writeLine(std::FILE* stream, const std::string& line) {
   return std::fputs((line + '\n').c_str(), stream) >= 0 && std::fflush(stream) == 0;
 }
@@ -20,13 +22,23 @@ bool writeLine(std::FILE* stream, const std::string& line) {
 }  // namespace
 
 void printLine(const std::string& line) {
-  if (!writeLine(stdout, line)) {
+  if (captured != nullptr) {
+    *captured += line + '\n';
+  } else if (!writeLine(stdout, line)) {
     throw Failure(ExitCode::outputLost, "standard output cannot be written");
   }
 }
 
 void note(const std::string& message) {
   writeLine(stderr, "qvxctl: " + message);
+}
+
+CapturedOutput::CapturedOutput() {
+  captured = &text_;
+}
+
+CapturedOutput::~CapturedOutput() {
+  captured = nullptr;
 }
 
 Utf8Console::Utf8Console() : earlierCodePage_(GetConsoleOutputCP()) {

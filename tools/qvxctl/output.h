@@ -13,6 +13,20 @@ void printLine(const std::string& line);
 // A remark to the user, in one line.
 void note(const std::string& message);
 
+// While it lives, lines are kept instead of printed. One at a time.
+class CapturedOutput {
+ public:
+  CapturedOutput();
+  ~CapturedOutput();
+  CapturedOutput(const CapturedOutput&) = delete;
+  CapturedOutput& operator=(const CapturedOutput&) = delete;
+
+  const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
+};
+
 // While it lives, a console shows UTF-8.
 class Utf8Console {
  public:

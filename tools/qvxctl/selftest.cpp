@@ -25,7 +25,8 @@ Findings testSelection(const Model& camera) {
 
 // The Wi-Fi camera has none of these: the exports tell its product id nowhere.
 Findings testIdentity(const Model& camera) {
-  if (camera.device == wifiIndex) return {skipped("name"), skipped("path"), skipped("product id")};
+  if (camera.device == QVX_WIFI_CAMERA)
+    return {skipped("name"), skipped("path"), skipped("product id")};
   const Camera described = describeCamera(camera.device);
   const bool samePath = utf8FromOem(GetDeviceIDA(camera.device)) == described.path;
   return {compared("name", !described.name.empty(), "", described.name),

@@ -126,11 +126,11 @@ Findings testExposure(const Model& camera) {
 // Some models keep it as the power-line property, which can be restored; others are left to detect
 // the frequency, or at 50 Hz where they cannot.
 Findings testFlicker(const Model& camera) {
-  constexpr int powerLine = 13;
-  const qvx_long before = GetVideoProcAmp(powerLine);
+  const qvx_long before = GetVideoProcAmp(QVX_POWER_LINE_FREQUENCY);
   if (camera.exposure.flicker == Flicker::none) return {skipped("flicker")};
   for (const qvx_long mode : {1, 2, 0}) SetFlicker(camera.device, mode);
-  if (before >= 0 && camera.device != wifiIndex) SetVideoProcAmp(powerLine, before);
+  if (before >= 0 && camera.device != QVX_WIFI_CAMERA)
+    SetVideoProcAmp(QVX_POWER_LINE_FREQUENCY, before);
   return {sent("flicker", "1 2 0")};
 }
 
@@ -142,7 +142,7 @@ Findings testPicture(const Model& /*camera*/) {
 
 // The size from before is that of the first still.
 Findings testStills(const Model& camera) {
-  const auto sizes = camera.device == wifiIndex ? sizesOffered() : std::vector<Size>();
+  const auto sizes = camera.device == QVX_WIFI_CAMERA ? sizesOffered() : std::vector<Size>();
   if (sizes.empty()) return {skipped("video modes"), skipped("still")};
   const Size before = sizeOfStill();
   const bool known = std::ranges::find(sizes, before) != sizes.end();

@@ -87,7 +87,7 @@ Findings testLights(const Model& camera) {
 }
 
 Findings testQuadrants(const Model& camera) {
-  if (!camera.has(quadrants)) return {skipped("quadrants")};
+  if (!camera.has(QVX_FEATURE_QUADRANTS)) return {skipped("quadrants")};
   constexpr qvx_long dim = 1, last = 4;
   for (qvx_long quadrant = 1; quadrant <= last; ++quadrant) {
     SetESEG(camera.device, quadrant, dim);

@@ -78,8 +78,7 @@ class Events {
 // measures means nothing.
 class Presence {
  public:
-  Presence(const Camera& camera, const Events& events)
-      : index_(camera.index), overUsb3_(isUsb3(camera.productId)), events_(events) {
+  Presence(const Model& camera, const Events& events) : camera_(camera), events_(events) {
     if (!monitored_) note("it cannot be told when this camera stops answering");
   }
 
@@ -96,18 +95,22 @@ class Presence {
   }
 
  private:
+  // One without exposure has nothing to ask for, and would not be measured any more.
+  bool canBeAsked() const {
+    return camera_.device == QVX_WIFI_CAMERA || camera_.exposure.time != ExposureTime::none;
+  }
+
   bool ask() {
-    const bool answered = answers(index_, overUsb3_);
+    const bool answered = answers(camera_.device, isUsb3(camera_.productId));
     asked_ = Clock::now();
     return answered;
   }
 
-  int index_;
-  bool overUsb3_;
+  const Model& camera_;
   const Events& events_;
   Clock::time_point asked_;
   bool there_ = true;
-  bool monitored_ = ask();
+  bool monitored_ = canBeAsked() && ask();
 };
 
 // Reports a camera's magnification when it has changed visibly. A reading waits for the next one:
@@ -179,11 +182,11 @@ class ButtonReport {
 
 void watchCamera(const Options& options) {
   MessageLoop loop;
-  const Camera camera = describeCamera(openCamera(options));
+  const Model camera = openModel(options);
   const Events events(options.json);
-  if (!measure(camera.index).taken()) note("this camera reports no magnification");
+  if (!measure(camera.device).taken()) note("this camera reports no magnification");
   Presence presence(camera, events);
-  MagnificationReport magnification(camera.index, presence, events);
+  MagnificationReport magnification(camera.device, presence, events);
   ButtonReport button(events);
   std::optional<std::chrono::duration<double>> limit;
   if (options.seconds) limit = std::chrono::duration<double>(*options.seconds);
