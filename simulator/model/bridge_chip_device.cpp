@@ -51,11 +51,11 @@ void BridgeDevice::advanceTo(std::uint64_t now_ms) {
   if (now_ms % buttonPeriod_ms_ >= press_ms) chip.releaseButton();
 }
 
-double BridgeDevice::brightness() {
+std::uint8_t BridgeDevice::lightPins() const {
   constexpr std::uint16_t lightsRegister = 0x0080;
   constexpr std::uint32_t pins = 0x07;
-  const auto levels = static_cast<std::uint8_t>(chip.peek(lightsRegister) & pins);
-  return camera.controller().lights().brightness(levels);
+  const auto ofChip = static_cast<std::uint8_t>(chip.peek(lightsRegister) & pins);
+  return ofChip | camera.gpio().lights();
 }
 
 BridgeFault::Kind BridgeDevice::nextTransfer() {

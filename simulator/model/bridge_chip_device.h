@@ -37,8 +37,10 @@ class BridgeDevice {
   // Moves the clock of camera and button. Times count from power-up and never go back.
   void advanceTo(std::uint64_t now_ms);
 
-  // What its lights give, from 0 to 1. Their pins are the chip's.
-  double brightness();
+  // The levels of the lights' pins, which are the chip's; the camera's own when it has no chip.
+  std::uint8_t lightPins() const;
+  // What its lights give, from 0 to 1.
+  double brightness() const { return camera.controller().lights().brightness(lightPins()); }
 
   // To be asked before each transfer: what the front has to do to it.
   BridgeFault::Kind nextTransfer();

@@ -74,14 +74,16 @@ double Illumination::ring() const {
   return sum / static_cast<double>(quadrantLevels_.size());
 }
 
-double Illumination::brightness(std::uint8_t pinLevels) const {
-  constexpr double ringShare = 0.9, axialShare = 0.6, aimShare = 0.1;
+double Illumination::ofPins(std::uint8_t levels) const {
   // Other levels than these choose modes.
   enum Pins : std::uint8_t { firstLight = 1, secondOfRing = 2, secondLight = 4 };
-  double sum = ringShare * ring() + axialShare * axial() + aimShare * aim();
-  if (pinLevels == firstLight) sum += ringShare;
-  if (pinLevels == secondLight) sum += axialShare;
-  if (pinLevels == secondOfRing && hasController_) sum += axialShare;
+  if (levels == firstLight) return ringShare;
+  return levels == secondLight || (levels == secondOfRing && hasController_) ? axialShare : 0;
+}
+
+double Illumination::brightness(std::uint8_t pinLevels) const {
+  const double sum =
+      ringShare * ring() + axialShare * axial() + aimShare * aim() + ofPins(pinLevels);
   return std::min(sum, 1.0);
 }
 

@@ -37,11 +37,17 @@ class Illumination {
   double ringLevel() const { return ringLevel_; }      // of the segments that are lit, from 0 to 1
   std::uint8_t segments() const { return segments_; }  // a bit for each that is lit
 
-  // From 0 (dark) to 1; the four quadrants of the ring are full when the ring is at 1.
+  // From 0 (dark) to 1. The first quadrant is the upper right one, the others follow clockwise.
   std::array<double, 4> quadrants() const;
   double ring() const;
   double axial() const { return axialOn_ ? axialLevel_ : 0; }
   double aim() const { return aimOn_ ? aimLevel_ : 0; }
+
+  // What each gives to the object when it is full.
+  static constexpr double ringShare = 0.9, axialShare = 0.6, aimShare = 0.1;
+
+  // What the light pins give when they stand at these levels.
+  double ofPins(std::uint8_t levels) const;
 
   // What falls on the object, from 0 to about 1, when the light pins stand at these levels, too:
   // cameras without a lighting controller have only those.

@@ -89,7 +89,7 @@ Json::Value stateOf(PluggedCamera& camera) {
   camera.with([&state](CameraDevice& device) {
     state["width"] = device.camera.video().mode().width;
     state["height"] = device.camera.video().mode().height;
-    state["field_um"] = viewOf(device.camera).fieldWidth_um;
+    state["field_um"] = viewOf(device.camera, device.lightPins()).fieldWidth_um;
     state["light"] = lightOf(device.camera);
     for (const Control& control : controlsOf(device)) state["controls"].append(entryOf(control));
   });
@@ -227,7 +227,7 @@ std::string frameOf(PluggedCamera& camera, std::uint64_t number) {
   VideoMode mode{};
   const View view = camera.with([&mode](CameraDevice& device) {
     mode = device.camera.video().mode();
-    return viewOf(device.camera);
+    return viewOf(device.camera, device.lightPins());
   });
   const int width = std::min<int>(mode.width, mostWidth);
   const std::string file =

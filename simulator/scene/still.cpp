@@ -8,7 +8,9 @@
 // After what it needs.
 #include <jpeglib.h>
 
-#include "simulator/scene/object.h"
+#include "simulator/scene/blur.h"
+#include "simulator/scene/lighting.h"
+#include "simulator/scene/scale_bar.h"
 #include "simulator/scene/tone.h"
 
 namespace qvx::simulator {
@@ -58,28 +60,20 @@ class JpegFile {
 
 }  // namespace
 
-Picture render(const View& view, int width, int height, std::uint64_t /*frame*/) {
-  constexpr double halfPixel = 0.7;
-  const Tone tone(view);
-  const double pixel_um = view.fieldWidth_um / width;
-  const double softness_um = halfPixel * pixel_um + view.blur * view.fieldWidth_um;
-  Picture picture{width, height, {}};
-  picture.rgb.reserve(std::size_t{3} * static_cast<std::size_t>(width * height));
-  for (int line = 0; line < height; ++line) {
-    for (int column = 0; column < width; ++column) {
-      const Pixel pixel = tone.of(
-          colourAt((column - width / 2) * pixel_um, (line - height / 2) * pixel_um, softness_um));
-      picture.rgb.insert(picture.rgb.end(), pixel.begin(), pixel.end());
-    }
-  }
+Picture render(const View& view, int width, int height, std::uint64_t frame) {
+  const auto columns = static_cast<std::size_t>(width), lines = static_cast<std::size_t>(height);
+  std::vector<float> light = illuminated(view, columns, lines);
+  blur(light, columns, lines, view.blur * width);
+  Picture picture{width, height, std::vector<std::uint8_t>(light.size())};
+  develop(view, light, frame, picture);
+  addScaleBar(picture, view.fieldWidth_um);
   return picture;
 }
 
 std::string jpegOf(const Picture& picture, int quality) {
   JpegFile file(picture.width, picture.height, quality);
-  const std::size_t lineBytes = std::size_t{3} * static_cast<std::size_t>(picture.width);
   for (int line = 0; line < picture.height; ++line) {
-    file.append(&picture.rgb[lineBytes * static_cast<std::size_t>(line)]);
+    file.append(&picture.rgb[picture.placeOf(0, line)]);
   }
   return file.take();
 }

@@ -1,6 +1,7 @@
 // What a camera sees.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -13,6 +14,9 @@ namespace qvx::simulator {
 struct Picture {
   int width = 0, height = 0;
   std::vector<std::uint8_t> rgb;  // line by line from the top, without gaps
+
+  std::size_t placeOf(int x, int y) const { return 3 * static_cast<std::size_t>(y * width + x); }
+  std::uint8_t* at(int x, int y) { return &rgb[placeOf(x, y)]; }
 };
 
 // Pure: takes no lock and may run on any thread. The number of the frame makes its noise.

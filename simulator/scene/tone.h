@@ -1,30 +1,12 @@
-// From reflected light to the numbers of a picture: exposure and the picture controls.
+// From light to the numbers of a picture: exposure, noise and the picture controls.
 #pragma once
 
-#include <array>
-#include <cstdint>
-
-#include "simulator/scene/object.h"
-#include "simulator/scene/view.h"
+#include "simulator/scene/still.h"
 
 namespace qvx::simulator {
 
-using Pixel = std::array<std::uint8_t, 3>;  // red, green, blue
-
-class Tone {
- public:
-  explicit Tone(const View& view);
-
-  Pixel of(const Colour& reflected) const;
-
- private:
-  static constexpr int levels = 1024;
-
-  std::uint8_t level(double light) const;
-
-  double exposure_;
-  std::array<std::array<double, 3>, 3> colours_;  // saturation and hue, as a matrix
-  std::array<std::uint8_t, levels> levels_;       // brightness, contrast and gamma
-};
+// The light as the lens gives it to the sensor: red, green and blue of each pixel of the picture.
+void develop(const View& view, const std::vector<float>& light, std::uint64_t frame,
+             Picture& picture);
 
 }  // namespace qvx::simulator

@@ -10,19 +10,30 @@ namespace qvx::simulator {
 
 namespace {
 
-// What falls on the object: of the room's light, and of the camera's own.
-double lightOf(const Camera& camera) {
-  constexpr double room = 0.3, own = 0.7;
-  return room + own * camera.brightness();
+double setting(const Camera& camera, std::int32_t property) {
+  return camera.picture().get(*pictureControl(property)).value;
 }
 
-double exposureOf(const Camera& camera) {
-  constexpr double mostGain = 8;  // that automatic exposure has
+struct Exposed {
+  double exposure, gain;
+};
+
+// By itself a camera first exposes longer, then amplifies.
+Exposed exposedBy(double wanted, double gain) {
+  constexpr double longest = 2, most = 16;
+  const double exposure = std::min(wanted, most);
+  return {exposure, std::max(gain, exposure / longest)};
+}
+
+Exposed exposedIn(const Camera& camera, double light) {
+  constexpr double gainPerUnit = 0.03, backlightStep = 0.15;
+  const double gain = 1 + gainPerUnit * setting(camera, 9);
+  const double backlight = 1 + backlightStep * (setting(camera, 8) - pictureControl(8)->standard);
   const SensorExposure* const how = exposureFor(camera.productId());
+  if (how == nullptr) return exposedBy(backlight / light, gain);
   const Sensor& sensor = camera.sensor();
-  if (how == nullptr) return lightOf(camera);
-  if (!how->isAutomatic(sensor)) return lightOf(camera) * how->lines(sensor) / how->usualLines;
-  return std::min(sensor.at(how->targetRegister) / how->usualTarget, lightOf(camera) * mostGain);
+  if (!how->isAutomatic(sensor)) return {gain * how->lines(sensor) / how->usualLines, gain};
+  return exposedBy(backlight * sensor.at(how->targetRegister) / how->usualTarget / light, gain);
 }
 
 // What the optics show at x1, in units of 0.55 mm: the sensor's width.
@@ -44,34 +55,48 @@ double sensorWidth(std::uint16_t productId) {
 }
 
 // A camera without a ring stands at a usual magnification.
-double fieldWidth_um(const Camera& camera) {
-  constexpr double unit_um = 550, usual = 50;
-  const double magnification = camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
-  return unit_um * sensorWidth(camera.productId()) / magnification;
+double magnificationOf(const Camera& camera) {
+  constexpr double usual = 50;
+  return camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
 }
 
-// A camera without a focus lens was focused by hand.
+// The depth of focus shrinks as the magnification grows. A camera without a focus lens was focused
+// by hand.
 double blurOf(const Camera& camera) {
-  constexpr double perUnit = 1.0 / 1600;
-  return camera.lens().isFitted() ? std::abs(camera.lens().offset() - focusAt) * perUnit : 0;
-}
-
-double setting(const Camera& camera, std::int32_t property) {
-  return camera.picture().get(*pictureControl(property)).value;
+  constexpr double perUnit = 1.0 / 80'000;  // of the lens, at x1
+  if (!camera.lens().isFitted()) return 0;
+  return std::abs(camera.lens().offset() - focusAt) * perUnit * magnificationOf(camera);
 }
 
 }  // namespace
 
-View viewOf(const Camera& camera) {
+View viewOf(const Camera& camera, std::uint8_t lightPins) {
+  constexpr double unit_um = 550, warmthExponent = 0.6;
+  const Illumination& lights = camera.controller().lights();
   View view{};
-  view.fieldWidth_um = fieldWidth_um(camera);
-  view.exposure = exposureOf(camera);
+  view.fieldWidth_um = unit_um * sensorWidth(camera.productId()) / magnificationOf(camera);
   view.blur = blurOf(camera);
+  double light = roomLight;
+  for (std::size_t i = 0; i < view.quadrants.size(); ++i) {
+    view.quadrants[i] = Illumination::ringShare * lights.quadrants()[i] + lights.ofPins(lightPins);
+    light += view.quadrants[i] / static_cast<double>(view.quadrants.size());
+  }
+  view.axial = Illumination::axialShare * lights.axial();
+  view.aim = lights.aim();
+  const Exposed exposed = exposedIn(camera, light + view.axial);
+  view.exposure = exposed.exposure;
+  view.gain = exposed.gain;
   view.brightness = setting(camera, 0) / 256;
   view.contrast = setting(camera, 1) / pictureControl(1)->standard;
   view.hue_rad = setting(camera, 2) * std::numbers::pi / 180;
   view.saturation = setting(camera, 3) / pictureControl(3)->standard;
+  view.sharpening = (setting(camera, 4) - pictureControl(4)->standard) / 4;
   view.gamma = setting(camera, 5) / pictureControl(5)->standard;
+  const auto balance = camera.picture().get(*pictureControl(7));
+  view.warmth = balance.automatic
+                    ? 1
+                    : std::pow(balance.value / static_cast<double>(pictureControl(7)->standard),
+                               warmthExponent);
   return view;
 }
 
