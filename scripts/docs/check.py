@@ -281,7 +281,7 @@ def check_tables():
     # What the program says, and the table behind these words of the guide.
     tables = [
         (first_words(parts["Commands"]), guide, "is called as"),
-        (re.findall(r"(?m)^  (?:\w+ )?(--\w+)", parts["Options"]), guide, "lists the exports and"),
+        (re.findall(r"(?m)^  (?:\w+ )?(--[\w-]+)", parts["Options"]), guide, "lists the exports and"),
         (re.findall(r"(?m)^  (--(?!help)\w+)", wifi), simulator, "the lines above are what it"),
         (re.findall(r"(?m)^ {22}([a-z-]+)", wifi), simulator, "### Faults"),
         (re.findall(r"(?m)^  (\w+)=", bridge), simulator, "Without a vendor id"),
