@@ -84,6 +84,7 @@ TEST_F(InitWifi, SettlesTheDevice) {
   EXPECT_EQ(std::tuple(GetVideoDeviceIndex(), nPid, nCurrPid, nTmpIdx, bMAGSeries, int{bWait}),
             std::tuple(90, 0x970, 0x970, 90, 1, 1));
   EXPECT_EQ(std::tuple(n80, n83, nC5, ul80, ulC3), std::tuple(0x40u, 4u, 255u, 0x40u, 1u));
+  EXPECT_EQ(machine().open.comInitializations, 0);
   // Left open: the probe's request and, of each of the reads, session and request.
   EXPECT_EQ(machine().open.internetRequests, 32 + 1);
   EXPECT_EQ(machine().open.internetSessions, 32);
@@ -196,33 +197,22 @@ TEST_F(InitWifi, ModelAndFeatureDecideAboutTheMagnification) {
   }
 }
 
-TEST_F(InitWifi, RefreshesTheFeatureRegisterAsOftenAsTheModelMakesIt) {
+TEST_F(InitWifi, ReadsTheFeatureRegisterAsOftenAsTheModelMakesIt) {
   const struct {
     const char* pid;
     int features;
-    const char* reads;
-    const char* setUp;
-  } rows[] = {
-      {"0890", 0x00, "80 80 ", "C0 C1 C2 01 C3 C5 "},
-      {"0894", 0x40, "80 80 80 80 ", ""},
-      {"0960", 0x40, "80 80 80 80 80 ", ""},
-      {"097f", 0x00, "80 80 80 ", "C0 C1 C2 01 C3 C5 "},
-      {"09b0", 0x40, "80 80 80 ", "C0 C1 C2 01 C3 C5 "},
-      {"09b0", 0x00, "80 80 80 80 80 ", ""},
-      {"09c3", 0x40, "80 80 80 ", "C0 C1 C2 01 C3 C5 "},
-      {"09c3", 0xBF, "80 80 80 80 ", ""},
-      {"09d0", 0x40, "80 80 80 80 80 ", ""},
-      {"09e1", 0x40, "80 80 80 80 80 ", "C0 C1 C2 01 C3 C5 "},
-      {"0000", 0x00, "80 80 80 80 ", "C0 C1 C2 01 C3 C5 "},
-  };
+    std::ptrdiff_t times;
+  } rows[] = {{"0890", 0x00, 3}, {"0894", 0x40, 5}, {"0960", 0x40, 6}, {"097f", 0x00, 4},
+              {"09b0", 0x40, 4}, {"09b0", 0x00, 6}, {"09c3", 0x40, 4}, {"09c3", 0xBF, 5},
+              {"09d0", 0x40, 6}, {"09e1", 0x40, 6}, {"0000", 0x00, 5}};
   for (const auto& row : rows) {
     announce(row.pid);
     camera.values[0x80] = row.features;
     journal();
     EXPECT_EQ(initQuietly(), 1);
-    const std::string all = reads(), setUp = row.setUp;
-    EXPECT_EQ(all.substr(0, all.rfind(setUp) + setUp.size()),
-              std::string("80 83 84 C0 C1 C2 C3 C4 C5 ") + row.reads + setUp)
+    const std::string all = reads();
+    const std::regex feature("80 ");
+    EXPECT_EQ(std::distance(std::sregex_iterator(all.begin(), all.end(), feature), {}), row.times)
         << row.pid;
   }
 }
@@ -321,6 +311,16 @@ TEST_F(InitUsb3, ByIndexNeedsAKnownProductId) {
   SetVideoDeviceIndex(5);
   EXPECT_EQ(initQuietly(), 1) << "the product id alone keeps the library usable";
   EXPECT_EQ(nPid, 0);
+}
+
+// The notes tell applications to go on after this failure.
+TEST_F(InitUsb3, OtherProductsFailButAreOpenAndListed) {
+  machine().videoInputs = {{simulator::videoInputPath(0x9B1, "a"), L"a", {}}};
+  machine().usbDevices[0].productId = 0x9B1;
+  SetVideoDeviceIndex(-1);
+  EXPECT_EQ(initQuietly(), 0);
+  EXPECT_EQ(std::tuple(GetVideoDeviceCount(), machine().open.comInitializations), std::tuple(1, 1));
+  EXPECT_EQ(GetAETarget(0), 0x38);
 }
 
 class InitBridge : public InitTest {

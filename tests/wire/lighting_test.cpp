@@ -122,6 +122,20 @@ TEST_F(Lighting, IndexesWithoutACountDoNotKeepOne) {
   EXPECT_EQ(SEGCount[99], 1);
 }
 
+TEST_F(Lighting, IndexesWithoutAProductIdGoByTheOneNotedLast) {
+  plugUsb3(0x9B0);
+  nCurrPid = 0x9B0;
+  SetSEGSwitch(5, 15);
+  EXPECT_EQ(traffic(), "4=15 p") << "to the USB 3 camera";
+  plug(0x960);
+  machine().videoInputs.clear();
+  machine().hidInterfaces = std::vector(9, bridgeHidInterface(*bridge));
+  etLib2_Init();
+  nCurrPid = 0x960;
+  SetSEGSwitch(8, 15);
+  EXPECT_EQ(camera().controller().at(4), 15) << "to the ninth HID bridge";
+}
+
 TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
   VirtualBridge current(0x9C0), other(0x960);
   plugBridges({&current, &other});
