@@ -22,9 +22,10 @@ BOOL WINAPI onConsoleEvent(DWORD kind) {
   return SetEvent(stopRequested);
 }
 
-void dispatchMessages() {
+// One: where a camera answers slowly, the library's timers are due again as soon as they have run.
+void dispatchMessage() {
   MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+  if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
 }
 
 // In steps, because the system's longest finite wait is shorter than the longest limit.
@@ -53,10 +54,10 @@ void MessageLoop::run(std::optional<std::chrono::duration<double>> limit,
   if (limit) deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(*limit);
   afterMessages();
   while (!deadline || Clock::now() < *deadline) {
-    const DWORD woken =
-        MsgWaitForMultipleObjects(1, &stopRequested, FALSE, waitUntil(deadline), QS_ALLINPUT);
+    const DWORD woken = MsgWaitForMultipleObjectsEx(1, &stopRequested, waitUntil(deadline),
+                                                    QS_ALLINPUT, MWMO_INPUTAVAILABLE);
     if (woken == WAIT_OBJECT_0 || woken == WAIT_FAILED) return;
-    dispatchMessages();
+    dispatchMessage();
     afterMessages();
   }
 }
