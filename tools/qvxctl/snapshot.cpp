@@ -28,9 +28,14 @@ std::string nameForLibrary(const files::path& path) {
                 "snapshot: the file's name is too long, or has characters beyond ISO 8859-1");
 }
 
-// A file beside the one that is asked for; what is left of it goes in the end.
+// The file that is written first.
+files::path partOf(files::path path) {
+  return path += L".part";
+}
+
+// What is left of it goes in the end.
 struct Part {
-  explicit Part(files::path beside) : path(std::move(beside += L".part")) { remove(); }
+  explicit Part(const files::path& whole) : path(partOf(whole)) { remove(); }
   ~Part() { remove(); }
   Part(const Part&) = delete;
   Part& operator=(const Part&) = delete;
@@ -71,7 +76,7 @@ void saveSnapshot(const Options& options) {
     throw Failure(ExitCode::badUsage, "snapshot: the name of a file is missing");
   }
   const files::path path = wide(*name);
-  nameForLibrary(path);
+  nameForLibrary(partOf(path));
   openWifiCamera(options);
   save(path);
   const std::uintmax_t size = files::file_size(path);
