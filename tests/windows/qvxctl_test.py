@@ -66,7 +66,7 @@ COMMANDS = [
     ("wifi:0998,fault=half", "snapshot {folder}/still.jpg", 1, "no camera answers|no whole picture"),
     ("wifi:0998", "snapshot {folder}", 4, "cannot replace"),
     ("wifi:0998,zoom=63", "watch --device 90 --seconds 3 --json", 0, STEADY),
-    ("wifi:0998,zoom=63,fault=refuse:150", "watch --device 90 --seconds 8 --json", 0,
+    ("wifi:0998,zoom=63,fault=refuse:90", "watch --device 90 --seconds 10 --json", 0,
      STEADY[:-1] + r'+\{"time":"[^"]*","event":"silent"\}\n'),
 ]
 
