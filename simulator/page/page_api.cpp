@@ -7,7 +7,7 @@
 
 #include "page_html.h"
 #include "simulator/page/page_controls.h"
-#include "simulator/scene/still.h"
+#include "simulator/scene/view.h"
 
 namespace qvx::simulator {
 
@@ -221,35 +221,6 @@ void sendEvents(Desk& desk, Response& response) {
       });
 }
 
-// What the camera sees, small enough to be rendered many times a second.
-std::string frameOf(PluggedCamera& camera, std::uint64_t number) {
-  constexpr int mostWidth = 800, quality = 80;
-  VideoMode mode{};
-  const View view = camera.with([&mode](CameraDevice& device) {
-    mode = device.camera.video().mode();
-    return viewOf(device.camera, device.lightPins());
-  });
-  const int width = std::min<int>(mode.width, mostWidth);
-  const std::string file =
-      jpegOf(render(view, width, mode.height * width / mode.width, number), quality);
-  return "--frame\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(file.size()) +
-         "\r\n\r\n" + file + "\r\n";
-}
-
-void sendStream(PluggedCamera& camera, Response& response) {
-  using Clock = std::chrono::steady_clock;
-  static constexpr auto period = 100ms;
-  response.set_chunked_content_provider("multipart/x-mixed-replace; boundary=frame",
-                                        [&camera, number = std::uint64_t{0}, due = Clock::now()](
-                                            std::size_t, DataSink& sink) mutable {
-                                          std::this_thread::sleep_until(due);
-                                          due = std::max(due + period, Clock::now());
-                                          const std::string frame = frameOf(camera, number++);
-                                          return camera.isPluggedIn() &&
-                                                 sink.write(frame.data(), frame.size());
-                                        });
-}
-
 }  // namespace
 
 bool isForPage(const Request& request) {
@@ -273,7 +244,8 @@ void addPageRoutes(httplib::Server& server, Desk& desk) {
     if (isAllowed(request, response)) sendEvents(desk, response);
   });
   server.Get("/cameras/([^/]+)/stream", onCamera([](auto& camera, const auto&, auto& response) {
-               sendStream(camera, response);
+               constexpr int mostWidth = 800;  // small enough to be rendered many times a second
+               sendStream(camera, mostWidth, response);
              }));
   server.Post("/cameras/([^/]+)", onCamera([](auto& camera, const auto& request, auto& response) {
                 takeChanges(camera, request.body, response);

@@ -18,6 +18,7 @@
 #include "simulator/model/camera_spec.h"
 #include "simulator/model/usb3_function.h"
 #include "simulator/model/wifi_server.h"
+#include "simulator/program/live_picture.h"
 
 namespace qvx::simulator {
 
@@ -98,6 +99,8 @@ class PluggedCamera {
   // deaf or have recovered. To be set before any thread looks.
   std::function<void(const Access&)> onAccess;
   std::function<void()> onHearing = [] {};
+
+  LivePicture live;
 
  private:
   std::uint64_t now_ms() const;

@@ -1,5 +1,7 @@
 #include "simulator/program/wifi_service.h"
 
+#include <limits>
+
 #include "simulator/page/page_api.h"
 
 namespace qvx::simulator {
@@ -8,8 +10,11 @@ namespace {
 
 using Handled = httplib::Server::HandlerResponse;
 
+constexpr std::string_view streamTarget = "/?action=stream";
+
 Reply answer(CameraDevice& device, const httplib::Request& request) {
-  constexpr int methodNotAllowed = 405;
+  constexpr int ok = 200, methodNotAllowed = 405;
+  if (request.target == streamTarget) return {true, {}, 0, "stream", ok, {}};
   WifiAnswer answer = request.method == "GET"
                           ? device.wifi.get(request.target)
                           : WifiAnswer{methodNotAllowed, "text/plain", "405: GET only\n",
@@ -53,6 +58,9 @@ void WifiService::serve(const httplib::Request& request, httplib::Response& resp
   constexpr int unavailable = 503;
   Reply reply = camera_.carry([&](CameraDevice& device) { return answer(device, request); });
   response.status = reply.done ? reply.status : unavailable;
+  if (reply.done && request.target == streamTarget) {
+    return sendStream(camera_, std::numeric_limits<int>::max(), response);
+  }
   if (reply.bytes.size() < reply.announced) return sendPart(reply, response);
   response.set_content(reply.bytes, reply.contentType);
 }
