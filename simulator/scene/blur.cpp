@@ -1,4 +1,4 @@
-#include "simulator/scene/blur.h"
+#include "simulator/scene/stages.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,16 +33,16 @@ void average(const float* from, float* to, std::size_t count, std::size_t size, 
 
 }  // namespace
 
-void blur(std::vector<float>& rgb, std::size_t width, std::size_t height, double radius_px) {
+void blur(std::vector<float>& light, std::size_t width, std::size_t height, double radius_px) {
   constexpr double least_px = 0.05;
   constexpr int times = 2;  // once would show squares
   if (radius_px < least_px) return;
-  std::vector<float> between(rgb.size());
+  std::vector<float> between(light.size());
   for (int i = 0; i < times; ++i) {
-    for (std::size_t start = 0; start < rgb.size(); start += 3 * width) {
-      average(&rgb[start], &between[start], width, 3, radius_px / times);
+    for (std::size_t start = 0; start < light.size(); start += 3 * width) {
+      average(&light[start], &between[start], width, 3, radius_px / times);
     }
-    average(between.data(), rgb.data(), height, 3 * width, radius_px / times);
+    average(between.data(), light.data(), height, 3 * width, radius_px / times);
   }
 }
 

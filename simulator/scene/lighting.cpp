@@ -1,4 +1,4 @@
-#include "simulator/scene/lighting.h"
+#include "simulator/scene/stages.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "simulator/scene/scale_bar.h"
+#include "simulator/scene/stages.h"
 
 #include <algorithm>
 #include <cmath>
@@ -49,9 +49,8 @@ void write(Picture& picture, int left, int top, int dot, std::string_view text, 
   }
 }
 
-}  // namespace
-
-double scaleBarLength_um(double fieldWidth_um) {
+// The longest of 1, 2 or 5 times a power of ten that is at most a quarter of the field.
+double barLength_um(double fieldWidth_um) {
   const double most_um = fieldWidth_um / 4;
   const double power = std::pow(10, std::floor(std::log10(most_um)));
   for (const double digit : {5.0, 2.0}) {
@@ -60,10 +59,12 @@ double scaleBarLength_um(double fieldWidth_um) {
   return power;
 }
 
+}  // namespace
+
 void addScaleBar(Picture& picture, double fieldWidth_um) {
   constexpr int dotsAcross = 320, margin = 8;
   constexpr std::uint8_t shadow = 0, bright = 255;
-  const double length_um = scaleBarLength_um(fieldWidth_um);
+  const double length_um = barLength_um(fieldWidth_um);
   const bool large = length_um >= 1000;
   const std::string label =
       std::to_string(std::lround(large ? length_um / 1000 : length_um)) + (large ? " mm" : " um");

@@ -8,10 +8,7 @@
 // After what it needs.
 #include <jpeglib.h>
 
-#include "simulator/scene/blur.h"
-#include "simulator/scene/lighting.h"
-#include "simulator/scene/scale_bar.h"
-#include "simulator/scene/tone.h"
+#include "simulator/scene/stages.h"
 
 namespace qvx::simulator {
 

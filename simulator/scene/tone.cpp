@@ -1,4 +1,4 @@
-#include "simulator/scene/tone.h"
+#include "simulator/scene/stages.h"
 
 #include <algorithm>
 #include <array>
@@ -8,46 +8,28 @@ namespace qvx::simulator {
 
 namespace {
 
-using Matrix = std::array<std::array<float, 3>, 3>;
+using Light = std::array<float, 3>;  // red, green, blue
 
-Matrix product(const Matrix& a, const Matrix& b) {
-  Matrix result{};
-  for (std::size_t i = 0; i < 3; ++i) {
-    for (std::size_t j = 0; j < 3; ++j) {
-      for (std::size_t k = 0; k < 3; ++k) result[i][j] += a[i][k] * b[k][j];
-    }
+// Hue and saturation: they turn and stretch what sets a colour apart from grey.
+class Colours {
+ public:
+  explicit Colours(const View& view)
+      : warmth_(static_cast<float>(view.warmth)),
+        along_(static_cast<float>(view.saturation * std::cos(view.hue_rad))),
+        aside_(static_cast<float>(view.saturation * std::sin(view.hue_rad))) {}
+
+  Light of(const Light& light) const {
+    constexpr float ofRed = 0.30F, ofGreen = 0.59F, ofBlue = 0.11F;
+    const float warm = light[0] * warmth_, cold = light[2] / warmth_;
+    const float grey = ofRed * warm + ofGreen * light[1] + ofBlue * cold;
+    const float red = along_ * (warm - grey) + aside_ * (cold - grey);
+    const float blue = along_ * (cold - grey) - aside_ * (warm - grey);
+    return {grey + red, grey - (ofRed * red + ofBlue * blue) / ofGreen, grey + blue};
   }
-  return result;
-}
 
-// Towards grey below 1, away from it above.
-Matrix saturating(float saturation) {
-  Matrix result{};
-  for (std::size_t i = 0; i < 3; ++i) {
-    for (std::size_t j = 0; j < 3; ++j) {
-      result[i][j] = (1 - saturation) / 3 + (i == j ? saturation : 0);
-    }
-  }
-  return result;
-}
-
-// A turn around the axis of greys.
-Matrix turning(float angle_rad) {
-  const float same = (1 + 2 * std::cos(angle_rad)) / 3;
-  const float even = (1 - std::cos(angle_rad)) / 3, odd = std::sin(angle_rad) / std::sqrt(3.0F);
-  return {{{same, even - odd, even + odd},
-           {even + odd, same, even - odd},
-           {even - odd, even + odd, same}}};
-}
-
-// White as the camera balances it, then the colours as they were set.
-Matrix coloursOf(const View& view) {
-  const auto warmth = static_cast<float>(view.warmth);
-  const Matrix balance = {{{warmth, 0, 0}, {0, 1, 0}, {0, 0, 1 / warmth}}};
-  return product(product(turning(static_cast<float>(view.hue_rad)),
-                         saturating(static_cast<float>(view.saturation))),
-                 balance);
-}
+ private:
+  float warmth_, along_, aside_;
+};
 
 // Numbers without any order, the same for the same frame: of mean 0 and deviation 1, nearly.
 class Noise {
@@ -96,7 +78,7 @@ class Exposure {
       : view_(view),
         light_(light),
         picture_(picture),
-        colours_(coloursOf(view)),
+        colours_(view),
         curve_(view),
         noise_(frame) {}
 
@@ -110,24 +92,21 @@ class Exposure {
   void expose(int x, int y) {
     constexpr float ofReading = 0.004F, ofLight = 0.012F;
     const auto gain = static_cast<float>(view_.gain);
-    std::array<float, 3> signal = sharpened(x, y);
+    Light signal = sharpened(x, y);
     const float exposure = static_cast<float>(view_.exposure) * vignetting(x, y);
     const float noise =
         ofReading * gain + ofLight * std::sqrt(gain * exposure * std::max(signal[1], 0.0F));
     for (float& part : signal) part = part * exposure + noise * noise_.next();
-    std::uint8_t* const pixel = picture_.at(x, y);
-    for (std::size_t i = 0; i < 3; ++i) {
-      const auto& row = colours_[i];
-      pixel[i] = curve_.at(row[0] * signal[0] + row[1] * signal[1] + row[2] * signal[2]);
-    }
+    std::ranges::transform(colours_.of(signal), picture_.at(x, y),
+                           [this](float part) { return curve_.at(part); });
   }
 
   // Away from the mean of the neighbours, or towards it.
-  std::array<float, 3> sharpened(int x, int y) const {
+  Light sharpened(int x, int y) const {
     const auto strength = static_cast<float>(view_.sharpening);
     const float *const here = at(x, y), *const left = at(x - 1, y), *const right = at(x + 1, y),
                        *const above = at(x, y - 1), *const below = at(x, y + 1);
-    std::array<float, 3> result;
+    Light result;
     for (std::size_t i = 0; i < 3; ++i) {
       const float around = (left[i] + right[i] + above[i] + below[i]) / 4;
       result[i] = here[i] + strength * (here[i] - around);
@@ -153,7 +132,7 @@ class Exposure {
   const View& view_;
   const std::vector<float>& light_;
   Picture& picture_;
-  Matrix colours_;
+  Colours colours_;
   Curve curve_;
   Noise noise_;
 };

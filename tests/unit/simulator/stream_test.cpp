@@ -12,6 +12,7 @@ namespace {
 // What comes until so many pictures have begun, or the stream has ended.
 std::string streamFrom(int port, int pictures) {
   httplib::Client client("127.0.0.1", port);
+  client.set_read_timeout(60);  // on a busy machine
   std::string received;
   client.Get("/?action=stream", [&](const char* data, std::size_t size) {
     received.append(data, size);
