@@ -45,10 +45,16 @@ void BridgeDevice::advanceTo(std::uint64_t now_ms) {
   camera.advanceTo(now_ms);
   if (buttonPeriod_ms_ == 0) return;
   const std::uint64_t presses = now_ms / buttonPeriod_ms_;
-  if (presses != presses_) chip.pressButton();
+  if (presses != presses_) {
+    chip.pressButton();
+    camera.gpio().pressButton();  // as it is seen over Wi-Fi
+  }
   presses_ = presses;
   const std::uint32_t press_ms = std::min(longestPress_ms, buttonPeriod_ms_ / 2);
-  if (now_ms % buttonPeriod_ms_ >= press_ms) chip.releaseButton();
+  if (now_ms % buttonPeriod_ms_ >= press_ms) {
+    chip.releaseButton();
+    camera.gpio().releaseButton();
+  }
 }
 
 std::uint8_t BridgeDevice::lightPins() const {
