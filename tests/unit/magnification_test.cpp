@@ -56,8 +56,8 @@ TEST_F(Magnification, FitsThroughStoredPoints) {
     std::array<int, 4> positions, magnifications;
     std::array<double, 5> expected;
   } rows[] = {
-      // 20.0 at 10, 45 at 20
-      {0xF1, {40, 80, 0, 0}, {200 | tenth, 45, 0, 0}, {-5, 2.5, 0, 0, 11}},
+      // 20.0 at 260, 45 at 300
+      {0xF1, {1040, 1200, 0, 0}, {200 | tenth, 45, 0, 0}, {-142.5, 0.625, 0, 0, 11}},
       {1, {40, 40, 0, 0}, {1, 2, 3, 4}, {7, 8, 9, 10, 11}},  // through one position
       // 60, 210, 820 at 10, 20, 40. By divided differences:
       // (210-60)/10 = 15, (820-210)/20 = 30.5, (30.5-15)/30 = 31/60.
@@ -95,7 +95,8 @@ TEST_F(Magnification, FourPointLoadersReadPositionsFirstAndPauseAfterEachByte) {
 }
 
 TEST_F(Magnification, FitsThroughThreeStoredPointsOrStoredCoefficients) {
-  const std::vector<int> singles = {0, 0, 0x20, 0x40, 255, 255, 255, 255, 0, 0, 0x80, 0xBF};
+  constexpr double pi = 3.14159274;  // as a single
+  const std::vector<int> singles = {0xDB, 0x0F, 0x49, 0x40, 255, 255, 255, 255, 0, 0, 0x80, 0xBF};
   const struct {
     std::uint32_t kind;
     std::vector<int> registers;
@@ -113,9 +114,9 @@ TEST_F(Magnification, FitsThroughThreeStoredPointsOrStoredCoefficients) {
        24.975 + 30 * 0.39125,
        260.5 - 249.75 - 200 * 0.39125},
       // Singles, lowest byte first; four bytes of 255 are none.
-      {2, singles, 2.5, -1, -1},
-      {3, singles, 2.5, -1, -1},
-      {4, singles, 2.5, -1, -1},
+      {2, singles, pi, -1, -1},
+      {3, singles, pi, -1, -1},
+      {4, singles, pi, -1, -1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << "row " << &row - rows);
@@ -129,7 +130,7 @@ TEST_F(Magnification, FitsThroughThreeStoredPointsOrStoredCoefficients) {
     // Register 0x40 of stored coefficients is read once more, by itself.
     EXPECT_EQ(journal().size(), 2 * (row.registers.size() + (row.kind >= 2 && row.kind <= 4)));
   }
-  EXPECT_NEAR(sampleAt(30, 0x40), 2.5 * 30.25 * 30.25 - 30.25 - 1, 1e-3);
+  EXPECT_NEAR(sampleAt(30, 0x40), pi * 30.25 * 30.25 - 30.25 - 1, 1e-2);
 }
 
 TEST_F(Magnification, RawRateFollowsEncoderAndFraction) {
@@ -185,7 +186,7 @@ TEST_F(Magnification, FieldOfViewFollowsTheFamily) {
   } rows[] = {
       {{0, 0x9C0, 0x9E7}, 352000.0},
       {{0x970, 0x925, 0x9B3}, 352000.0 * 0.2744 * 2592 / 640},
-      {{0x87F, 0x9E6}, 352000.0 * 0.5555 * 2},
+      {{0x87F, 0x9E0, 0x9E6}, 352000.0 * 0.5555 * 2},
       {{0x9A0, 0x9DF}, 352000.0 * 1.19048},
   };
   for (const auto& row : rows) {

@@ -136,6 +136,10 @@ TEST_F(Lens, RangesAndZeroPositions) {
       {0x9CF, 2, 1, at50, narrow, narrow}, {0x9D0, 1, 1, at00, narrow, narrow},
       {0x9E0, 1, 0, at50, wide, wide},     {0x9EF, 2, 0, at50, coil, coil},
       {0x9E7, 3, 1, at50, narrow, narrow}, {0x9F0, 2, 1, at00, narrow, narrow},
+      {0x980, 1, 1, at40, wide, wide},     {0x99F, 1, 0, at50, wide, wide},
+      {0x9B0, 2, 1, at50, coil, coil},     {0x9B0, 0, 1, at50, wide, wide},
+      {0x9CF, 1, 0, at50, wide, wide},     {0x9EF, 1, 0, at50, wide, wide},
+      {0x9E0, 2, 1, at50, coil, coil},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << std::hex << row.pid << " driver " << row.driver);
