@@ -19,6 +19,11 @@ target_link_libraries(
   PUBLIC wininet ole32 oleaut32 strmiids ksuser uuid hid setupapi user32
   PRIVATE qvx_core)
 
+# Small: the DLL waits for cameras, not for its own code.
+foreach(part qvx_core qvx_windows_platform)
+  target_compile_options(${part} PRIVATE $<$<CONFIG:Release>:-Os>)
+endforeach()
+
 add_library(QVX64 SHARED api/QVX64.def api/version.rc)
 target_link_libraries(QVX64 PRIVATE qvx_core qvx_windows_platform)
 target_link_options(QVX64 PRIVATE $<$<CONFIG:Release>:-s>)

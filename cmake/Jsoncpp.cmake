@@ -24,6 +24,8 @@ ExternalProject_Add(
   BINARY_DIR ${jsoncpp_build}
   CMAKE_ARGS -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}
              -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE}
+             -DCMAKE_CXX_FLAGS=${qvx_hardening_flags}
+             "-DCMAKE_CXX_FLAGS_RELEASE=-Os -DNDEBUG -D_FORTIFY_SOURCE=2"
              -DBUILD_SHARED_LIBS=OFF
              -DBUILD_OBJECT_LIBS=OFF
              -DJSONCPP_WITH_TESTS=OFF

@@ -25,6 +25,7 @@ ExternalProject_Add(
   BINARY_DIR ${libjpeg_build}
   CMAKE_ARGS -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}
              -DCMAKE_BUILD_TYPE=Release
+             -DCMAKE_C_FLAGS=${qvx_hardening_flags}
              -DCMAKE_INSTALL_PREFIX=${libjpeg_build}
              -DENABLE_SHARED=OFF
              -DWITH_TURBOJPEG=OFF

@@ -40,7 +40,7 @@ stage_release() {
   build_preset release || return
   local address check
   address=$(sed -n 's/^QVX_CAMERA_ADDRESS:STRING=//p' build/release/CMakeCache.txt)
-  for check in exports imports address; do
+  for check in exports imports address hardened reproducible; do
     python3 tests/windows/check_exports.py "$check" --dll build/release/QVX64.dll \
       --camera-address "$address" || return
   done

@@ -47,7 +47,7 @@ find_path(ddk_headers ntddk.h PATH_SUFFIXES ddk REQUIRED)
 target_include_directories(qvx_hid_bridge SYSTEM PRIVATE ${ddk_headers})
 target_compile_options(
   qvx_hid_bridge PRIVATE -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-stack-protector
-                         -ffunction-sections)
+                         -U_FORTIFY_SOURCE -ffunction-sections)
 target_link_options(
   qvx_hid_bridge
   PRIVATE

@@ -1,5 +1,8 @@
 // The DLL by itself: a machine without any camera, and where it looks for the driver's library.
 #include <climits>
+#include <cstdio>
+#include <cstring>
+#include <string>
 #include "tests/windows/fixtures/library_copy.h"
 #include "tests/windows/support.h"
 
@@ -18,6 +21,27 @@ TEST(NoCamera, InitFailsAndTheLibraryStaysUsable) {
     EXPECT_EQ(GetMAG(index), 0.0);
     EXPECT_NEAR(FOVx(index, 2.0), 176000.0, 1e-6);
   }
+}
+
+// Writes so many bytes into eight.
+[[gnu::noinline]] void overrun(std::size_t count) {
+  char bytes[8];
+  volatile char* volatile at = bytes;
+  for (std::size_t i = 0; i < count; ++i) at[i] = 'x';
+}
+[[gnu::noinline]] void overrunText(const char* text) {
+  char copy[8];
+  std::strcpy(copy, text);
+  std::puts(copy);
+}
+
+// This program is built with the checks that the DLL has.
+TEST(RuntimeChecks, EndTheProcessAtAnOverrun) {
+  constexpr int stackBufferOverrun = static_cast<int>(0xC0000409);
+  overrun(8);
+  EXPECT_EXIT(overrun(64), testing::ExitedWithCode(stackBufferOverrun), "");
+  EXPECT_EXIT(overrunText(std::string(9, 'x').c_str()), testing::ExitedWithCode(stackBufferOverrun),
+              "");
 }
 
 // The stand-in lies in a folder that is neither the application's nor the library's.
@@ -39,7 +63,7 @@ TEST(LibusbK, IsLoadedFromTheLibrarysFolderThenFromSystem32AndNeverFromTheCurren
   std::filesystem::current_path(home);
   EXPECT_FALSE(isLoaded(name)) << "from the current folder";
 
-  std::filesystem::copy_file(standIn, ofTheSystem);
+  ASSERT_TRUE(CopyFileW(standIn.c_str(), ofTheSystem.c_str(), FALSE));
   beside.put(standIn, name);
   openUsb3(beside);
   EXPECT_TRUE(isLoaded(beside.pathOf(name)));
