@@ -56,8 +56,8 @@ TEST_F(Magnification, FitsThroughStoredPoints) {
     std::array<int, 4> positions, magnifications;
     std::array<double, 5> expected;
   } rows[] = {
-      // 20.0 at 260, 45 at 300
-      {0xF1, {1040, 1200, 0, 0}, {200 | tenth, 45, 0, 0}, {-142.5, 0.625, 0, 0, 11}},
+      // 120.00 at 260, 45.0 at 300
+      {0xF1, {1040, 1200, 0, 0}, {12000 | hundredth, 450 | tenth, 0, 0}, {607.5, -1.875, 0, 0, 11}},
       {1, {40, 40, 0, 0}, {1, 2, 3, 4}, {7, 8, 9, 10, 11}},  // through one position
       // 60, 210, 820 at 10, 20, 40. By divided differences:
       // (210-60)/10 = 15, (820-210)/20 = 30.5, (30.5-15)/30 = 31/60.
