@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 // After what it needs.
@@ -11,51 +12,6 @@
 #include "simulator/scene/stages.h"
 
 namespace qvx::simulator {
-
-namespace {
-
-// A file that grows in memory.
-class JpegFile {
- public:
-  JpegFile(int width, int height, int quality) {
-    encoder_.err = jpeg_std_error(&errors_);
-    jpeg_create_compress(&encoder_);
-    jpeg_mem_dest(&encoder_, &bytes_, &size_);
-    encoder_.image_width = static_cast<JDIMENSION>(width);
-    encoder_.image_height = static_cast<JDIMENSION>(height);
-    encoder_.input_components = 3;
-    encoder_.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&encoder_);
-    jpeg_set_quality(&encoder_, quality, TRUE);
-    jpeg_start_compress(&encoder_, TRUE);
-  }
-  ~JpegFile() {
-    jpeg_destroy_compress(&encoder_);
-    std::free(bytes_);
-  }
-  JpegFile(const JpegFile&) = delete;
-  JpegFile& operator=(const JpegFile&) = delete;
-
-  // The encoder does not write to the line, though its type says so.
-  void append(const std::uint8_t* line) {
-    auto* row = const_cast<JSAMPROW>(line);
-    jpeg_write_scanlines(&encoder_, &row, 1);
-  }
-
-  // Call it once, after the last line.
-  std::string take() {
-    jpeg_finish_compress(&encoder_);
-    return {reinterpret_cast<const char*>(bytes_), size_};
-  }
-
- private:
-  jpeg_compress_struct encoder_{};
-  jpeg_error_mgr errors_{};
-  unsigned char* bytes_ = nullptr;
-  unsigned long size_ = 0;
-};
-
-}  // namespace
 
 Picture render(const View& view, int width, int height, std::uint64_t frame) {
   const auto columns = static_cast<std::size_t>(width), lines = static_cast<std::size_t>(height);
@@ -68,11 +24,29 @@ Picture render(const View& view, int width, int height, std::uint64_t frame) {
 }
 
 std::string jpegOf(const Picture& picture, int quality) {
-  JpegFile file(picture.width, picture.height, quality);
+  jpeg_compress_struct encoder{};
+  jpeg_error_mgr errors{};
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;
+  encoder.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&encoder);
+  jpeg_mem_dest(&encoder, &bytes, &size);
+  encoder.image_width = static_cast<JDIMENSION>(picture.width);
+  encoder.image_height = static_cast<JDIMENSION>(picture.height);
+  encoder.input_components = 3;
+  encoder.in_color_space = JCS_RGB;
+  jpeg_set_defaults(&encoder);
+  jpeg_set_quality(&encoder, quality, TRUE);
+  jpeg_start_compress(&encoder, TRUE);
   for (int line = 0; line < picture.height; ++line) {
-    file.append(&picture.rgb[picture.placeOf(0, line)]);
+    // The encoder does not write to the line, though its type says so.
+    auto* row = const_cast<JSAMPROW>(&picture.rgb[picture.placeOf(0, line)]);
+    jpeg_write_scanlines(&encoder, &row, 1);
   }
-  return file.take();
+  jpeg_finish_compress(&encoder);
+  jpeg_destroy_compress(&encoder);
+  const std::unique_ptr<unsigned char, decltype(&std::free)> owner(bytes, std::free);
+  return {reinterpret_cast<const char*>(bytes), size};
 }
 
 std::string stillOf(const Camera& camera) {
