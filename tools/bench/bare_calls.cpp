@@ -2,10 +2,12 @@
 
 #include <windows.h>
 // The process's own headers follow windows.h.
+#include <objbase.h>
 #include <process.h>
 #include <wininet.h>
 
 #include <array>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -96,9 +98,45 @@ struct Transfer {
 };
 
 // The mutex that all processes with a bridge camera share.
+HANDLE openMutex() {
+  return CreateMutexA(nullptr, FALSE, "Empia VideoClass HidClass Library");
+}
+
 HANDLE sharedMutex() {
-  static const HANDLE mutex = CreateMutexA(nullptr, FALSE, "Empia VideoClass HidClass Library");
+  static const HANDLE mutex = openMutex();
   return mutex;
+}
+
+// What opening a transport and closing it again is made of, apart from the search.
+template <class Search>
+void asTransport(Search search) {
+  CoInitialize(nullptr);
+  const HANDLE mutex = openMutex();
+  WaitForSingleObject(mutex, 1000);
+  search();
+  ReleaseMutex(mutex);
+  CloseHandle(mutex);
+  CoUninitialize();
+}
+
+// Each input is asked for a node of either register set.
+void searchExtensionUnitsInVain() {
+  asTransport([] {
+    for (const auto& filter : platform::openTopologyFilters()) {
+      for (int set = 0; set < 2; ++set) filter->vendorNodes();
+    }
+  });
+}
+
+std::vector<std::string> describedHidInterfaces() {
+  std::vector<std::string> paths = platform::listHidInterfaces().value();
+  for (const std::string& path : paths) platform::describeHidFeatures(path);
+  return paths;
+}
+
+void print(const char* line) {
+  std::printf("%s\n", line);
+  std::fflush(stdout);
 }
 
 unsigned __stdcall runTransfer(void* argument) {
@@ -130,8 +168,8 @@ void bareWifiSearch(const std::wstring& baseUrl) {
   openUrl(session, baseUrl);
   InternetCloseHandle(session);
 
-  platform::openTopologyFilters();
-  platform::listHidInterfaces();
+  bareBridgeSearch();
+  bareLibusbkSearch();
 
   session = openSession();
   const HINTERNET request = openUrl(session, baseUrl + L"usbdevlist.json");
@@ -142,8 +180,24 @@ void bareWifiSearch(const std::wstring& baseUrl) {
   InternetCloseHandle(session);
 }
 
+void bareBridgeSearch() {
+  searchExtensionUnitsInVain();
+  asTransport(describedHidInterfaces);
+}
+
+void bareLibusbkSearch() {
+  platform::KLST_HANDLE devices = nullptr;
+  platform::LstK_Init(&devices, 0);
+  print("Error initializing device list.");
+}
+
 void bareListing() {
+  CoInitialize(nullptr);
   platform::listVideoInputs();
+}
+
+void bareTimer() {
+  SetTimer(nullptr, 999, 250, [](HWND, UINT, UINT_PTR, DWORD) {});
 }
 
 void BareBridge::onWorker(void (BareBridge::*transfer)()) {
@@ -164,20 +218,30 @@ void BareBridge::readController() {
 }
 
 std::unique_ptr<BareBridge> openBareExtensionUnit() {
-  for (const auto& filter : platform::openTopologyFilters()) {
-    for (const std::uint32_t node : filter->vendorNodes()) {
-      filter->supports(node, commandSet);
-      if (filter->supports(node, registerSet)) return std::make_unique<ExtensionUnit>(filter, node);
+  std::unique_ptr<BareBridge> camera;
+  asTransport([&camera] {
+    for (const auto& filter : platform::openTopologyFilters()) {
+      for (const std::uint32_t node : filter->vendorNodes()) {
+        if (!filter->supports(node, registerSet)) continue;
+        filter->vendorNodes();
+        filter->supports(node, commandSet);
+        camera = std::make_unique<ExtensionUnit>(filter, node);
+        camera->readGeneration();
+      }
     }
-  }
-  throw std::runtime_error("no camera with an extension unit");
+  });
+  if (camera == nullptr) throw std::runtime_error("no camera with an extension unit");
+  return camera;
 }
 
 std::unique_ptr<BareBridge> openBareHid() {
-  platform::openTopologyFilters();
-  const auto paths = platform::listHidInterfaces().value();
-  for (const std::string& path : paths) platform::describeHidFeatures(path);
-  return std::make_unique<Hid>(platform::openHid(paths.at(0)));
+  std::unique_ptr<BareBridge> camera;
+  searchExtensionUnitsInVain();
+  asTransport([&camera] {
+    camera = std::make_unique<Hid>(platform::openHid(describedHidInterfaces().at(0)));
+    camera->readGeneration();
+  });
+  return camera;
 }
 
 void bareUsb3Read() {
@@ -187,16 +251,24 @@ void bareUsb3Read() {
   platform::UsbK_ControlTransfer(handle, {0xA1, 0x81, 0x0303, 0x0300, 1}, &value, 1, &moved);
 }
 
+// The pipes were listed by the first opening.
 void bareUsb3Open() {
   platform::KLST_HANDLE devices = nullptr;
   platform::KUSB_HANDLE opened = nullptr;
+  platform::KLST_DEVINFO* device = nullptr;
+  platform::WINUSB_PIPE_INFORMATION pipe{};
   std::uint32_t count = 0, moved = 0;
   std::uint8_t descriptor[18];
-  platform::openTopologyFilters();
-  platform::listHidInterfaces();
   platform::LstK_Init(&devices, 0);
   platform::LstK_Count(devices, &count);
-  Usb.Init(&opened, deviceInfo);
+  print("Looking for device vid/pid 3C7E/09B0..");
+  platform::LstK_FindByVidPid(devices, 0x3C7E, 0x9B0, &device);
+  print("Using 3C7E:09B0 (virtual0): Simulated USB 3 camera - QVX64");
+  platform::LibK_LoadDriverAPI(&Usb, device->DriverID);
+  Usb.Init(&opened, device);
+  print("Device opened successfully!");
+  print("Pipe Information:");
+  Usb.QueryPipe(opened, 0, 2, &pipe);
   platform::UsbK_ControlTransfer(opened, {0x80, 0x06, 0x0100, 0, sizeof descriptor}, descriptor,
                                  sizeof descriptor, &moved);
 }

@@ -16,14 +16,24 @@ void bareWifiCommand(const std::wstring& url);
 // Is a camera there, and which? Also looks for USB cameras, of which there are none.
 void bareWifiSearch(const std::wstring& baseUrl);
 
+// Looks for bridge cameras in both ways, in vain.
+void bareBridgeSearch();
+
+// Looks for libusbK.dll in vain, and says so.
+void bareLibusbkSearch();
+
 // Lists the video inputs.
 void bareListing();
+
+// Starts a timer that never runs here.
+void bareTimer();
 
 // A camera behind a bridge. Each transfer runs on a thread of its own, under the system-wide mutex.
 class BareBridge {
  public:
   virtual ~BareBridge() = default;
 
+  void readGeneration() { registerRead(); }
   void readRegister() { onWorker(&BareBridge::registerRead); }
 
   // A register of the camera's controller: the chip's generation, the bus (read and written), and
@@ -46,7 +56,7 @@ std::unique_ptr<BareBridge> openBareHid();
 // A register of a USB 3 camera's controller, on the device that the library has opened.
 void bareUsb3Read();
 
-// Looks for bridge cameras first, of which there are none, then opens the library's device anew.
+// Opens the library's device anew, in its words.
 void bareUsb3Open();
 
 }  // namespace qvx::bench
