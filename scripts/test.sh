@@ -3,7 +3,7 @@
 # The output of every stage stays in build/logs; that of a failing one is shown.
 source "$(dirname "$0")/common.sh"
 
-stages=(format scripts native tsan fuzz windows demo docs release)
+stages=(format scripts native tsan fuzz windows demo docs package)
 
 stage_format() {
   git ls-files -z '*.h' '*.c' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
@@ -35,16 +35,8 @@ stage_docs() {
   build_preset native && build_preset simulator && build_preset windows && python3 scripts/docs/check.py
 }
 
-# Never run: it would look for a camera's access point.
-stage_release() {
-  build_preset release || return
-  local address check
-  address=$(sed -n 's/^QVX_CAMERA_ADDRESS:STRING=//p' build/release/CMakeCache.txt)
-  for check in exports imports address hardened reproducible; do
-    python3 tests/windows/check_exports.py "$check" --dll build/release/QVX64.dll \
-      --camera-address "$address" || return
-  done
-}
+# What is shipped, tried as its users do.
+stage_package() { scripts/package.sh; }
 
 # How many tests the log tells of, as "passed failed"; a stage without tests is one itself, and so is
 # a failure outside of them. A skipped test counts as neither.
