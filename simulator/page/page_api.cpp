@@ -70,10 +70,9 @@ Json::Value entryOf(const Control& control) {
   return entry;
 }
 
-Json::Value lightOf(const Camera& camera) {
-  const Illumination& lights = camera.controller().lights();
+Json::Value lightOf(const View& view, const Illumination& lights) {
   Json::Value light;
-  for (const double lit : lights.quadrants()) light["quadrants"].append(lit);
+  for (const double lit : view.quadrants) light["quadrants"].append(std::min(lit, 1.0));
   light["axial"] = lights.axial();
   light["aim"] = lights.aim();
   return light;
@@ -89,8 +88,9 @@ Json::Value stateOf(PluggedCamera& camera) {
   camera.with([&state](CameraDevice& device) {
     state["width"] = device.camera.video().mode().width;
     state["height"] = device.camera.video().mode().height;
-    state["field_um"] = viewOf(device.camera, device.lightPins()).fieldWidth_um;
-    state["light"] = lightOf(device.camera);
+    const View view = viewOf(device.camera, device.lightPins());
+    state["field_um"] = view.fieldWidth_um;
+    state["light"] = lightOf(view, device.camera.controller().lights());
     for (const Control& control : controlsOf(device)) state["controls"].append(entryOf(control));
   });
   return state;
@@ -244,8 +244,8 @@ void addPageRoutes(httplib::Server& server, Desk& desk) {
     if (isAllowed(request, response)) sendEvents(desk, response);
   });
   server.Get("/cameras/([^/]+)/stream", onCamera([](auto& camera, const auto&, auto& response) {
-               constexpr int mostWidth = 800;  // small enough to be rendered many times a second
-               sendStream(camera, mostWidth, response);
+               constexpr int leastWidth = 320, mostWidth = 800;
+               sendStream(camera, leastWidth, mostWidth, response);
              }));
   server.Post("/cameras/([^/]+)", onCamera([](auto& camera, const auto& request, auto& response) {
                 takeChanges(camera, request.body, response);

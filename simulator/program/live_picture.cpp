@@ -34,12 +34,16 @@ Picture LivePicture::picture(PluggedCamera& camera, int width, int height) {
   return render(view, width, height, frame);
 }
 
-void sendStream(PluggedCamera& camera, int mostWidth, httplib::Response& response) {
-  const auto sendNext = [&camera, mostWidth, due = Clock::now()](std::size_t,
-                                                                 httplib::DataSink& sink) mutable {
+void sendStream(PluggedCamera& camera, int leastWidth, int mostWidth, httplib::Response& response) {
+  const auto sendNext = [&camera, leastWidth, mostWidth, width = mostWidth, due = Clock::now()](
+                            std::size_t, httplib::DataSink& sink) mutable {
     std::this_thread::sleep_until(due);
-    due = std::max(due + LivePicture::period, Clock::now());
-    const std::string file = camera.live.jpeg(camera, mostWidth);
+    const Clock::time_point start = Clock::now();
+    due = std::max(due + LivePicture::period, start);
+    const std::string file = camera.live.jpeg(camera, width);
+    const Clock::duration took = Clock::now() - start;
+    if (took > LivePicture::period) width = std::max(width / 4 * 3, leastWidth);
+    if (took < LivePicture::period / 2) width = std::min(width + 32, mostWidth);
     const std::string part =
         "--frame\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(file.size()) +
         "\r\n\r\n" + file + "\r\n";

@@ -34,7 +34,8 @@ class LivePicture {
   std::string jpeg_;
 };
 
-// Answers with pictures until the client, the camera or the program is gone.
-void sendStream(PluggedCamera& camera, int mostWidth, httplib::Response& response);
+// Answers with pictures until the client, the camera or the program is gone. They get smaller,
+// within limits, where the machine is too slow for them.
+void sendStream(PluggedCamera& camera, int leastWidth, int mostWidth, httplib::Response& response);
 
 }  // namespace qvx::simulator

@@ -1,7 +1,5 @@
 #include "simulator/program/wifi_service.h"
 
-#include <limits>
-
 #include "simulator/page/page_api.h"
 
 namespace qvx::simulator {
@@ -59,7 +57,8 @@ void WifiService::serve(const httplib::Request& request, httplib::Response& resp
   Reply reply = camera_.carry([&](CameraDevice& device) { return answer(device, request); });
   response.status = reply.done ? reply.status : unavailable;
   if (reply.done && request.target == streamTarget) {
-    return sendStream(camera_, std::numeric_limits<int>::max(), response);
+    constexpr int asItIs = 0xFFFF;
+    return sendStream(camera_, asItIs, asItIs, response);
   }
   if (reply.bytes.size() < reply.announced) return sendPart(reply, response);
   response.set_content(reply.bytes, reply.contentType);

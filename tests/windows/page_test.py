@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+"""The simulator's page in a browser, while the DLL works on the same camera:
+page_test.py RUN-WINE SIMULATOR QVXCTL SCREENSHOT"""
+
+import http.client
+import json
+import pathlib
+import queue
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+from selenium import webdriver
+from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.select import Select
+
+RUN_WINE, SIMULATOR, CLIENT = sys.argv[1:4]
+SCREENSHOT = pathlib.Path(sys.argv[4])
+LIMIT_S = 60  # on a machine that is busy
+PAGE = "127.0.0.1", 8064
+FEWEST_FRAMES_PER_S = 5
+
+# How many pictures a second the browser shows, as their noise tells them apart.
+FRAMES_PER_S = """
+const [seconds, done] = arguments, live = document.getElementById('live');
+const canvas = new OffscreenCanvas(64, 48).getContext('2d', {willReadFrequently: true});
+const end = performance.now() + 1000 * seconds;
+let shown = '', pictures = -1;
+(function look() {
+  canvas.drawImage(live, 0, 0, 64, 48);
+  const now = canvas.getImageData(0, 0, 64, 48).data.join();
+  if (now !== shown) ++pictures;
+  shown = now;
+  performance.now() < end ? requestAnimationFrame(look) : done(pictures / seconds);
+})();"""
+
+
+class Program:
+    """Runs under Wine beside the test; its lines are read as they come."""
+
+    def __init__(self, *command):
+        self.process = subprocess.Popen([RUN_WINE, *command], stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.PIPE, text=True)
+        self.lines = queue.Queue()
+        threading.Thread(target=self.read, daemon=True).start()
+
+    def read(self):
+        for line in self.process.stdout:
+            self.lines.put(line.strip())
+
+    def await_line(self, fits):
+        end = time.monotonic() + LIMIT_S
+        while True:
+            line = self.lines.get(timeout=max(0, end - time.monotonic()))
+            if fits(line):
+                return line
+
+
+def client(*arguments):
+    return subprocess.run([RUN_WINE, CLIENT, "--device", "90", *arguments], text=True,
+                          stdin=subprocess.DEVNULL, capture_output=True, timeout=LIMIT_S)
+
+
+def open_browser():
+    options = webdriver.ChromeOptions()
+    for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--window-size=1360,1000"):
+        options.add_argument(argument)
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    return webdriver.Chrome(options=options)
+
+
+class Page:
+    def __init__(self, browser):
+        self.browser = browser
+        browser.get("http://%s:%d/" % PAGE)
+        self.await_("the event stream", lambda: self.at("link").text == "live")
+
+    def at(self, element):
+        return self.browser.find_element(By.ID, element)
+
+    def value(self, control):
+        return float(self.at("set-" + control).get_attribute("aria-valuenow"))
+
+    def lamp(self):
+        """The colour in which the first quadrant is drawn."""
+        return self.browser.execute_script(
+            "return document.querySelector('#set-segment1 path').getAttribute('fill')")
+
+    @staticmethod
+    def await_(what, holds):
+        end = time.monotonic() + LIMIT_S
+        while not holds():
+            assert time.monotonic() < end, f"the page does not show {what}"
+            time.sleep(0.05)
+
+
+def turns_the_ring(page):
+    page.at("set-zoom").send_keys(Keys.END)
+    Page.await_("the ring's stop", lambda: page.value("zoom") > 200)
+    magnification = float(client("call", "GetMAG", "90", "--init").stdout)
+    assert abs(magnification - page.value("zoom")) < 0.01, magnification
+
+
+def presses_the_button(page):
+    watch = Program(CLIENT, "--device", "90", "--json", "watch")
+    watch.await_line(lambda line: "magnification" in line)
+    ActionChains(page.browser).click_and_hold(page.at("button")).release().perform()
+    watch.await_line(lambda line: json.loads(line)["event"] == "button")
+    watch.process.kill()
+
+
+def shows_what_the_library_does(page):
+    dark = page.lamp()
+    assert client("led", "on").returncode == 0
+    Page.await_("the light", lambda: page.lamp() != dark)
+    assert page.at("set-segment1").get_attribute("aria-checked") == "true"
+    page.at("set-segment1").send_keys(" ")
+    Page.await_("a dark quadrant", lambda: page.lamp() == dark)
+    assert client("lens", "pos", "12").returncode == 0
+    Page.await_("the lens", lambda: page.value("focus") == 12)
+
+
+def switches_a_fault_on(page):
+    Select(page.at("faultKind")).select_by_value("empty")
+    page.at("faultFirst").submit()
+    Page.await_("the fault", lambda: "empty" in page.at("faultNow").text.lower())
+    assert client("info").returncode == 1
+    page.at("faultOff").click()
+    Page.await_("no fault", lambda: page.at("faultNow").text == "")
+    assert client("info").returncode == 0
+
+
+def request(method, path, port=PAGE[1], body=None, **headers):
+    connection = http.client.HTTPConnection(PAGE[0], port, timeout=LIMIT_S)
+    connection.request(method, path, body, headers)
+    return connection.getresponse().status
+
+
+def shows_violations(page):
+    assert request("GET", "/nonsense", 8080) == 404
+    Page.await_("the violation", lambda: any(
+        "nonsense" in entry.text for entry in page.at("log").find_elements(By.CLASS_NAME, "wrong")))
+
+
+def refuses_other_pages(page):
+    zoom = page.value("zoom")
+    change = "/cameras/wifi-0998", PAGE[1], '{"zoom": 20}'
+    assert request("POST", *change) == 403
+    assert request("POST", *change, Origin="http://elsewhere.example") == 403
+    assert request("GET", "/cameras/events", Host="elsewhere.example:8064") == 403
+    assert page.value("zoom") == zoom
+
+
+def is_quick_and_fits(page):
+    frames_per_s = page.browser.execute_async_script(FRAMES_PER_S, 3)
+    print(f"{frames_per_s:.1f} pictures a second")
+    page.browser.execute_script("scrollTo(0, 0)")
+    SCREENSHOT.parent.mkdir(exist_ok=True)
+    page.browser.save_screenshot(str(SCREENSHOT))
+    assert frames_per_s >= FEWEST_FRAMES_PER_S
+    page.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+        "width": 360, "height": 800, "deviceScaleFactor": 1, "mobile": True})
+    assert page.browser.execute_script("return document.documentElement.scrollWidth") == 360
+
+
+def main():
+    simulator = Program(SIMULATOR, "wifi:0998,zoom=63")
+    browser = open_browser()
+    try:
+        simulator.await_line(lambda line: line == "ready")
+        page = Page(browser)
+        for check in (turns_the_ring, presses_the_button, shows_what_the_library_does,
+                      switches_a_fault_on, shows_violations, refuses_other_pages, is_quick_and_fits):
+            start = time.monotonic()
+            check(page)
+            print(f"{check.__name__}: {time.monotonic() - start:.1f} s")
+        errors = browser.get_log("browser")
+        assert not errors, errors
+    finally:
+        browser.quit()
+        simulator.process.send_signal(signal.SIGINT)
+        simulator.process.wait(LIMIT_S)
+
+
+main()
