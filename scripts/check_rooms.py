@@ -9,7 +9,7 @@ import re
 import sys
 
 # From the top floor down. Rooms of one floor do not know each other.
-FLOORS = [["api"], ["controls"], ["transport"], ["models", "etlib2"], ["platform", "state"], ["base"]]
+FLOORS = [["api"], ["controls"], ["transport"], ["models", "etlib2"], ["trace"], ["platform", "state"], ["base"]]
 FLOOR = {room: floor for floor, rooms in enumerate(FLOORS) for room in rooms}
 # The exports' own header is no room: they implement it.
 OUTSIDE = {"qvx64"}

@@ -30,6 +30,16 @@ FileHandle createFile(const std::wstring& path) {
   return world().keep(FileObject{world().files[path]});
 }
 
+FileHandle openForAppending(const std::wstring& path) {
+  if (!world().folders.contains(folderOf(path)) || !world().grants()) return nullptr;
+  ++world().open.files;
+  return world().keep(FileObject{world().files[path]});
+}
+
+bool appendLine(FileHandle file, const void* data, std::uint32_t size) {
+  return writeFile(file, data, size);
+}
+
 bool writeFile(FileHandle file, const void* data, std::uint32_t size) {
   if (!world().grants()) return false;
   auto& room = world().diskRoom;

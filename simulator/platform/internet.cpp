@@ -1,5 +1,5 @@
 // The platform's internet functions over the simulated machine.
-#include "platform/internet.h"
+#include "platform/system.h"
 
 #include <algorithm>
 #include <cstring>
@@ -54,7 +54,7 @@ void setInternetTimeouts(InternetHandle /*session*/, std::uint32_t connect_ms,
       [=] { return "time-outs " + std::to_string(connect_ms) + " " + std::to_string(receive_ms); });
 }
 
-InternetHandle openUrl(InternetHandle session, const std::wstring& url) {
+InternetHandle system::openUrl(InternetHandle session, const std::wstring& url) {
   if (session == nullptr) return nullptr;
   const std::string text = narrow(url);
   const bool sent = world().operate([&] { return "GET " + text; });
@@ -64,8 +64,8 @@ InternetHandle openUrl(InternetHandle session, const std::wstring& url) {
   return opened({true, world().connection(), std::move(answer)});
 }
 
-bool readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
-             std::uint32_t& received) {
+bool system::readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
+                     std::uint32_t& received) {
   received = 0;
   if (!world().grants() || request->connection != world().connection()) return false;
   if (request->nextChunk == request->answer.chunks.size()) return !request->answer.breaksOff;

@@ -1,6 +1,6 @@
 // libusbK over the simulated machine, with the genuine library's cursor: it starts before the first
 // device, and past the last one it starts over.
-#include "platform/libusbk.h"
+#include "platform/system.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -90,7 +90,7 @@ std::string lineOf(const WINUSB_SETUP_PACKET& setup, std::span<const std::uint8_
 
 // Flags would ask for other lists, such as one with the devices that were unplugged: none is had
 // here.
-bool LstK_Init(KLST_HANDLE* deviceList, int flags) {
+bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   if (flags != 0 || !world().libusbkInstalled || !world().grants()) return false;
   DeviceList list;
   for (const UsbDevice& device : world().usbDevices) {
@@ -108,7 +108,8 @@ bool LstK_Count(KLST_HANDLE deviceList, std::uint32_t* count) {
   return true;
 }
 
-bool LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid, KLST_DEVINFO** deviceInfo) {
+bool system::LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid,
+                               KLST_DEVINFO** deviceInfo) {
   *deviceInfo = nullptr;
   if (!world().grants()) return false;
   for (KLST_DEVINFO& record : world().kept<DeviceList>(deviceList)->records) {
@@ -120,7 +121,7 @@ bool LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid, KLST_DEVINFO** 
   return false;
 }
 
-bool LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
+bool system::LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
   DeviceList& list = *world().kept<DeviceList>(deviceList);
   const bool pastEnd = list.cursor == list.records.size();
   *deviceInfo = pastEnd ? nullptr : &list.records[list.cursor];
@@ -134,15 +135,16 @@ bool LstK_Free(KLST_HANDLE deviceList) {
   return removed;
 }
 
-bool LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int requestedDriver) {
+bool system::LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int requestedDriver) {
   if (requestedDriver != driverId || !world().grants()) return false;
   driverApi->Init = openDevice;
   driverApi->QueryPipe = queryPipe;
   return true;
 }
 
-bool UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACKET setup,
-                          std::uint8_t* buffer, std::uint32_t length, std::uint32_t* transferred) {
+bool system::UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACKET setup,
+                                  std::uint8_t* buffer, std::uint32_t length,
+                                  std::uint32_t* transferred) {
   const std::span bytes(buffer, length);
   const bool sent = world().operate([&] { return lineOf(setup, bytes); });
   UsbDevice* const device = deviceOf(interfaceHandle);

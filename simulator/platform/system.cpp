@@ -2,7 +2,7 @@
 #include "platform/com.h"
 #include "platform/process.h"
 #include "platform/text.h"
-#include "platform/timers.h"
+#include "platform/system.h"
 #include "simulator/platform/world.h"
 
 namespace qvx::platform {
@@ -39,13 +39,13 @@ ComUse::~ComUse() {
   --world().open.comInitializations;
 }
 
-void pause(std::uint32_t milliseconds) {
+void system::pause(std::uint32_t milliseconds) {
   world().note([=] { return "pause " + std::to_string(milliseconds); });
   world().clock.sleep(milliseconds);
 }
 
-void startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms,
-                      TimerProcedure procedure) {
+void system::startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms,
+                              TimerProcedure procedure) {
   world().note([=] {
     return "timer " + std::to_string(identifier) + " every " + std::to_string(period_ms);
   });
@@ -68,12 +68,28 @@ std::string modulePath() {
   return "C:\\Program Files\\Microscope\\QVX64.dll";
 }
 
-std::string environmentVariable(const char* name) {
-  const auto found = world().environment.find(name);
-  return found == world().environment.end() ? "" : found->second;
+Surroundings surroundings() {
+  return {"10.0.19045", "2026-03-01T12:00:00.000Z", ansiToWide(modulePath()), L""};
 }
 
-void tellDebugger(const std::string& line) {
+std::uint32_t processId() {
+  return 1;
+}
+
+std::uint32_t threadId() {
+  return static_cast<std::uint32_t>(std::hash<std::thread::id>()(std::this_thread::get_id()));
+}
+
+std::uint64_t clock_us() {
+  return world().clock.now_ms() * 1000;
+}
+
+std::wstring environmentVariable(const char* name) {
+  const auto found = world().environment.find(name);
+  return found == world().environment.end() ? L"" : ansiToWide(found->second);
+}
+
+void system::tellDebugger(const std::string& line) {
   world().note([&] { return "debugger: " + line; });
 }
 
@@ -99,6 +115,17 @@ std::string wideToAnsi(std::wstring_view text) {
 
 std::string wideToOem(std::wstring_view text) {
   return toNarrow(text);
+}
+
+// Of characters up to U+00FF, as all texts of the simulated machine have.
+std::string wideToUtf8(std::wstring_view text) {
+  std::string utf8;
+  for (const char character : toNarrow(text)) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte >= 0x80) utf8 += static_cast<char>(0xC0 | byte >> 6);
+    utf8 += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
+  }
+  return utf8;
 }
 
 }  // namespace qvx::platform

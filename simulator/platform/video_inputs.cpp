@@ -1,11 +1,9 @@
 // Video inputs, their topologies and HID devices of the simulated machine.
-#include "platform/video_inputs.h"
+#include "platform/system.h"
 
 #include <cstdio>
 #include <utility>
 
-#include "platform/hid.h"
-#include "platform/topology.h"
 #include "simulator/platform/world.h"
 
 namespace qvx::platform {
@@ -49,19 +47,19 @@ class SimulatedFilter final : public TopologyFilter {
     return ids;
   }
 
-  bool supports(std::uint32_t node, const PropertySet& set) override {
+  PropertyOutcome supports(std::uint32_t node, const PropertySet& set) override {
     return world().grants() && isThere() && nodes_.at(node)->supports(idOf(set));
   }
 
-  bool getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, void* data,
-                   std::uint32_t size) override {
+  PropertyOutcome getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
+                              void* data, std::uint32_t size) override {
     const auto line = [&] { return lineOf("get", set, id) + " " + std::to_string(size); };
     return world().operate(line) && isThere() &&
            nodes_.at(node)->get(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
   }
 
-  bool setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, const void* data,
-                   std::uint32_t size) override {
+  PropertyOutcome setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
+                              const void* data, std::uint32_t size) override {
     const std::span bytes(static_cast<const std::uint8_t*>(data), size);
     const auto line = [&] { return lineOf("set", set, id) + ": " + hex(bytes); };
     return world().operate(line) && isThere() && nodes_.at(node)->set(idOf(set), id, bytes);
@@ -116,7 +114,7 @@ const simulator::HidInterface* hidInterfaceAt(const std::string& path) {
 
 }  // namespace
 
-std::vector<VideoInput> listVideoInputs() {
+std::vector<VideoInput> system::listVideoInputs() {
   std::vector<VideoInput> list;
   if (!world().grants() || !world().pluggedIn()) return list;
   for (const auto& input : world().videoInputs) {
@@ -125,7 +123,7 @@ std::vector<VideoInput> listVideoInputs() {
   return list;
 }
 
-std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters() {
+std::vector<std::shared_ptr<TopologyFilter>> system::openTopologyFilters() {
   std::vector<std::shared_ptr<TopologyFilter>> filters;
   if (!world().grants() || !world().pluggedIn()) return filters;
   for (const auto& input : world().videoInputs) {
@@ -135,7 +133,7 @@ std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters() {
   return filters;
 }
 
-std::optional<std::vector<std::string>> listHidInterfaces() {
+std::optional<std::vector<std::string>> system::listHidInterfaces() {
   if (!world().hidInterfaces || !world().grants()) return std::nullopt;
   std::vector<std::string> paths;
   if (!world().pluggedIn()) return paths;
@@ -149,7 +147,7 @@ std::optional<HidFeatures> describeHidFeatures(const std::string& path) {
   return HidFeatures{*interface->featureItems, interface->featureReportIds};
 }
 
-std::unique_ptr<HidDevice> openHid(const std::string& path) {
+std::unique_ptr<HidDevice> system::openHid(const std::string& path) {
   const auto* const interface = hidInterfaceAt(path);
   return std::make_unique<SimulatedHidDevice>(interface == nullptr ? nullptr : interface->device);
 }

@@ -1,5 +1,5 @@
 // Picture properties of the simulated machine's video inputs. Every step goes into the journal.
-#include "platform/video_proc_amp.h"
+#include "platform/system.h"
 
 #include <memory>
 #include <vector>
@@ -107,20 +107,21 @@ VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   return opened(world().open.videoProcAmps, VideoProcAmp{*controls, filter.connection});
 }
 
-void setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
+void system::setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
   const auto* const control = simulator::pictureControl(numberOf(property));
   const bool reached =
       step("set ", property, " to " + std::to_string(value) + " manually") && isThere(amplifier);
   if (reached && control != nullptr) amplifier.controls.set(*control, {value, false});
 }
 
-std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, PictureProperty property) {
+std::optional<std::int32_t> system::getProperty(VideoProcAmp& amplifier, PictureProperty property) {
   const auto* const control = simulator::pictureControl(numberOf(property));
   if (!step("get ", property) || !isThere(amplifier) || control == nullptr) return std::nullopt;
   return amplifier.controls.get(*control).value;
 }
 
-std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PictureProperty property) {
+std::optional<PropertyRange> system::getPropertyRange(VideoProcAmp& amplifier,
+                                                      PictureProperty property) {
   const auto* const control = simulator::pictureControl(numberOf(property));
   const bool answers = step("range of ", property) && isThere(amplifier);
   if (!answers || control == nullptr) return std::nullopt;

@@ -1,5 +1,5 @@
 // Workers and named mutexes on the simulated clock.
-#include "platform/workers.h"
+#include "platform/system.h"
 
 #include <map>
 #include <string>
@@ -60,8 +60,8 @@ std::optional<std::uint32_t> runInline(const std::function<std::uint32_t()>& tas
 
 }  // namespace
 
-std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
-                                         std::uint32_t limit_ms) {
+std::optional<std::uint32_t> system::runOnWorker(std::function<std::uint32_t()> task,
+                                                 std::uint32_t limit_ms) {
   simulator::World& machine = world();
   if (!machine.grants()) return std::nullopt;
   {
@@ -82,7 +82,7 @@ std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
   return finished;
 }
 
-std::shared_ptr<NamedMutex> openNamedMutex(const char* name) {
+std::shared_ptr<NamedMutex> system::openNamedMutex(const char* name) {
   if (!world().grants()) return nullptr;
   static std::mutex guard;
   static std::map<std::string, std::weak_ptr<MutexState>> states;

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "api/events.h"
-#include "api/guard.h"
+#include "api/call.h"
 #include "api/init.h"
 #include "controls/device_selection.h"
 #include "controls/exposure.h"
@@ -44,30 +44,30 @@ std::string fileName(const char* text) {
 extern "C" {
 
 int Init(void) {
-  return guarded(0, [] { return initialize(); });
+  return Call("Init").gives(0, [] { return initialize(); });
 }
 
 int GetVideoDeviceCount(void) {
-  return guarded(0, [] { return usb3DeviceCount(); });
+  return Call("GetVideoDeviceCount").gives(0, [] { return usb3DeviceCount(); });
 }
 
 int GetVideoDeviceIndex(void) {
-  return VideoDeviceIndex;
+  return Call("GetVideoDeviceIndex").gives(0, [=] { return VideoDeviceIndex; });
 }
 
 void SetVideoDeviceIndex(int idx) {
-  VideoDeviceIndex = idx;
+  Call("SetVideoDeviceIndex", idx).does([=] { VideoDeviceIndex = idx; });
 }
 
 wchar_t* GetVideoDeviceName(int deviceIndex) {
-  return guarded<wchar_t*>(nullptr, [=] {
+  return Call("GetVideoDeviceName", deviceIndex).gives<wchar_t*>(nullptr, [=] {
     refreshDeviceNames(deviceIndex);
     return chr2wch(entryOf(strOrvaDeviceName, deviceIndex).c_str());
   });
 }
 
 wchar_t* GetDeviceId(int deviceIndex) {
-  return guarded<wchar_t*>(nullptr, [=] {
+  return Call("GetDeviceId", deviceIndex).gives<wchar_t*>(nullptr, [=] {
     refreshDevicePaths(deviceIndex);
     return chr2wch(entryOf(strOrvaDevice, deviceIndex).c_str());
   });
@@ -75,7 +75,7 @@ wchar_t* GetDeviceId(int deviceIndex) {
 
 char* GetDeviceIDA(int deviceIndex) {
   static char none[] = "";
-  return guarded<char*>(none, [=] {
+  return Call("GetDeviceIDA", deviceIndex).gives<char*>(none, [=] {
     refreshDevicePathsAndProductId(deviceIndex);
     std::string* const path = entryAt(strOrvaDevice, deviceIndex);
     return path == nullptr ? none : path->data();
@@ -83,86 +83,102 @@ char* GetDeviceIDA(int deviceIndex) {
 }
 
 qvx_long GetConfig(int deviceIndex) {
-  return guarded<qvx_long>(0, [=] { return featureWord(deviceIndex); });
+  return Call("GetConfig", deviceIndex).gives<qvx_long>(0, [=] {
+    return featureWord(deviceIndex);
+  });
 }
 
 void SetEventCallback(void (*func)(void)) {
-  guarded([=] { setEventCallback(func); });
+  Call("SetEventCallback", func).does([=] { setEventCallback(func); });
 }
 
 void FireEvent(void) {
-  guarded(fireEvent);
+  Call("FireEvent").does(fireEvent);
 }
 
 int EnablePressKey(int bEnableMT) {
-  return enablePressKey(bEnableMT);
+  return Call("EnablePressKey", bEnableMT).gives(0, [=] { return enablePressKey(bEnableMT); });
 }
 
 double GetMAG(int deviceIndex) {
-  nTmpIdx = isWifiDevice(deviceIndex) ? wifiDeviceIndex : deviceIndex;
-  return static_cast<double>(f890Rate);
+  return Call("GetMAG", deviceIndex).gives(0.0, [=] {
+    nTmpIdx = isWifiDevice(deviceIndex) ? wifiDeviceIndex : deviceIndex;
+    return static_cast<double>(f890Rate);
+  });
 }
 
 double FOVx(int deviceIndex, double fMag) {
-  return guarded(0.0, [=] { return fieldOfView(deviceIndex, fMag); });
+  return Call("FOVx", deviceIndex, fMag).gives(0.0, [=] { return fieldOfView(deviceIndex, fMag); });
 }
 
 void SetLensInitPos(int deviceIndex) {
-  guarded([=] { resetLens(deviceIndex); });
+  Call("SetLensInitPos", deviceIndex).does([=] { resetLens(deviceIndex); });
 }
 
 void SetLensPos(int deviceIndex, qvx_long Value) {
-  guarded([=] { moveLens(deviceIndex, Value); });
+  Call("SetLensPos", deviceIndex, Value).does([=] { moveLens(deviceIndex, Value); });
 }
 
 void SetLensFinePos(int deviceIndex, qvx_long Value) {
-  guarded([=] { moveLensFine(deviceIndex, Value); });
+  Call("SetLensFinePos", deviceIndex, Value).does([=] { moveLensFine(deviceIndex, Value); });
 }
 
 qvx_long GetLensPosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt) {
-  return guarded<qvx_long>(0, [=] { return store(lensLimits(deviceIndex), UpperLmt, LowerLmt); });
+  return Call("GetLensPosLimits", deviceIndex, UpperLmt, LowerLmt).gives<qvx_long>(0, [=] {
+    return store(lensLimits(deviceIndex), UpperLmt, LowerLmt);
+  });
 }
 
 qvx_long GetLensFinePosLimits(int deviceIndex, qvx_long* UpperLmt, qvx_long* LowerLmt) {
-  return guarded<qvx_long>(0,
-                           [=] { return store(fineLensLimits(deviceIndex), UpperLmt, LowerLmt); });
+  return Call("GetLensFinePosLimits", deviceIndex, UpperLmt, LowerLmt).gives<qvx_long>(0, [=] {
+    return store(fineLensLimits(deviceIndex), UpperLmt, LowerLmt);
+  });
 }
 
 void SetExposureValue(int vindex, qvx_long Value) {
-  guarded([=] { setExposureValue(vindex, Value); });
+  Call("SetExposureValue", vindex, Value).does([=] { setExposureValue(vindex, Value); });
 }
 
 qvx_long GetExposureValue(int deviceIndex) {
-  return guarded<qvx_long>(0, [=] { return getExposureValue(deviceIndex); });
+  return Call("GetExposureValue", deviceIndex).gives<qvx_long>(0, [=] {
+    return getExposureValue(deviceIndex);
+  });
 }
 
 void SetAETarget(int deviceIndex, qvx_long Value) {
-  guarded([=] { setAETarget(deviceIndex, Value); });
+  Call("SetAETarget", deviceIndex, Value).does([=] { setAETarget(deviceIndex, Value); });
 }
 
 qvx_long GetAETarget(int deviceIndex) {
-  return guarded<qvx_long>(0, [=] { return getAETarget(deviceIndex); });
+  return Call("GetAETarget", deviceIndex).gives<qvx_long>(0, [=] {
+    return getAETarget(deviceIndex);
+  });
 }
 
 void SetAutoExposure(int vindex, qvx_long Value) {
-  guarded([=] { setAutoExposure(vindex, Value); });
+  Call("SetAutoExposure", vindex, Value).does([=] { setAutoExposure(vindex, Value); });
 }
 
 qvx_long GetAutoExposure(int vindex) {
-  return guarded<qvx_long>(0, [=] { return getAutoExposure(vindex); });
+  return Call("GetAutoExposure", vindex).gives<qvx_long>(0, [=] {
+    return getAutoExposure(vindex);
+  });
 }
 
 void SetFlicker(int deviceIndex, qvx_long Value) {
-  guarded([=] { setFlicker(deviceIndex, Value); });
+  Call("SetFlicker", deviceIndex, Value).does([=] { setFlicker(deviceIndex, Value); });
 }
 
 void SetVideoProcAmp(int valueIndex, qvx_long newValue) {
-  guarded(
-      [=] { setVideoProcAmp(PictureProperty{valueIndex}, static_cast<std::int32_t>(newValue)); });
+  Call("SetVideoProcAmp", valueIndex, newValue).does([=] {
+    setVideoProcAmp(PictureProperty{valueIndex}, static_cast<std::int32_t>(newValue));
+  });
 }
 
 qvx_long GetVideoProcAmp(int valueIndex) {
-  return guarded<qvx_long>(0, [=] { return getVideoProcAmp(PictureProperty{valueIndex}); });
+  return Call("GetVideoProcAmp", valueIndex).gives<qvx_long>(0, [=] {
+    return getVideoProcAmp(PictureProperty{valueIndex});
+  });
 }
 
 // The property number comes in through a pointer that callers have always passed as writable.
@@ -170,7 +186,7 @@ qvx_long GetVideoProcAmp(int valueIndex) {
 qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMin, qvx_long* lMax,
                                    qvx_long* lSteppomgDelta, qvx_long* lDefault) {
   if (valueIndex == nullptr) return 0;
-  guarded([=] {
+  Call("GetVideoProcAmpValueRange", valueIndex, lMin, lMax, lSteppomgDelta, lDefault).does([=] {
     const auto range = getVideoProcAmpRange(static_cast<PictureProperty>(*valueIndex));
     if (!range) return;
     storeAt(lMin, range->min);
@@ -182,41 +198,45 @@ qvx_long GetVideoProcAmpValueRange(qvx_long* valueIndex, qvx_long* lMin, qvx_lon
 }
 
 void SetLEDState(int deviceIndex, int nLedStatus) {
-  guarded([=] { setLedState(deviceIndex, nLedStatus); });
+  Call("SetLEDState", deviceIndex, nLedStatus).does([=] { setLedState(deviceIndex, nLedStatus); });
 }
 
 void SetSEGSwitch(int ID, qvx_long nMode) {
-  guarded([=] { setSegSwitch(ID, nMode); });
+  Call("SetSEGSwitch", ID, nMode).does([=] { setSegSwitch(ID, nMode); });
 }
 
 void SetSEGLevel(int ID, qvx_long nLevel) {
-  guarded([=] { setSegLevel(ID, nLevel); });
+  Call("SetSEGLevel", ID, nLevel).does([=] { setSegLevel(ID, nLevel); });
 }
 
 void SetESEG(int DeviceIndex, qvx_long Quadrant, qvx_long Value) {
-  guarded([=] { setSegQuadrant(DeviceIndex, Quadrant, Value); });
+  Call("SetESEG", DeviceIndex, Quadrant, Value).does([=] {
+    setSegQuadrant(DeviceIndex, Quadrant, Value);
+  });
 }
 
 void SetAXILevel(int ID, qvx_long nLevel) {
-  guarded([=] { setAxialLevel(ID, nLevel); });
+  Call("SetAXILevel", ID, nLevel).does([=] { setAxialLevel(ID, nLevel); });
 }
 
 void SetAimpointLevel(int ID, qvx_long nLevel) {
-  guarded([=] { setAimpointLevel(ID, nLevel); });
+  Call("SetAimpointLevel", ID, nLevel).does([=] { setAimpointLevel(ID, nLevel); });
 }
 
 bool GetWiFiImage(const char* filename) {
-  return guarded(false, [=] { return saveWifiImage(fileName(filename)); });
+  return Call("GetWiFiImage", filename).gives(false, [=] {
+    return saveWifiImage(fileName(filename));
+  });
 }
 
 bool SetWiFiVideoRes(qvx_long width, qvx_long height) {
-  return guarded(false, [=] {
+  return Call("SetWiFiVideoRes", width, height).gives(false, [=] {
     return setWifiVideoMode(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height));
   });
 }
 
 bool GetWiFiVideoCaps(qvx_long* count, short* width, short* height) {
-  return guarded(false, [=] {
+  return Call("GetWiFiVideoCaps", count, width, height).gives(false, [=] {
     const std::span<const VideoMode> modes = wifiVideoModes();
     if (modes.empty()) return false;
     storeAt(count, modes.size());

@@ -10,5 +10,6 @@ namespace qvx::platform {
 std::wstring ansiToWide(std::string_view text);
 std::string wideToAnsi(std::wstring_view text);
 std::string wideToOem(std::wstring_view text);
+std::string wideToUtf8(std::wstring_view text);
 
 }  // namespace qvx::platform

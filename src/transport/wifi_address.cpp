@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/process.h"
+#include "platform/text.h"
 
 namespace qvx {
 
@@ -43,7 +44,8 @@ std::optional<std::string> baseUrlOf(std::string_view address) {
 }
 
 void readWifiAddress() {
-  const std::string address = platform::environmentVariable(wifiCameraVariable);
+  const std::string address =
+      platform::wideToUtf8(platform::environmentVariable(wifiCameraVariable));
   wifiBase = address.empty() ? builtInBaseUrl : baseUrlOf(address).value_or("");
   if (wifiBase->empty()) {
     platform::tellDebugger(

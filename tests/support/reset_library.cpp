@@ -9,6 +9,7 @@
 #include "etlib2/access.h"
 #include "etlib2/etLib2.h"
 #include "state/kept_state.h"
+#include "trace/trace.h"
 #include "transport/usb3.h"
 #include "transport/wifi_address.h"
 
@@ -71,6 +72,7 @@ void resetMagnification() {
 }
 
 void resetFunctions() {
+  trace::end();
   OnEvent = nullptr;
   clear({&m_MT, &m_count});
   timer_2_proc::barry = -1;

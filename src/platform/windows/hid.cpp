@@ -1,4 +1,4 @@
-#include "platform/hid.h"
+#include "platform/system.h"
 
 #include <windows.h>
 // mingw-w64's HID headers do not say that the library is C.
@@ -106,7 +106,7 @@ std::optional<std::string> pathOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& in
 
 }  // namespace
 
-std::optional<std::vector<std::string>> listHidInterfaces() {
+std::optional<std::vector<std::string>> system::listHidInterfaces() {
   GUID hid{};
   HidD_GetHidGuid(&hid);
   const HDEVINFO devices =
@@ -134,7 +134,7 @@ std::optional<HidFeatures> describeHidFeatures(const std::string& path) {
   return features;
 }
 
-std::unique_ptr<HidDevice> openHid(const std::string& path) {
+std::unique_ptr<HidDevice> system::openHid(const std::string& path) {
   return std::make_unique<SystemHidDevice>(path);
 }
 

@@ -1,4 +1,5 @@
 #include "platform/internet.h"
+#include "platform/system.h"
 
 #include <windows.h>
 #include <wininet.h>
@@ -28,13 +29,13 @@ void setInternetTimeouts(InternetHandle session, std::uint32_t connect_ms,
   InternetSetOptionW(session, INTERNET_OPTION_RECEIVE_TIMEOUT, &receive, sizeof receive);
 }
 
-InternetHandle openUrl(InternetHandle session, const std::wstring& url) {
+InternetHandle system::openUrl(InternetHandle session, const std::wstring& url) {
   if (session == nullptr) return nullptr;
   return wrap(InternetOpenUrlW(session, url.c_str(), nullptr, 0, INTERNET_FLAG_RELOAD, 0));
 }
 
-bool readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
-             std::uint32_t& received) {
+bool system::readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
+                     std::uint32_t& received) {
   DWORD count = 0;
   const bool done = InternetReadFile(request, buffer, capacity, &count) != FALSE;
   received = count;

@@ -1,4 +1,5 @@
 #include "platform/libusbk.h"
+#include "platform/system.h"
 
 #include <windows.h>
 
@@ -26,10 +27,8 @@ struct EntryPoints {
 EntryPoints library;
 bool loaded = false;
 
-// Where a module lies; null is the application.
 std::wstring folderOf(HMODULE module) {
-  std::wstring path(32768, L'\0');
-  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+  const std::wstring path = pathOf(module);
   return path.substr(0, path.find_last_of(L'\\') + 1);
 }
 
@@ -39,11 +38,15 @@ std::wstring systemFolder() {
   return std::wstring(path.data(), length) + L'\\';
 }
 
-// By full path only: a libusbK.dll in the current folder must not be picked up. Hosts such as
-// Python keep our DLL and it in a folder of their own.
+// Where it may be. By full path only: a libusbK.dll in the current folder must not be picked up.
+// Hosts such as Python keep our DLL and it in a folder of their own.
+std::array<std::wstring, 3> libraryPaths() {
+  constexpr wchar_t name[] = L"libusbK.dll";
+  return {folderOf(nullptr) + name, folderOf(ownModule()) + name, systemFolder() + name};
+}
+
 HMODULE loadLibrary() {
-  for (const std::wstring& folder : {folderOf(nullptr), folderOf(ownModule()), systemFolder()}) {
-    const std::wstring path = folder + L"libusbK.dll";
+  for (const std::wstring& path : libraryPaths()) {
     const HMODULE module = LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (module != nullptr) return module;
   }
@@ -78,7 +81,14 @@ bool load() {
 
 }  // namespace
 
-bool LstK_Init(KLST_HANDLE* deviceList, int flags) {
+std::wstring usbLibraryPath() {
+  for (const std::wstring& path : libraryPaths()) {
+    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) return path;
+  }
+  return L"";
+}
+
+bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   return load() && library.LstK_Init(deviceList, flags) != FALSE;
 }
 
@@ -86,11 +96,12 @@ bool LstK_Count(KLST_HANDLE deviceList, std::uint32_t* count) {
   return loaded && library.LstK_Count(deviceList, count) != FALSE;
 }
 
-bool LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid, KLST_DEVINFO** deviceInfo) {
+bool system::LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid,
+                               KLST_DEVINFO** deviceInfo) {
   return loaded && library.LstK_FindByVidPid(deviceList, vid, pid, deviceInfo) != FALSE;
 }
 
-bool LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
+bool system::LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
   return loaded && library.LstK_MoveNext(deviceList, deviceInfo) != FALSE;
 }
 
@@ -98,12 +109,13 @@ bool LstK_Free(KLST_HANDLE deviceList) {
   return loaded && library.LstK_Free(deviceList) != FALSE;
 }
 
-bool LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int driverId) {
+bool system::LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int driverId) {
   return loaded && library.LibK_LoadDriverAPI(driverApi, driverId) != FALSE;
 }
 
-bool UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACKET setup,
-                          std::uint8_t* buffer, std::uint32_t length, std::uint32_t* transferred) {
+bool system::UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACKET setup,
+                                  std::uint8_t* buffer, std::uint32_t length,
+                                  std::uint32_t* transferred) {
   return loaded && library.UsbK_ControlTransfer(interfaceHandle, setup, buffer, length, transferred,
                                                 nullptr) != FALSE;
 }

@@ -17,6 +17,12 @@ HMODULE ownModule() {
   return moduleOfThisCode(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT);
 }
 
+std::wstring pathOf(HMODULE module) {
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+  return path;
+}
+
 }  // namespace qvx::platform
 
 // Once loaded, the library stays until the process ends, whoever frees it. Its timers can be

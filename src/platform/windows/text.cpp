@@ -33,4 +33,8 @@ std::string wideToOem(std::wstring_view text) {
   return toNarrow(CP_OEMCP, text);
 }
 
+std::string wideToUtf8(std::wstring_view text) {
+  return toNarrow(CP_UTF8, text);
+}
+
 }  // namespace qvx::platform

@@ -1,4 +1,4 @@
-#include "platform/topology.h"
+#include "platform/system.h"
 
 #include <windows.h>
 // The kernel-streaming headers in the order they need.
@@ -40,30 +40,30 @@ class KsFilter final : public TopologyFilter {
     return nodes;
   }
 
-  bool supports(std::uint32_t node, const PropertySet& set) override {
+  PropertyOutcome supports(std::uint32_t node, const PropertySet& set) override {
     return request(node, set, 0, KSPROPERTY_TYPE_SETSUPPORT, nullptr, 0);
   }
 
-  bool getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, void* data,
-                   std::uint32_t size) override {
+  PropertyOutcome getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
+                              void* data, std::uint32_t size) override {
     return request(node, set, id, KSPROPERTY_TYPE_GET, data, size);
   }
 
-  bool setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id, const void* data,
-                   std::uint32_t size) override {
+  PropertyOutcome setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
+                              const void* data, std::uint32_t size) override {
     return request(node, set, id, KSPROPERTY_TYPE_SET, const_cast<void*>(data), size);
   }
 
  private:
-  bool request(std::uint32_t node, const PropertySet& set, std::uint32_t id, ULONG type, void* data,
-               std::uint32_t size) {
+  PropertyOutcome request(std::uint32_t node, const PropertySet& set, std::uint32_t id, ULONG type,
+                          void* data, std::uint32_t size) {
     KSP_NODE property{};
     property.Property.Set = guidOf(set);
     property.Property.Id = id;
     property.Property.Flags = type | KSPROPERTY_TYPE_TOPOLOGY;
     property.NodeId = node;
     ULONG returned = 0;
-    return SUCCEEDED(
+    return static_cast<std::int32_t>(
         control_->KsProperty(&property.Property, sizeof property, data, size, &returned));
   }
 
@@ -85,7 +85,7 @@ std::shared_ptr<TopologyFilter> openFilter(IMoniker& moniker) {
 
 }  // namespace
 
-std::vector<std::shared_ptr<TopologyFilter>> openTopologyFilters() {
+std::vector<std::shared_ptr<TopologyFilter>> system::openTopologyFilters() {
   std::vector<std::shared_ptr<TopologyFilter>> filters;
   forEachVideoMoniker([&filters](IMoniker& moniker) {
     if (auto filter = openFilter(moniker)) filters.push_back(std::move(filter));

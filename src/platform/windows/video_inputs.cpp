@@ -1,4 +1,4 @@
-#include "platform/video_inputs.h"
+#include "platform/system.h"
 
 #include <dshow.h>
 
@@ -62,7 +62,7 @@ void forEachVideoMoniker(const std::function<bool(IMoniker&)>& visit) {
   }
 }
 
-std::vector<VideoInput> listVideoInputs() {
+std::vector<VideoInput> system::listVideoInputs() {
   std::vector<VideoInput> list;
   forEachVideoMoniker([&list](IMoniker& moniker) {
     if (auto input = describe(moniker)) list.push_back(std::move(*input));

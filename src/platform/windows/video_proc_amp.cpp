@@ -1,4 +1,4 @@
-#include "platform/video_proc_amp.h"
+#include "platform/system.h"
 
 #include <dshow.h>
 
@@ -118,17 +118,18 @@ VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   return static_cast<VideoProcAmp*>(amplifier);
 }
 
-void setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
+void system::setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
   unwrap(amplifier)->Set(numberOf(property), value, VideoProcAmp_Flags_Manual);
 }
 
-std::optional<std::int32_t> getProperty(VideoProcAmp& amplifier, PictureProperty property) {
+std::optional<std::int32_t> system::getProperty(VideoProcAmp& amplifier, PictureProperty property) {
   long value = 0, flags = 0;
   if (FAILED(unwrap(amplifier)->Get(numberOf(property), &value, &flags))) return std::nullopt;
   return value;
 }
 
-std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PictureProperty property) {
+std::optional<PropertyRange> system::getPropertyRange(VideoProcAmp& amplifier,
+                                                      PictureProperty property) {
   long min = 0, max = 0, step = 0, defaultValue = 0, flags = 0;
   const HRESULT result =
       unwrap(amplifier)->GetRange(numberOf(property), &min, &max, &step, &defaultValue, &flags);

@@ -1,4 +1,4 @@
-#include "platform/workers.h"
+#include "platform/system.h"
 
 #include <process.h>
 #include <windows.h>
@@ -36,8 +36,8 @@ class SystemMutex final : public NamedMutex {
 
 }  // namespace
 
-std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
-                                         std::uint32_t limit_ms) {
+std::optional<std::uint32_t> system::runOnWorker(std::function<std::uint32_t()> task,
+                                                 std::uint32_t limit_ms) {
   auto own = std::make_unique<Task>(std::move(task));
   const auto thread =
       reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, run, own.get(), 0, nullptr));
@@ -53,7 +53,7 @@ std::optional<std::uint32_t> runOnWorker(std::function<std::uint32_t()> task,
   return result;
 }
 
-std::shared_ptr<NamedMutex> openNamedMutex(const char* name) {
+std::shared_ptr<NamedMutex> system::openNamedMutex(const char* name) {
   const HANDLE handle = CreateMutexA(nullptr, FALSE, name);
   return handle == nullptr ? nullptr : std::make_shared<SystemMutex>(handle);
 }
