@@ -50,8 +50,8 @@ for tool in git python3; do
 done
 time=$(git log -1 --format=%ct) || fail "this is no clone of the repository"
 [ -z "$(git status --porcelain --untracked-files=no)" ] || echo "package: with uncommitted changes"
-rm -rf "$content" "$zip" "$zip.untried" || fail "cannot clear $content"
-mkdir -p "$content" || fail "cannot write to build"
+{ [ -w build ] && rm -rf "$content" "$zip" "$zip.untried" && mkdir -p "$content"; } ||
+  fail "cannot write to $PWD/build"
 build_preset release >"$logs/package-build.log" 2>&1 || {
   cat "$logs/package-build.log"
   fail "the build failed"

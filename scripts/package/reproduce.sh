@@ -5,6 +5,7 @@ source "$(dirname "$0")/../common.sh"
 zip=$(compgen -G 'build/QVX64-*-windows-x64.zip') || fail "there is no zip; scripts/package.sh makes it"
 clone=$(mktemp -d) || exit 1
 trap 'rm -rf "$clone"' EXIT
+export CCACHE_DISABLE=1  # what was compiled in the other folder would prove nothing
 # As this tree is, changes and all; the sources of others are shared.
 clone_and_package() {
   git clone -q . "$clone/QVX64" && git diff --binary HEAD >"$clone/changes" &&
