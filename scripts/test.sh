@@ -35,8 +35,8 @@ stage_docs() {
   build_preset native && build_preset simulator && build_preset windows && python3 scripts/docs/check.py
 }
 
-# What is shipped, tried as its users do.
-stage_package() { scripts/package.sh; }
+# What is shipped, tried as its users do, and made once more in another folder.
+stage_package() { scripts/package.sh && scripts/package/reproduce.sh; }
 
 # How many tests the log tells of, as "passed failed"; a stage without tests is one itself, and so is
 # a failure outside of them. A skipped test counts as neither.
