@@ -5,7 +5,7 @@
 source "$(dirname "$0")/common.sh"
 
 scripts/setup.sh test || exit 2
-{ build_preset windows qvx_bench qvx_bench_bare && build_preset simulator qvx-wifi-camera; } \
+{ build_preset windows qvx_bench qvx_bench_bare && build_preset simulator qvx-simulator; } \
   >"$logs/bench-build.log" 2>&1 || fail "the build failed ($logs/bench-build.log)"
 
 status=0
@@ -16,9 +16,8 @@ measure() {
   [ "$result" -le "$status" ] || status=$result
 }
 
-measure tests/windows/with_wifi_camera.sh build/simulator/qvx-wifi-camera --pid 0x890 -- \
+measure build/simulator/qvx-simulator --no-page wifi:0890 -- \
   scripts/run-wine.sh build/windows/qvx_bench.exe head wifi
-measure scripts/run-wine.sh build/windows/qvx_bench.exe bridge hid
-measure scripts/run-wine.sh build/windows/usb3/qvx_bench.exe usb3
+measure scripts/run-wine.sh build/windows/qvx_bench.exe bridge hid usb3
 measure scripts/run-wine.sh build/windows/qvx_bench.exe config computations dll
 exit "$status"

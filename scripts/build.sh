@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Builds presets: build.sh [preset...]
-# By default the DLL and its tools for Windows, and the simulated Wi-Fi camera for this machine.
+# By default the DLL and its tools for Windows, and the simulator for this machine.
 source "$(dirname "$0")/common.sh"
 
 scripts/setup.sh build || exit 1
 if [ $# -eq 0 ]; then
-  build_preset windows && build_preset simulator qvx-wifi-camera
+  build_preset windows && build_preset simulator qvx-simulator
   exit
 fi
 for preset in "$@"; do

@@ -4,7 +4,7 @@
 # bridge cameras, by extension unit and by HID. Ends by itself.
 source "$(dirname "$0")/common.sh"
 
-product_id=0x998 # with zoom ring, focus lens and lights
+product_id=0998 # with zoom ring, focus lens and lights
 zoom=1:200/10s
 watch_s=6
 bridge_camera=0970,zoom=5:120/4s,button=2s
@@ -28,9 +28,9 @@ last_line() {
 
 build() {
   title "Building QVX64.dll, its client and the camera"
-  { build_preset windows qvxctl qvx_virtual_cameras qvx_virtual_hid && build_preset simulator qvx-wifi-camera; } >"$build_log" 2>&1 ||
+  { build_preset windows qvxctl qvx-simulator && build_preset simulator qvx-simulator; } >"$build_log" 2>&1 ||
     fail "the build failed: $(grep -m 1 -E 'error: |CMake Error' "$build_log") (all of it: $build_log)"
-  echo "  build/windows/QVX64.dll  build/windows/qvxctl.exe  build/simulator/qvx-wifi-camera"
+  echo "  build/windows/QVX64.dll  build/windows/qvxctl.exe  build/windows/qvx-simulator.exe"
 }
 
 # A first time takes about 10 s; the camera's log would begin with a silence.
@@ -44,15 +44,15 @@ prepare_wine() {
 start_camera() {
   title "Switching on a Wi-Fi camera $product_id; its zoom ring turns from x1 to x200 and back"
   : >"$camera_log"
-  build/simulator/qvx-wifi-camera --pid $product_id --zoom $zoom --port 8080 --log \
+  build/simulator/qvx-simulator --log wifi:$product_id,zoom=$zoom \
     </dev/null >"$camera_log" 2>"$camera_errors" &
   camera=$!
   trap 'kill $camera 2>/dev/null' EXIT
-  until grep -q '^ready on' "$camera_log"; do
+  until grep -q '^ready' "$camera_log"; do
     kill -0 $camera 2>/dev/null || fail "the camera does not start: $(last_line "$camera_errors")"
     sleep 0.1
   done
-  echo "  $(grep '^ready on' "$camera_log")"
+  sed '/^ready/,$d; s/^/  /' "$camera_log"
 }
 
 run_under_wine() {
@@ -77,7 +77,7 @@ asked() {
 }
 
 show_what_init_asked() {
-  title "What Init asked the camera ($(grep -vc '^ready' "$camera_log") requests, in $camera_log)"
+  title "What Init asked the camera ($(grep -c ' s  wifi-' "$camera_log") requests, in $camera_log)"
   asked "product id" 'product id -> (0x[0-9A-Fa-f]+)'
   asked "feature register" 'controller 0x80 -> (0x[0-9A-Fa-f]+)'
   asked "calibration" 'controller 0xC5 -> 0x[0-9A-Fa-f]+ +calibration: (.*)'
@@ -122,25 +122,13 @@ check_camera() {
     fail "the camera was asked what a real one does not understand: $(last_line "$camera_errors")"
 }
 
-# Arguments: what plugs the camera in, and how it is reached in words.
+# Arguments: the camera's transport, and how it is reached in words.
 watch_bridge() {
   title "A bridge camera by its $2: zoom ring and touch button for $bridge_watch_s s"
-  run_under_wine "${@:3}" -- build/windows/qvxctl.exe --device 0 watch --seconds $bridge_watch_s |
-    tee "$watch_log" || fail "$1 failed: $(last_line "$client_errors")"
+  run_under_wine build/windows/qvx-simulator.exe "$1:$bridge_camera" -- build/windows/qvxctl.exe --device 0 watch --seconds $bridge_watch_s |
+    tee "$watch_log" || fail "qvx-simulator $1: failed: $(last_line "$client_errors")"
   [ "$(grep -c ' x ' "$watch_log")" -ge 2 ] || fail "the magnification did not change"
   grep -q 'touch button' "$watch_log" || fail "the touch button was not heard"
-}
-
-watch_extension_unit() {
-  watch_bridge qvx-virtual-cameras "extension unit" \
-    build/windows/qvx-virtual-cameras.exe run $bridge_camera
-}
-
-# The video interface of such a camera, without an extension unit, tells its product id.
-watch_hid() {
-  watch_bridge qvx-virtual-hid "HID interface" \
-    build/windows/qvx-virtual-cameras.exe run 0970,unit=plain -- \
-    build/windows/qvx-virtual-hid.exe run $bridge_camera
 }
 
 scripts/setup.sh demo || exit 1
@@ -153,6 +141,6 @@ watch_zoom
 take_still
 take_changed_still
 check_camera
-watch_extension_unit
-watch_hid
+watch_bridge usb "extension unit"
+watch_bridge hid "HID interface"
 title "All of it worked."

@@ -7,8 +7,7 @@ source "$(dirname "$0")/common.sh"
 version=$(sed -n 's/^project(QVX64 VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 zip=build/QVX64-$version-windows-x64.zip
 content=build/package/QVX64-$version
-simulated=(qvx-simulator.exe qvx-virtual-cameras.exe qvx-virtual-hid.exe qvx-capture-filter.dll
-  qvx-hid-bridge.sys)
+simulated=(qvx-simulator.exe qvx-capture-filter.dll qvx-hid-bridge.sys)
 
 # The DLL as it is shipped: it looks for its camera at the address that was configured.
 check_dll() {

@@ -26,7 +26,7 @@ stage_tsan() { build_and_test tsan; }
 stage_fuzz() { scripts/fuzz.sh 60; }
 
 # Under Wine, with the programs that use the installed package, and a camera beside it.
-stage_windows() { build_preset simulator qvx-wifi-camera qvx-simulator && build_and_test windows; }
+stage_windows() { build_preset simulator qvx-simulator && build_and_test windows; }
 
 stage_demo() { scripts/demo.sh; }
 

@@ -23,8 +23,9 @@ TEST_SCRIPT = ROOT / "scripts/test.sh"
 
 WINE = "scripts/run-wine.sh "
 CLIENT = "build/windows/qvxctl.exe"
-BRIDGE_CAMERA = "build/windows/qvx-virtual-cameras.exe run 0970,zoom=63 -- "
-WIFI_CAMERA = "build/simulator/qvx-wifi-camera"
+BRIDGE_CAMERA = "build/windows/qvx-simulator.exe --no-page usb:0970,zoom=63 -- "
+SIMULATOR = "build/simulator/qvx-simulator"
+WIFI_CAMERA = "wifi:0998,zoom=63"
 LIMIT_S = 120
 
 # Documents are checked side by side; one sample at a time has the Wi-Fi camera's port, and one the
@@ -66,8 +67,10 @@ class Camera:
 
     def __init__(self, options):
         self.process = subprocess.Popen(
-            [WIFI_CAMERA, *options.split()], cwd=ROOT, stdout=subprocess.PIPE, text=True)
-        self.ready = self.process.stdout.readline()
+            [SIMULATOR, *options.split()], cwd=ROOT, stdout=subprocess.PIPE, text=True)
+        self.ready = ""
+        while not self.ready.endswith("ready\n") and self.process.poll() is None:
+            self.ready += self.process.stdout.readline()
 
     def __enter__(self):
         return self
@@ -89,7 +92,7 @@ def shell(command):
 
 
 def wants_port(command):
-    return "--device 90" in command or command.startswith(WIFI_CAMERA)
+    return "--device 90" in command or command.startswith(SIMULATOR)
 
 
 def as_run(command):
@@ -105,7 +108,7 @@ def resources_for(commands):
     with contextlib.ExitStack() as held:
         if any(wants_port(command) for command in commands):
             held.enter_context(PORT)
-        if any("qvx-virtual" in as_run(command) for command in commands):
+        if any("qvx-simulator.exe" in as_run(command) for command in commands):
             held.enter_context(REGISTRY)
         yield
 
@@ -118,7 +121,7 @@ def stages():
 
 
 def run_camera(command):
-    with Camera(command.removeprefix(WIFI_CAMERA)) as camera:
+    with Camera(command.removeprefix(SIMULATOR)) as camera:
         client = shell(WINE + CLIENT + " info --device 90")
     return camera.process.returncode or client.returncode, camera.printed, client.stderr
 
@@ -132,9 +135,9 @@ def run(command):
         return len(unknown), "", f"no stage {unknown}"
     if command in STAGES:
         return int(STAGES[command] not in usual), "", f"no stage {STAGES[command]} runs it"
-    if command.startswith(WIFI_CAMERA):
+    if command.startswith(SIMULATOR):
         return run_camera(command)
-    with Camera("--pid 0x998 --zoom 63") if wants_port(command) else contextlib.nullcontext():
+    with Camera("--no-page " + WIFI_CAMERA) if wants_port(command) else contextlib.nullcontext():
         done = shell(as_run(command))
     return done.returncode, done.stdout, done.stderr
 
@@ -216,7 +219,7 @@ def check_package(sample):
 def watch_program(program):
     """What the program prints until it tells a magnification; there must be no other camera."""
     expected, printed = "x 62.99  field 6.21 mm\n", []
-    with PORT, REGISTRY, Camera("--pid 0x998 --zoom 63"):
+    with PORT, REGISTRY, Camera("--no-page " + WIFI_CAMERA):
         process = subprocess.Popen([WINE.strip(), str(program)], cwd=ROOT, stdin=subprocess.DEVNULL,
                                    stdout=subprocess.PIPE, text=True)
         for line in process.stdout:
@@ -274,17 +277,16 @@ def check_tables():
     """What the guides list is what the programs say they take."""
     client = shell(WINE + CLIENT + " --help").stdout
     exports = shell(WINE + CLIENT + " call --help").stdout
-    wifi = shell(WIFI_CAMERA + " --help").stdout
-    bridge = shell(WINE + BRIDGE_CAMERA.split()[0] + " --help").stdout
+    simulated, faults = shell(SIMULATOR + " --help").stdout.split("A fault is")
     guide, simulator = ROOT / "docs/qvxctl.md", ROOT / "docs/simulator.md"
     parts = dict(re.findall(r"(?m)^(\w+):\n((?:  .*\n)+)", client))
     # What the program says, and the table behind these words of the guide.
     tables = [
         (first_words(parts["Commands"]), guide, "is called as"),
         (re.findall(r"(?m)^  (?:\w+ )?(--[\w-]+)", parts["Options"]), guide, "lists the exports and"),
-        (re.findall(r"(?m)^  (--(?!help)\w+)", wifi), simulator, "the lines above are what it"),
-        (re.findall(r"(?m)^ {22}([a-z-]+)", wifi), simulator, "### Faults"),
-        (re.findall(r"(?m)^  (\w+)=", bridge), simulator, "Without a vendor id"),
+        (re.findall(r"(?m)^  (--(?!help)[\w-]+)", simulated), simulator, "## Its options"),
+        (re.findall(r"(?m)^  ,(\w+)=", simulated), simulator, "## Cameras"),
+        (re.findall(r"(?m)^  ([a-z-]+)\b", faults), simulator, "## Faults"),
     ]
     for said, document, words in tables:
         listed = {re.match(r"-*\w[\w-]*", code).group()

@@ -24,7 +24,7 @@ constexpr std::uint8_t allLightPinsLow = 0xF0, segmentMode = 0xF5;  // of the li
 
 }  // namespace
 
-BridgeChip::BridgeChip(const BridgeSetup& setup, Violations& violations)
+BridgeChip::BridgeChip(const BridgeSetup& setup, Camera& camera)
     : setup_(setup),
       registers_{{{chipIdentity, 4, false, {setup.family, 0x60, 0x01, 0x00}},
                   {status, 1, false, {}},
@@ -33,8 +33,9 @@ BridgeChip::BridgeChip(const BridgeSetup& setup, Violations& violations)
                   {touchButton, 1, false, {}},
                   {touchButtonOf4xx7, 1, false, {}},
                   {exposureMode, 2, true, {0x00, 0x80}}}},
-      commands_(violations),
-      violations_(violations) {}
+      camera_(camera),
+      violations_(camera.violations()),
+      commands_(violations_) {}
 
 bool BridgeChip::attach(I2cBus bus, std::uint8_t slave, std::uint8_t subAddressLength,
                         I2cDevice& device) {
@@ -68,6 +69,7 @@ void BridgeChip::readRegister(std::uint16_t address, std::span<std::uint8_t> val
   std::fill(value.begin(), value.end(), std::uint8_t{0});
   const Register* const entry = findForAccess(address, value.size());
   if (entry != nullptr) std::copy_n(entry->value.begin(), value.size(), value.begin());
+  tell("read  bridge ", address, " ->", value);
 }
 
 void BridgeChip::writeRegister(std::uint16_t address, std::span<const std::uint8_t> value) {
@@ -80,7 +82,14 @@ void BridgeChip::writeRegister(std::uint16_t address, std::span<const std::uint8
   if (address == lights && (value[0] < allLightPinsLow || value[0] > segmentMode)) {
     violations_.add({"bridge: unknown state of the lights ", hex(value[0], 2)});
   }
+  tell("write bridge ", address, " <-", value);
+  if (camera_.tap().losesWrites) return;
   std::copy(value.begin(), value.end(), entry->value.begin());
+  if (address == lights) camera_.gpio().setLights(value[0]);
+}
+
+void BridgeChip::writeCommand(const BridgeCommandData& request) {
+  if (!camera_.tap().losesWrites) commands_.write(request);
 }
 
 bool BridgeChip::writeI2c(std::uint8_t slave, std::span<const std::uint8_t> subAddress,
@@ -110,6 +119,15 @@ bool BridgeChip::readI2cLegacy(std::uint8_t slave, std::span<std::uint8_t> data)
   const bool acknowledged = readI2c(slave, {}, data);
   reportLegacyTransfer(acknowledged);
   return acknowledged;
+}
+
+void BridgeChip::tell(const char* verb, std::uint16_t address, const char* arrow,
+                      std::span<const std::uint8_t> value) const {
+  if (!camera_.tap().tell) return;
+  std::string line = verb;
+  (line += hex(address, 4)) += arrow;
+  for (const std::uint8_t byte : value) (line += ' ') += hex(byte, 2);
+  camera_.tap().tell(line);
 }
 
 bool BridgeChip::hasBusSwitch() const {

@@ -1,6 +1,6 @@
 // The USB video bridge chip of a simulated camera: its registers, its two I2C buses and the
 // commands of its firmware. How they are reached is the matter of its two decoders: ExtensionUnit
-// and HidFunction. No heap, no exceptions: it also runs in a kernel-mode driver.
+// and HidFunction.
 #pragma once
 
 #include <array>
@@ -9,8 +9,7 @@
 #include <span>
 
 #include "simulator/model/bridge_chip_commands.h"
-#include "simulator/model/i2c_device.h"
-#include "simulator/model/violations.h"
+#include "simulator/model/camera.h"
 
 namespace qvx::simulator {
 
@@ -40,7 +39,7 @@ enum class I2cBus : std::uint8_t { eeprom = 1, camera = 2 };
 
 class BridgeChip {
  public:
-  BridgeChip(const BridgeSetup& setup, Violations& violations);
+  BridgeChip(const BridgeSetup& setup, Camera& camera);
   BridgeChip(const BridgeChip&) = delete;
   BridgeChip& operator=(const BridgeChip&) = delete;
 
@@ -55,6 +54,7 @@ class BridgeChip {
 
   BridgeFirmware firmware() const { return setup_.firmware; }
   BridgeCommands& commands() { return commands_; }
+  void writeCommand(const BridgeCommandData& request);
   Violations& violations() { return violations_; }
 
   // For tests: a register's value, little-endian, read without a trace. 0 when there is none.
@@ -93,6 +93,8 @@ class BridgeChip {
     std::array<std::uint8_t, mostSubAddressBytes> pointer;
   };
 
+  void tell(const char* verb, std::uint16_t address, const char* arrow,
+            std::span<const std::uint8_t> value) const;
   bool hasBusSwitch() const;
   I2cBus selectedBus() const;
   Register* find(std::uint16_t address);
@@ -106,8 +108,9 @@ class BridgeChip {
   std::array<Register, 7> registers_;
   std::array<Attachment, mostDevices> devices_{};
   std::size_t deviceCount_ = 0;
-  BridgeCommands commands_;
+  Camera& camera_;
   Violations& violations_;
+  BridgeCommands commands_;
 };
 
 }  // namespace qvx::simulator

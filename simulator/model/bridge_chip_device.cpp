@@ -21,7 +21,7 @@ constexpr std::uint32_t longestPress_ms = 600;
 }  // namespace
 
 BridgeDevice::BridgeDevice(std::uint16_t productId, const BridgeSetup& setup)
-    : camera(productId), chip(setup, camera.violations()) {
+    : camera(productId), chip(setup, camera) {
   chip.attach(I2cBus::eeprom, Eeprom::slave, Eeprom::subAddressLength, eeprom);
   for (const auto& place : cameraBus) {
     I2cDevice* const device = camera.deviceAt(place.slave);
@@ -35,38 +35,25 @@ void BridgeDevice::setButtonPeriod(std::uint32_t period_ms) {
   presses_ = period_ms == 0 ? 0 : now_ms_ / period_ms;
 }
 
-void BridgeDevice::setFault(const BridgeFault& fault) {
-  fault_ = fault;
-  transfers_ = 0;
-}
-
 void BridgeDevice::advanceTo(std::uint64_t now_ms) {
   now_ms_ = now_ms;
   camera.advanceTo(now_ms);
   if (buttonPeriod_ms_ == 0) return;
   const std::uint64_t presses = now_ms / buttonPeriod_ms_;
-  if (presses != presses_) {
-    chip.pressButton();
-    camera.gpio().pressButton();  // as it is seen over Wi-Fi
-  }
+  if (presses != presses_) pressButton();
   presses_ = presses;
   const std::uint32_t press_ms = std::min(longestPress_ms, buttonPeriod_ms_ / 2);
-  if (now_ms % buttonPeriod_ms_ >= press_ms) {
-    chip.releaseButton();
-    camera.gpio().releaseButton();
-  }
+  if (now_ms % buttonPeriod_ms_ >= press_ms) releaseButton();
 }
 
-std::uint8_t BridgeDevice::lightPins() const {
-  constexpr std::uint16_t lightsRegister = 0x0080;
-  constexpr std::uint32_t pins = 0x07;
-  const auto ofChip = static_cast<std::uint8_t>(chip.peek(lightsRegister) & pins);
-  return ofChip | camera.gpio().lights();
+void BridgeDevice::pressButton() {
+  camera.gpio().pressButton();
+  chip.pressButton();
 }
 
-BridgeFault::Kind BridgeDevice::nextTransfer() {
-  ++transfers_;
-  return transfers_ >= fault_.first ? fault_.kind : BridgeFault::none;
+void BridgeDevice::releaseButton() {
+  camera.gpio().releaseButton();
+  chip.releaseButton();
 }
 
 }  // namespace qvx::simulator

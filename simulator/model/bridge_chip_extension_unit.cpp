@@ -197,7 +197,7 @@ bool ExtensionUnit::runCommand(Bytes data) {
       (!forParameters && code != bodyFunctions)) {
     return violate("unknown custom command in");
   }
-  if (code != readParameters) chip_.commands().write(request);
+  if (code != readParameters) chip_.writeCommand(request);
   const BridgeCommandData answer = chip_.commands().read(request);
   std::copy(answer.begin(), answer.end(), prepareReply(commandSize).begin());
   return true;

@@ -11,23 +11,25 @@ namespace {
 constexpr std::size_t mostRegisterBytes = 4;
 constexpr std::size_t mostAnswerBytes = 38;  // of a one-shot I2C read
 
-// One vendor-defined collection of byte-wide feature reports.
-constexpr std::array<std::uint8_t, 39> descriptor = {
-    0x06, 0x00, 0xFF,                                // usage page: vendor-defined
-    0x09, 0x01, 0xA1, 0x01,                          // usage 1: application collection
-    0x15, 0x00, 0x26, 0xFF, 0x00, 0x75, 0x08,        // values 0 to 255, 8 bits each
-    0x85, 0x87, 0x09, 0x02, 0x95, 0x04, 0xB1, 0x02,  // feature report 0x87: 4 of them
-    0x85, 0x93, 0x09, 0x03, 0x95, 0x28, 0xB1, 0x02,  // feature report 0x93: 40
-    0x85, 0x97, 0x09, 0x04, 0x95, 0x28, 0xB1, 0x02,  // feature report 0x97: 40
-    0xC0,                                            // end of the collection
+struct FeatureReport {
+  std::uint8_t id, bytes;
 };
 
-constexpr std::array<std::uint8_t, 31> descriptorOfOldFirmware = [] {
-  std::array<std::uint8_t, 31> bytes{};
-  std::copy_n(descriptor.begin(), bytes.size() - 1, bytes.begin());
-  bytes.back() = 0xC0;
+// A vendor-defined collection of byte-wide feature reports; without any, of an input.
+std::vector<std::uint8_t> descriptorOf(std::initializer_list<FeatureReport> reports) {
+  std::vector<std::uint8_t> bytes = {
+      0x06, 0x00, 0xFF,                          // usage page: vendor-defined
+      0x09, 0x01, 0xA1, 0x01,                    // usage 1: application collection
+      0x15, 0x00, 0x26, 0xFF, 0x00, 0x75, 0x08,  // values 0 to 255, 8 bits each
+  };
+  std::uint8_t usage = 2;
+  for (const FeatureReport& report : reports) {
+    bytes.insert(bytes.end(), {0x85, report.id, 0x09, usage++, 0x95, report.bytes, 0xB1, 0x02});
+  }
+  if (reports.size() == 0) bytes.insert(bytes.end(), {0x09, usage, 0x95, 4, 0x81, 0x02});
+  bytes.push_back(0xC0);  // end of the collection
   return bytes;
-}();
+}
 
 }  // namespace
 
@@ -58,13 +60,24 @@ constexpr std::array<HidFunction::Exchange, 10> HidFunction::exchanges = {{
      &HidFunction::writeCommand},
 }};
 
-std::span<const std::uint8_t> HidFunction::reportDescriptor() const {
-  if (chip_.firmware() < BridgeFirmware::oneShot) return descriptorOfOldFirmware;
-  return descriptor;
+std::vector<std::uint8_t> HidFunction::reportDescriptor() const {
+  constexpr FeatureReport header = {commandHeader, headerSize}, block = {dataBlock, blockSize},
+                          shot = {oneShot, blockSize}, unknown = {0x98, 8};
+  switch (reports_) {
+    case HidReports::extra:
+      return descriptorOf({header, block, shot, unknown});
+    case HidReports::withoutBlock:
+      return descriptorOf({header, shot});
+    case HidReports::none:
+      return descriptorOf({});
+    default:
+      return chip_.firmware() < BridgeFirmware::oneShot ? descriptorOf({header, block})
+                                                        : descriptorOf({header, block, shot});
+  }
 }
 
 bool HidFunction::setFeature(std::span<const std::uint8_t> report) {
-  if (report.empty()) return false;
+  if (report.empty() || reports_ != HidReports::bridge) return false;
   report_ = report[0];
   if (report_ == oneShot && chip_.firmware() < BridgeFirmware::oneShot) return false;
   const bool header = report_ == commandHeader;
@@ -79,7 +92,7 @@ bool HidFunction::setFeature(std::span<const std::uint8_t> report) {
 }
 
 bool HidFunction::getFeature(std::span<std::uint8_t> report) {
-  if (report.empty()) return false;
+  if (report.empty() || reports_ != HidReports::bridge) return false;
   report_ = report[0];
   if (report_ != dataBlock) return violate("unknown request in");
   if (report.size() != blockSize + 1) return violate("wrong length of");
@@ -221,7 +234,7 @@ bool HidFunction::writeCommand(Bytes block) {
   if (!allZero(block.subspan(1 + bridgeCommandSize))) {
     return violate("unused bytes not 0 in");
   }
-  chip_.commands().write(commandIn(block));
+  chip_.writeCommand(commandIn(block));
   return true;
 }
 

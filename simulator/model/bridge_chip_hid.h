@@ -6,10 +6,19 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "simulator/model/bridge_chip.h"
 
 namespace qvx::simulator {
+
+// What a HID interface offers: a bridge's reports, or those of what only looks a little like one.
+enum class HidReports : std::uint8_t {
+  bridge,
+  extra,         // one feature report more than a bridge has
+  withoutBlock,  // none for data blocks
+  none,          // no feature report at all
+};
 
 class HidFunction {
  public:
@@ -20,15 +29,17 @@ class HidFunction {
   };
   static constexpr std::size_t headerSize = 4, blockSize = 40;
 
-  explicit HidFunction(BridgeChip& chip) : chip_(chip) {}
+  explicit HidFunction(BridgeChip& chip, HidReports reports = HidReports::bridge)
+      : chip_(chip), reports_(reports) {}
 
   // The interface's report descriptor: firmware without one-shot requests has two reports.
-  std::span<const std::uint8_t> reportDescriptor() const;
+  std::vector<std::uint8_t> reportDescriptor() const;
 
   // As after power-up.
   void reset() { open_ = nullptr; }
 
-  // One feature report, its id in byte 0; false when the camera refuses it.
+  // One feature report, its id in byte 0; false when the camera refuses it. What is no bridge
+  // refuses all.
   bool setFeature(std::span<const std::uint8_t> report);
   // The answer's first byte takes the place of the report id: so the firmware does it.
   bool getFeature(std::span<std::uint8_t> report);
@@ -59,6 +70,7 @@ class HidFunction {
   bool writeCommand(Bytes block);
 
   BridgeChip& chip_;
+  HidReports reports_;
   const Exchange* open_ = nullptr;               // begun; its data block is still to come
   std::uint8_t report_ = 0;                      // id of the report at work
   std::array<std::uint8_t, blockSize> block_{};  // the answer, or the request to be repeated

@@ -12,13 +12,22 @@ Camera::Camera(std::uint16_t productId)
       lens_(productId, controller_, violations_),
       sensor_(productId, violations_),
       video_(productId) {
+  bus_.emplace_back(controllerAddress, controller_, tap_);
+  for (const std::uint8_t address : {lensControllerAddress, voiceCoilAddress}) {
+    if (I2cDevice* const driver = lens_.driverAt(address))
+      bus_.emplace_back(address, *driver, tap_);
+  }
+  if (const SensorKind* const kind = sensorFor(productId)) {
+    bus_.emplace_back(kind->slave, sensor_, tap_);
+  }
   turnRing();
 }
 
 I2cDevice* Camera::deviceAt(std::uint8_t address) {
-  if (address == controllerAddress) return &controller_;
-  if (I2cDevice* const driver = lens_.driverAt(address)) return driver;
-  return sensor_.answersAt(address) ? &sensor_ : nullptr;
+  for (TappedDevice& device : bus_) {
+    if (device.address() == address) return &device;
+  }
+  return nullptr;
 }
 
 void Camera::advanceTo(std::uint64_t now_ms) {

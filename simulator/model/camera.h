@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
+#include "simulator/model/bus_tap.h"
 #include "simulator/model/controller.h"
 #include "simulator/model/gpio.h"
 #include "simulator/model/lens.h"
@@ -37,7 +39,7 @@ class Camera {
   // What the zoom ring shows: what an ideal client reads from the encoder. 0 without a ring.
   double magnification() const;
 
-  // What its lights give, from 0 to 1; behind a bridge chip see BridgeDevice.
+  // What its lights give, from 0 to 1.
   double brightness() const { return controller_.lights().brightness(gpio_.lights()); }
 
   Controller& controller() { return controller_; }
@@ -53,6 +55,7 @@ class Camera {
   VideoOutput& video() { return video_; }
   const VideoOutput& video() const { return video_; }
   Violations& violations() { return violations_; }
+  BusTap& tap() { return tap_; }
 
  private:
   void turnRing();
@@ -69,6 +72,8 @@ class Camera {
   Sensor sensor_;
   PictureControls picture_;
   VideoOutput video_;
+  BusTap tap_;
+  std::vector<TappedDevice> bus_;
 };
 
 }  // namespace qvx::simulator

@@ -113,7 +113,7 @@ bool takeOption(std::string_view text, CameraSpec& spec) {
 }
 
 std::string pidText(std::uint16_t productId) {
-  return std::string(hex(productId, 4).view().substr(2));
+  return hex(productId, 4).substr(2);
 }
 
 }  // namespace

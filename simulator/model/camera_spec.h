@@ -6,23 +6,14 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/model/bridge_chip_device.h"
+#include "simulator/model/bridge_chip_hid.h"
 #include "simulator/model/fault.h"
+#include "simulator/model/property_sets.h"
 
 namespace qvx::simulator {
 
 // How a camera is reached.
 enum class Transport : std::uint8_t { wifi, usb, hid, usb3 };
-
-// What the camera's video interface offers besides video.
-enum class Unit : std::uint8_t {
-  bridge,    // the bridge's extension unit
-  variant1,  // that of the other bridge variant
-  foreign,   // one that is not a bridge's
-  none,      // none
-  plain,     // no topology at all
-  absent,    // there is no video interface
-};
 
 struct CameraSpec {
   Transport transport = Transport::wifi;

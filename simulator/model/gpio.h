@@ -31,6 +31,7 @@ class Gpio {
   bool write(std::uint8_t port, std::uint8_t mask, std::uint8_t levels);
 
   std::uint8_t lights() const { return lights_; }
+  void setLights(std::uint8_t levels) { lights_ = levels & lightPins; }
 
   void pressButton();
   void releaseButton();

@@ -1,5 +1,4 @@
-// What stands on a camera's I2C bus. The models know nothing of the transport that reaches them,
-// use no heap and no exceptions: one of their fronts is a kernel-mode driver.
+// What stands on a camera's I2C bus. The models know nothing of the transport that reaches them.
 #pragma once
 
 #include <cstdint>

@@ -1,29 +1,12 @@
-// Text in a fixed place, for what runs without a heap. What does not fit is cut.
+// Text that the models make and take apart.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
+#include <span>
+#include <string>
 #include <string_view>
 
 namespace qvx::simulator {
-
-template <std::size_t Capacity>
-class FixedText {
- public:
-  void append(std::string_view text) {
-    for (const char character : text) {
-      if (length_ < Capacity) characters_[length_++] = character;
-    }
-  }
-
-  std::string_view view() const { return {characters_.data(), length_}; }
-  operator std::string_view() const { return view(); }
-
- private:
-  std::array<char, Capacity> characters_{};
-  std::size_t length_ = 0;
-};
 
 // Takes the expected start off a text; false, and nothing taken, when it starts otherwise.
 inline bool take(std::string_view& text, std::string_view expected) {
@@ -33,12 +16,21 @@ inline bool take(std::string_view& text, std::string_view expected) {
 }
 
 // "0x" and at least so many upper-case digits.
-inline FixedText<10> hex(std::uint32_t value, int digits) {
-  FixedText<10> text;
-  text.append("0x");
+inline std::string hex(std::uint32_t value, int digits) {
+  std::string text = "0x";
   for (int digit = 7; digit >= 0; --digit) {
     const std::uint32_t rest = value >> (4 * digit);
-    if (rest != 0 || digit < digits) text.append({&"0123456789ABCDEF"[rest & 15], 1});
+    if (rest != 0 || digit < digits) text += "0123456789ABCDEF"[rest & 15];
+  }
+  return text;
+}
+
+// "62 80"
+inline std::string hex(std::span<const std::uint8_t> bytes) {
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    if (!text.empty()) text += ' ';
+    text += hex(byte, 2).substr(2);
   }
   return text;
 }

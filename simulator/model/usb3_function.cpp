@@ -67,7 +67,7 @@ bool Usb3Function::get(std::uint16_t selector, std::span<std::uint8_t> data) {
   if (selector != controllerReadControl || data.size() != 1 || !controllerRegister_) return false;
   const std::uint8_t reg = *controllerRegister_;
   controllerRegister_.reset();
-  return camera_.controller().read({&reg, 1}, data);
+  return camera_.deviceAt(controllerAddress)->read({&reg, 1}, data);
 }
 
 // {address, register, value}; a sensor's register has two bytes.
@@ -80,6 +80,7 @@ bool Usb3Function::writeOnBus(std::span<const std::uint8_t> data) {
 // {address, register high, register low}
 bool Usb3Function::chooseSensorRegister(std::span<const std::uint8_t> data) {
   if (data.size() != 3 || !camera_.sensor().answersAt(data[0])) return false;
+  sensorAddress_ = data[0];
   sensorRegister_ = {data[1], data[2]};
   return true;
 }
@@ -88,7 +89,8 @@ bool Usb3Function::readSensor(std::span<std::uint8_t> data) {
   if (data.size() != 1 || !sensorRegister_) return false;
   const std::array<std::uint8_t, 2> reg = *sensorRegister_;
   sensorRegister_.reset();
-  return camera_.sensor().read(reg, data);
+  I2cDevice* const sensor = camera_.deviceAt(sensorAddress_);
+  return sensor != nullptr && sensor->read(reg, data);
 }
 
 // {address, two bytes}, for what moves a voice coil.

@@ -41,6 +41,7 @@ class Usb3Function {
   // Asked for, and not yet fetched.
   std::optional<std::uint8_t> controllerRegister_;
   std::optional<std::array<std::uint8_t, 2>> sensorRegister_;
+  std::uint8_t sensorAddress_ = 0;
   bool buttonArmed_ = false;
 };
 

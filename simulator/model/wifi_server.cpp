@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "simulator/model/register_names.h"
 #include "simulator/model/wifi_controls.h"
 
 namespace qvx::simulator {
@@ -26,26 +25,8 @@ WifiAnswer refused(std::string description) {
   return result(-1, std::move(description));
 }
 
-std::string describe(const I2cAccess& access) {
-  const std::string_view verb = access.isWrite ? "write " : "read  ";
-  std::string line = text({verb, "I2C ", hex(access.address, 2)});
-  if (access.address == controllerAddress) line = text({verb, "controller"});
-  std::uint32_t reg = 0;
-  for (const std::uint8_t byte : access.subAddress()) reg = reg << 8 | byte;
-  if (access.length != 0) line += text({" ", hex(reg, 2 * access.length)});
-  return line;
-}
-
-std::string describeValue(const I2cAccess& access, std::uint8_t value) {
-  const std::string_view arrow = access.isWrite ? " <- " : " -> ";
-  const bool isRegister = access.address == controllerAddress && access.length == 1;
-  return text({describe(access), arrow, hex(value, 2), isRegister ? "  " : "",
-               isRegister ? meaningOf(access.bytes[0], value) : ""});
-}
-
 std::string describe(const GpioAccess& access) {
-  const FixedText<10> port = hex(access.port, 1);
-  const std::string_view number = port.view().substr(2);
+  const std::string number = std::to_string(access.port);
   if (!access.isWrite) return text({"read  GPIO port ", number});
   return text({"write GPIO port ", number, " mask ", hex(access.mask, 2), " levels ",
                hex(access.levels, 2)});
@@ -54,7 +35,6 @@ std::string describe(const GpioAccess& access) {
 }  // namespace
 
 WifiAnswer WifiServer::get(std::string_view target) {
-  if (target == "/") return homePage();
   if (target == "/usbdevlist.json") return deviceList();
   if (target == "/input_0_control.json") return controls();
   if (target == "/?action=snapshot") return snapshot();
@@ -63,20 +43,6 @@ WifiAnswer WifiServer::get(std::string_view target) {
     if (parsed) return command(*parsed);
   }
   return notFound(target);
-}
-
-WifiAnswer WifiServer::homePage() const {
-  const std::string id = text({hex(camera_.productId(), 4)});
-  return {ok, "text/html",
-          "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
-          "<title>Simulated camera " +
-              id +
-              "</title></head>\n<body><h1>Simulated Wi-Fi microscope camera</h1>\n<p>Product id " +
-              id +
-              ". It answers register and pin commands as the camera would; "
-              "<a href=\"usbdevlist.json\">usbdevlist.json</a> says what is inside.</p>"
-              "</body></html>\n",
-          "home page"};
 }
 
 // Clients do not parse this: they take the four digits that begin 25 characters after the start of
@@ -133,19 +99,21 @@ WifiAnswer WifiServer::i2c(const I2cAccess& access) {
   I2cDevice* const device = camera_.deviceAt(access.address);
   if (device == nullptr) {
     camera_.violations().add({"wifi: nothing on the I2C bus at ", hex(access.address, 2)});
-    return refused(describe(access) + ": no answer");
+    return refused(inWords(access.isWrite, access.address, access.subAddress(), {}, false));
   }
   std::uint8_t data = access.data;
   const bool acknowledged = access.isWrite ? device->write(access.subAddress(), {&data, 1})
                                            : device->read(access.subAddress(), {&data, 1});
-  if (!acknowledged) return refused(describe(access) + ": no answer");
-  return result(access.isWrite ? 0 : data, describeValue(access, data));
+  std::string words =
+      inWords(access.isWrite, access.address, access.subAddress(), {&data, 1}, acknowledged);
+  if (!acknowledged) return refused(std::move(words));
+  return result(access.isWrite ? 0 : data, std::move(words));
 }
 
 // Levels travel as a signed byte: a port whose highest pin is set reads as a negative number.
 WifiAnswer WifiServer::gpio(const GpioAccess& access) {
   if (access.isWrite) {
-    if (!camera_.gpio().write(access.port, access.mask, access.levels)) {
+    if (!losesWrites() && !camera_.gpio().write(access.port, access.mask, access.levels)) {
       return refused(describe(access) + ": refused");
     }
     return result(0, describe(access));
@@ -167,12 +135,12 @@ WifiAnswer WifiServer::picture(const WifiCommand& command) {
   }
   const PictureControl& control = *known->control;
   const std::int32_t value = std::clamp(command.value, control.least, control.most);
-  camera_.picture().set(control, {value, false});
+  if (!losesWrites()) camera_.picture().set(control, {value, false});
   return result(0, text({known->name, " <- ", std::to_string(value)}));
 }
 
 WifiAnswer WifiServer::videoMode(const WifiCommand& command) {
-  if (command.id != 0 || !camera_.video().choose(command.value)) {
+  if (command.id != 0 || (!losesWrites() && !camera_.video().choose(command.value))) {
     camera_.violations().add(
         {"wifi: unknown video mode ", hex(static_cast<std::uint32_t>(command.value), 2)});
     return refused("video mode that is not there");

@@ -26,11 +26,11 @@ class WifiServer {
   explicit WifiServer(Camera& camera, Still still = {})
       : camera_(camera), still_(std::move(still)) {}
 
-  // `target` as it stands in the request line: "/", "/?action=commandcontrol&...".
+  // `target` as it stands in the request line: "/?action=commandcontrol&...".
   WifiAnswer get(std::string_view target);
 
  private:
-  WifiAnswer homePage() const;
+  bool losesWrites() const { return camera_.tap().losesWrites; }
   WifiAnswer deviceList() const;
   WifiAnswer controls() const;
   WifiAnswer snapshot() const;

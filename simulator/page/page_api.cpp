@@ -82,13 +82,13 @@ Json::Value stateOf(PluggedCamera& camera) {
   Json::Value state;
   state["id"] = camera.id();
   state["name"] = camera.spec().name;
-  state["productId"] = std::string(hex(camera.spec().productId, 4).view().substr(2));
+  state["productId"] = hex(camera.spec().productId, 4).substr(2);
   state["fault"] = textOf(camera.fault());
   state["pluggedIn"] = camera.isPluggedIn();
   camera.with([&state](CameraDevice& device) {
     state["width"] = device.camera.video().mode().width;
     state["height"] = device.camera.video().mode().height;
-    const View view = viewOf(device.camera, device.lightPins());
+    const View view = viewOf(device.camera);
     state["field_um"] = view.fieldWidth_um;
     state["light"] = lightOf(view, device.camera.controller().lights());
     for (const Control& control : controlsOf(device)) state["controls"].append(entryOf(control));

@@ -19,8 +19,7 @@ std::uint8_t byte(double value) {
 }
 
 void touchButton(CameraDevice& device, bool touched) {
-  touched ? device.camera.gpio().pressButton() : device.camera.gpio().releaseButton();
-  touched ? device.chip.pressButton() : device.chip.releaseButton();
+  touched ? device.pressButton() : device.releaseButton();
 }
 
 void addZoom(Controls& controls, Camera& camera) {

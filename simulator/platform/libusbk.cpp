@@ -1,5 +1,4 @@
-// libusbK over the simulated machine, with the genuine library's cursor: it starts before the first
-// device, and past the last one it starts over.
+// libusbK over the simulated machine.
 #include "platform/system.h"
 
 #include <algorithm>
@@ -8,6 +7,7 @@
 #include <memory>
 
 #include "platform/process.h"
+#include "simulator/model/usb3_device_list.h"
 #include "simulator/platform/world.h"
 
 namespace qvx::platform {
@@ -21,10 +21,7 @@ using simulator::world;
 constexpr int driverId = 0;
 constexpr std::uint32_t openFailed = 31;  // a device that does not work
 
-struct DeviceList {
-  std::vector<KLST_DEVINFO> records;
-  std::size_t cursor = 0;  // of the record that MoveNext gives next
-};
+using DeviceList = simulator::Usb3DeviceList<KLST_DEVINFO>;
 
 struct OpenedDevice {
   std::size_t device;
@@ -92,11 +89,11 @@ std::string lineOf(const WINUSB_SETUP_PACKET& setup, std::span<const std::uint8_
 // here.
 bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   if (flags != 0 || !world().libusbkInstalled || !world().grants()) return false;
-  DeviceList list;
+  std::vector<KLST_DEVINFO> records;
   for (const UsbDevice& device : world().usbDevices) {
-    if (world().pluggedIn()) list.records.push_back(recordOf(device, list.records.size()));
+    if (world().pluggedIn()) records.push_back(recordOf(device, records.size()));
   }
-  *deviceList = world().keep(std::move(list));
+  *deviceList = world().keep(DeviceList(std::move(records)));
   ++world().open.deviceLists;
   return true;
 }
@@ -104,7 +101,7 @@ bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
 bool LstK_Count(KLST_HANDLE deviceList, std::uint32_t* count) {
   const auto* const list = world().kept<DeviceList>(deviceList);
   if (list == nullptr || !world().grants()) return false;
-  *count = static_cast<std::uint32_t>(list->records.size());
+  *count = static_cast<std::uint32_t>(list->size());
   return true;
 }
 
@@ -112,21 +109,15 @@ bool system::LstK_FindByVidPid(KLST_HANDLE deviceList, int vid, int pid,
                                KLST_DEVINFO** deviceInfo) {
   *deviceInfo = nullptr;
   if (!world().grants()) return false;
-  for (KLST_DEVINFO& record : world().kept<DeviceList>(deviceList)->records) {
-    if (record.Common.Vid == vid && record.Common.Pid == pid) {
-      *deviceInfo = &record;
-      return true;
-    }
-  }
-  return false;
+  *deviceInfo = world().kept<DeviceList>(deviceList)->find([=](const KLST_DEVINFO& record) {
+    return record.Common.Vid == vid && record.Common.Pid == pid;
+  });
+  return *deviceInfo != nullptr;
 }
 
 bool system::LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
-  DeviceList& list = *world().kept<DeviceList>(deviceList);
-  const bool pastEnd = list.cursor == list.records.size();
-  *deviceInfo = pastEnd ? nullptr : &list.records[list.cursor];
-  list.cursor = pastEnd ? 0 : list.cursor + 1;
-  return !pastEnd;
+  *deviceInfo = world().kept<DeviceList>(deviceList)->next();
+  return *deviceInfo != nullptr;
 }
 
 bool LstK_Free(KLST_HANDLE deviceList) {

@@ -49,10 +49,8 @@ Reply PluggedCamera::carry(const std::function<Reply(CameraDevice&)>& transfer) 
 }
 
 void PluggedCamera::touchButton(bool touched) {
-  with([touched](CameraDevice& device) {
-    touched ? device.camera.gpio().pressButton() : device.camera.gpio().releaseButton();
-    touched ? device.chip.pressButton() : device.chip.releaseButton();
-  });
+  with(
+      [touched](CameraDevice& device) { touched ? device.pressButton() : device.releaseButton(); });
   onChange_();
 }
 
@@ -133,6 +131,7 @@ Reply PluggedCamera::perform(const Fault& fault,
   if (fault.kind == Fault::fails || fault.kind == Fault::unplugs) {
     reply.text = fault.kind == Fault::fails ? "refused" : "unplugged";
   } else {
+    device_.camera.tap().losesWrites = fault.kind == Fault::loses;
     reply = transfer(device_);
     spoil(fault, reply);
   }

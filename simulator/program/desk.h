@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/model/bridge_chip_device.h"
 #include "simulator/model/bridge_chip_extension_unit.h"
 #include "simulator/model/bridge_chip_hid.h"
 #include "simulator/model/camera_spec.h"
@@ -28,7 +29,7 @@ struct CameraDevice : BridgeDevice {
       : BridgeDevice(spec.productId, spec.setup),
         extensionUnit(chip, spec.unit == Unit::variant1 ? ExtensionUnit::Variant::variant1
                                                         : ExtensionUnit::Variant::usual),
-        hid(chip),
+        hid(chip, spec.reports),
         usb3(camera),
         wifi(camera, std::move(still)) {}
 

@@ -16,7 +16,7 @@ std::string LivePicture::jpeg(PluggedCamera& camera, int mostWidth) {
   VideoMode mode{};
   const View view = camera.with([&mode](CameraDevice& device) {
     mode = device.camera.video().mode();
-    return viewOf(device.camera, device.lightPins());
+    return viewOf(device.camera);
   });
   const int width = std::min<int>(mode.width, mostWidth);
   made_ = Clock::now();
@@ -26,8 +26,7 @@ std::string LivePicture::jpeg(PluggedCamera& camera, int mostWidth) {
 }
 
 Picture LivePicture::picture(PluggedCamera& camera, int width, int height) {
-  const View view =
-      camera.with([](CameraDevice& device) { return viewOf(device.camera, device.lightPins()); });
+  const View view = camera.with([](CameraDevice& device) { return viewOf(device.camera); });
   std::unique_lock lock(guard_);
   const std::uint64_t frame = frame_++;
   lock.unlock();

@@ -53,16 +53,21 @@ class Run {
       if (camera->spec().transport != Transport::wifi) continue;
       WifiService& service = services_.emplace_back(*camera, desk_);
       if (!service.start(options_.address)) return taken(options_.address, camera->spec().port);
-      tell(*camera, urlOf(options_.address, service.port()));
+      tell(camera->id() + "  " + camera->spec().name + "  " +
+           urlOf(options_.address, service.port()));
     }
     std::string problem;
     plugs_ = plugIn(desk_, problem);
-    return plugs_ == nullptr ? problem : startPage();
+    if (plugs_ == nullptr) return problem;
+    for (const auto& camera : desk_.cameras()) {
+      if (camera->spec().transport == Transport::wifi) continue;
+      tell(camera->id() + "  " + camera->spec().name);
+    }
+    return startPage();
   }
 
   int go() {
-    std::printf("ready\n");
-    std::fflush(stdout);
+    tell("ready");
     if (options_.program.empty()) {
       awaitInterrupt();
       return ended;
@@ -78,8 +83,11 @@ class Run {
     return "cannot listen on " + address + ":" + std::to_string(port);
   }
 
-  static void tell(const PluggedCamera& camera, const std::string& where) {
-    std::printf("%s  %s  %s\n", camera.id().c_str(), camera.spec().name.c_str(), where.c_str());
+  // What a program prints is its own.
+  void tell(const std::string& line) const {
+    if (!options_.program.empty()) return;
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
   }
 
   // Several runs stand beside each other: the usual port may be another's.
@@ -90,19 +98,19 @@ class Run {
     const bool started = page_.start(wanted.address, wanted.port) ||
                          (!options_.page && page_.start(wanted.address, 0));
     if (!started) return taken(wanted.address, wanted.port);
-    std::printf("page  %s\n", urlOf(wanted.address, page_.port()).c_str());
+    tell("page  " + urlOf(wanted.address, page_.port()));
     return {};
   }
 
   const Options& options_;
   Desk desk_;
+  std::unique_ptr<Plugs> plugs_;
   std::deque<WifiService> services_;
   HttpPort page_;
-  std::unique_ptr<Plugs> plugs_;
 };
 
 int run(const Options& options) {
-  unplugLeftovers();
+  if (options.unplug) unplugLeftovers();
   if (options.cameras.empty()) return ended;
   Run run(options);
   const std::string problem = run.start();

@@ -41,8 +41,10 @@ WifiService::WifiService(PluggedCamera& camera, Desk& desk)
   addPageRoutes(http_.server, desk);
   http_.server.set_pre_routing_handler(
       [this](const httplib::Request& request, httplib::Response& response) {
-        if (isForPage(request)) return Handled::Unhandled;
-        serve(request, response);
+        if (request.target == "/" ? comesHome(response) : isForPage(request)) {
+          return Handled::Unhandled;
+        }
+        if (request.target != "/") serve(request, response);
         return Handled::Handled;
       });
 }
@@ -52,14 +54,29 @@ WifiService::~WifiService() {
   http_.stop();
 }
 
+// Clients look for the camera by its home page: an access of the camera, which its faults spoil,
+// though the page answers it.
+bool WifiService::comesHome(httplib::Response& response) {
+  const std::string whole = "home page";
+  Reply reply = camera_.carry(
+      [&whole](CameraDevice&) { return Reply{true, whole, 0, whole, 200, "text/html"}; });
+  const bool unspoiled = reply.bytes == whole;
+  if (!unspoiled) send(reply, response);
+  return unspoiled;
+}
+
 void WifiService::serve(const httplib::Request& request, httplib::Response& response) {
-  constexpr int unavailable = 503;
   Reply reply = camera_.carry([&](CameraDevice& device) { return answer(device, request); });
-  response.status = reply.done ? reply.status : unavailable;
   if (reply.done && request.target == streamTarget) {
     constexpr int asItIs = 0xFFFF;
     return sendStream(camera_, asItIs, asItIs, response);
   }
+  send(reply, response);
+}
+
+void WifiService::send(Reply& reply, httplib::Response& response) {
+  constexpr int unavailable = 503;
+  response.status = reply.done ? reply.status : unavailable;
   if (reply.bytes.size() < reply.announced) return sendPart(reply, response);
   response.set_content(reply.bytes, reply.contentType);
 }

@@ -16,7 +16,9 @@ class WifiService {
   int port() const { return http_.port(); }
 
  private:
+  bool comesHome(httplib::Response& response);
   void serve(const httplib::Request& request, httplib::Response& response);
+  static void send(Reply& reply, httplib::Response& response);
 
   PluggedCamera& camera_;
   HttpPort http_;

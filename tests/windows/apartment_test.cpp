@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "tests/windows/fixtures/imports.h"
-#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
@@ -36,8 +36,8 @@ TEST_P(Apartment, StaysWithAndWithoutABridge) {
   std::jthread([] {
     ASSERT_EQ(CoInitializeEx(nullptr, GetParam()), S_OK);
     for (const bool plugged : {true, false}) {
-      std::optional<VirtualCameras> cameras;
-      if (plugged) cameras.emplace(std::vector<std::string>{"0870"});
+      std::optional<SimulatedCameras> cameras;
+      if (plugged) cameras.emplace(std::vector<std::string>{"usb:0870"});
       for (int i = 0; i < 100 && staysIn(GetParam()); ++i) callAllThatUseCom();
       EXPECT_TRUE(staysIn(GetParam())) << plugged;
       EXPECT_EQ(Init(), plugged);

@@ -1,13 +1,13 @@
 // The DLL and bridge cameras through the system's own DirectShow and kernel streaming: simulated
 // cameras registered as video inputs.
-#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
 namespace {
 
 TEST(BridgeCamera, IsFoundReadHeardAndUnplugged) {
-  VirtualCameras cameras({"0970,zoom=63,button=2s", "9b0,unit=plain", "0870,zoom=40"});
+  SimulatedCameras cameras({"usb:0970,zoom=63,button=2s", "usb3:09b0", "usb:0870"});
   openCamera(0);
   EXPECT_NE(copyOf(GetDeviceId(0)).find(L"vid_3c7e&pid_0970"), std::wstring::npos);
   EXPECT_NE(copyOf(GetDeviceId(1)).find(L"pid_0870"), std::wstring::npos) << "USB 3 comes last";
@@ -21,7 +21,7 @@ TEST(BridgeCamera, IsFoundReadHeardAndUnplugged) {
   EXPECT_TRUE(measures(0, 63)) << GetMAG(0);
   EXPECT_GE(presses, 1u);
   EXPECT_LE(presses, 1 + (GetTickCount64() - start_ms) / 2000);
-  cameras.set(0, "zoom=20");
+  cameras[0].setZoom({20, 20, 0});
   EXPECT_TRUE(measures(0, 20)) << GetMAG(0);
   EXPECT_EQ(cameras.violations(0), "");
 
@@ -34,7 +34,7 @@ TEST(BridgeCamera, IsFoundReadHeardAndUnplugged) {
 }
 
 TEST(BridgeCamera, OlderFirmwareIsUnderstood) {
-  VirtualCameras cameras({"0970,zoom=63,firmware=wide", "0970,zoom=30,firmware=narrow"});
+  SimulatedCameras cameras({"usb:0970,zoom=63,firmware=wide", "usb:0970,zoom=30,firmware=narrow"});
   for (int index = 0; index < 2; ++index) {
     openCamera(index);
     EXPECT_TRUE(measures(index, index == 0 ? 63 : 30)) << index << ": " << GetMAG(index);

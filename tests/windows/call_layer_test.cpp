@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
@@ -19,7 +19,7 @@ std::uint32_t readStatus(std::uint32_t device) {
 }
 
 TEST(CallLayer, EightThreadsEachGetTheirOwnAnswers) {
-  VirtualCameras cameras({"0970", "09c2"});
+  SimulatedCameras cameras({"usb:0970", "usb:09c2"});
   ASSERT_EQ(etLib2_Init(), 1);
   constexpr std::uint8_t features[] = {0x56, 0xC7};  // of each camera
   std::atomic<int> late = 0, wrong = 0;
@@ -47,9 +47,9 @@ TEST(CallLayer, EightThreadsEachGetTheirOwnAnswers) {
 }
 
 TEST(CallLayer, LateAnswerCostsItsLimit) {
-  VirtualCameras cameras({"0970"});
+  SimulatedCameras cameras({"usb:0970"});
   ASSERT_EQ(etLib2_Init(), 1);
-  cameras.set(0, "fault=stall:900ms:1");
+  cameras[0].setFault({.kind = simulator::Fault::stalls, .stall_ms = 900});
   const ULONGLONG start = GetTickCount64();
   EXPECT_EQ(readStatus(0), 0x80004005u);
   const ULONGLONG taken = GetTickCount64() - start;

@@ -8,16 +8,15 @@ extern "C" {
 #include <optional>
 
 #include "tests/windows/fixtures/imports.h"
-#include "tests/windows/fixtures/virtual_cameras.h"
-#include "tests/windows/fixtures/virtual_hid.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
 namespace {
 
 TEST(HidCamera, IsFoundAmongForeignDevicesReadAndHeard) {
-  const VirtualCameras video({"0970,unit=plain"});  // a camera whose video interface has no unit
-  VirtualHid devices({"0970,zoom=40,button=2s", "1234:0001,reports=none", "0970,reports=extra"});
+  SimulatedCameras cameras({"hid:0970,zoom=40,button=2s", "hid:1234:0001,unit=absent,reports=none",
+                            "hid:0970,unit=absent,reports=extra"});
   openCamera(0);
   static int presses = 0;
   SetEventCallback([] { ++presses; });
@@ -25,18 +24,17 @@ TEST(HidCamera, IsFoundAmongForeignDevicesReadAndHeard) {
   EXPECT_TRUE(measures(0, 40)) << GetMAG(0);
   EXPECT_GE(presses, 1);
   EnablePressKey(0);
-  devices.set(0, "zoom=20");
+  cameras[0].setZoom({20, 20, 0});
   EXPECT_TRUE(measures(0, 20)) << GetMAG(0);
-  EXPECT_EQ(devices.violations(0), "");
+  EXPECT_EQ(cameras.violations(0), "");
 }
 
 TEST(HidCamera, OlderFirmwareIsUnderstood) {
-  const VirtualCameras video({"0970,unit=plain"});
-  for (const char* camera : {"0970,zoom=30,firmware=wide", "0970,zoom=30,chip=2"}) {
-    VirtualHid devices({camera});
+  for (const char* camera : {"hid:0970,zoom=30,firmware=wide", "hid:0970,zoom=30,chip=2"}) {
+    SimulatedCameras cameras({camera});
     openCamera(0);
     EXPECT_TRUE(measures(0, 30)) << camera << ": " << GetMAG(0);
-    EXPECT_EQ(devices.violations(0), "") << camera;
+    EXPECT_EQ(cameras.violations(0), "") << camera;
   }
 }
 
@@ -75,8 +73,7 @@ NTSTATUS NTAPI giveValues(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT 
 }
 
 TEST(HidCamera, IsSkippedWhenOneOfItsCapabilitiesCannotBeHad) {
-  const VirtualCameras video({"0870,unit=plain"});
-  const VirtualHid devices({"0870,firmware=wide"});
+  const SimulatedCameras cameras({"hid:0870,firmware=wide"});
   const ReplacedImport caps("HidP_GetCaps", &claimEveryKind),
       buttons("HidP_GetButtonCaps", &giveButtons), values("HidP_GetValueCaps", &giveValues);
   refused.reset();

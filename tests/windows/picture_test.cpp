@@ -1,7 +1,7 @@
 // The DLL and the picture properties of USB cameras through the system's own DirectShow.
 #include <array>
 
-#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
@@ -17,7 +17,7 @@ Range rangeOf(qvx_long property) {
 }
 
 TEST(PictureProperties, AreThoseOfTheCurrentCamera) {
-  VirtualCameras cameras({"0970", "0870"});
+  SimulatedCameras cameras({"usb:0970", "usb:0870"});
   GetDeviceIDA(0);
   SetVideoDeviceIndex(1);
   SetVideoProcAmp(0, -20);
@@ -44,7 +44,7 @@ TEST(PictureProperties, WithoutAnyCamera) {
 }
 
 TEST(PictureProperties, ASystemMadeNameWithCapitalsIsNeverFound) {
-  VirtualCameras cameras({"0970"}, simulator::Naming::system);
+  SimulatedCameras cameras({"usb:0970"}, simulator::Naming::system);
   SetVideoDeviceIndex(0);
   EXPECT_NE(copyOf(GetDeviceId(0)).find(L"vid_3c7e"), std::wstring::npos);
   EXPECT_EQ(GetVideoProcAmp(0), -1);

@@ -4,7 +4,6 @@ What it does against a camera's rules fails the test, as does an exit code that 
 """
 
 import concurrent.futures
-import os
 import pathlib
 import re
 import subprocess
@@ -17,16 +16,14 @@ BUILD = pathlib.Path(sys.argv[1])
 WINE = ROOT / "scripts/run-wine.sh"
 CLIENT = BUILD / "qvxctl.exe"
 SIMULATOR = ROOT / "build/simulator/qvx-simulator"
-INPUTS, HID = BUILD / "qvx-virtual-cameras.exe", BUILD / "qvx-virtual-hid.exe"
+PLUGS = BUILD / "qvx-simulator.exe"  # has cameras for every transport
 SILENT_PORT, FIRST_PORT = 8079, 18080
 
 # How a client runs with a camera; "{}" is the product id and options.
 RUNS = {
     "none": [WINE, CLIENT],
     "wifi": [SIMULATOR, "--no-page", "wifi:{}", "--", WINE, CLIENT],
-    "usb": [WINE, INPUTS, "run", "{}", "--", CLIENT],
-    "hid": [WINE, INPUTS, "run", "{},unit=plain", "--", HID, "run", "{}", "--", CLIENT],
-    "usb3": [WINE, INPUTS, "run", "{},unit=plain", "--", BUILD / "usb3/qvxctl.exe"],
+    **{usb: [WINE, PLUGS, "--no-page", usb + ":{}", "--", CLIENT] for usb in ("usb", "hid", "usb3")},
 }
 
 # A product id of each family, and those that are special within one.
@@ -76,9 +73,8 @@ def run(camera, arguments):
     beside a program would keep a pipe open."""
     transport, _, described = camera.partition(":")
     command = [str(word).replace("{}", described) for word in RUNS[transport]] + arguments
-    environment = os.environ | {"QVX_VIRTUAL_USB3": "0x" + described}
     with tempfile.TemporaryFile("w+") as printed, tempfile.TemporaryFile("w+") as said:
-        code = subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, stdout=printed,
+        code = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=printed,
                               stderr=said, timeout=100).returncode
         printed.seek(0)
         said.seek(0)

@@ -11,7 +11,7 @@
 
 #include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/resources.h"
-#include "tests/windows/fixtures/virtual_cameras.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
@@ -108,7 +108,7 @@ DWORD exitCodeOfProcess(unsigned ending) {
 }
 
 TEST(Unloading, LeavesAnOpenBridgeAlone) {
-  const VirtualCameras cameras({"0870"});
+  const SimulatedCameras cameras({"usb:0870"});
   for (unsigned i = 0; i < 50; ++i) {
     const unsigned ending = i % ((freed | withoutCom) + 1);
     ASSERT_EQ(exitCodeOfProcess(ending), clean) << "ending " << ending << ", process " << i;

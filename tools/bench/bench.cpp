@@ -1,6 +1,5 @@
 // What the library costs beyond the system calls it makes, one table: bench.exe [section...]
-// Needs a simulated Wi-Fi camera on port 8080 and the rights to plug virtual cameras in; section
-// usb3, the stand-in libusbK.dll beside the program, which must not be there for the others.
+// Needs a simulated Wi-Fi camera on port 8080 and the rights to plug simulated cameras in.
 #include <windows.h>
 // The process's own headers follow windows.h.
 #include <json/reader.h>
@@ -19,9 +18,8 @@
 #include "models/families.h"
 #include "platform/com.h"
 #include "qvx64/api.h"
-#include "simulator/capture_filter/camera_registry.h"
-#include "simulator/hid_bridge/virtual_hid_devices.h"
 #include "state/device_state.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
 #include "tools/bench/bare_calls.h"
 #include "tools/bench/measure.h"
 #include "transport/controller.h"
@@ -32,6 +30,7 @@ namespace {
 
 using namespace qvx;
 using namespace qvx::bench;
+using tests::SimulatedCameras;
 
 constexpr int calls = 1000;
 constexpr int callRounds = 200;
@@ -56,32 +55,6 @@ void initialize(int deviceIndex) {
   SetVideoDeviceIndex(deviceIndex);
   require(Init() == 1, "no camera at device index " + std::to_string(deviceIndex));
 }
-
-class PluggedCamera {
- public:
-  explicit PluggedCamera(const std::string& text) {
-    std::string problem;
-    require(simulator::registerCameras(std::span(&text, 1), simulator::Naming::devicePath,
-                                       simulator::filterBesideProgram(), problem),
-            problem);
-  }
-  ~PluggedCamera() { simulator::unregisterCameras(); }
-  PluggedCamera(const PluggedCamera&) = delete;
-  PluggedCamera& operator=(const PluggedCamera&) = delete;
-};
-
-class PluggedHid {
- public:
-  explicit PluggedHid(const std::string& text) {
-    std::string problem;
-    require(
-        simulator::plugHidDevices(std::span(&text, 1), simulator::driverBesideProgram(), problem),
-        problem);
-  }
-  ~PluggedHid() { simulator::unplugHidDevices(); }
-  PluggedHid(const PluggedHid&) = delete;
-  PluggedHid& operator=(const PluggedHid&) = delete;
-};
 
 void measureWifi() {
   const std::string base = wifiBaseUrl();
@@ -139,18 +112,17 @@ void measureBridge(const char* path, std::unique_ptr<BareBridge> (*open)()) {
 }
 
 void measureExtensionUnit() {
-  const PluggedCamera camera(bridgeCamera);
+  const SimulatedCameras camera({std::string("usb:") + bridgeCamera});
   measureBridge("extension unit", openBareExtensionUnit);
 }
 
 void measureHid() {
-  const PluggedCamera video(std::string(bridgeCamera) + ",unit=plain");
-  const PluggedHid device(bridgeCamera);
+  const SimulatedCameras camera({std::string("hid:") + bridgeCamera});
   measureBridge("HID", openBareHid);
 }
 
 void measureGetConfig() {
-  const PluggedCamera camera("0970");
+  const SimulatedCameras camera({"usb:0970"});
   initialize(0);
   const auto bare = openBareExtensionUnit();
   compare(
@@ -162,8 +134,7 @@ void measureGetConfig() {
 }
 
 void measureUsb3() {
-  _putenv("QVX_VIRTUAL_USB3=0x9B0");
-  const PluggedCamera camera("09b0,unit=plain");
+  const SimulatedCameras camera({"usb3:09b0"});
   initialize(chooseAutomatically);
   compare(
       {"USB 3 register read, us", 3000, 1.15}, [] { ReadFromPIC(0, 0x80); }, bareUsb3Read);

@@ -1,4 +1,4 @@
-#include "simulator/wifi_camera/service.h"
+#include "simulator/program/wifi_service.h"
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
@@ -12,39 +12,74 @@
 #include <thread>
 #include <vector>
 
-namespace qvx::wifi_camera {
+#include "simulator/program/options.h"
+
+namespace qvx::simulator {
 namespace {
 
 // What is wrong with a command line; nothing when it is taken.
 std::string parse(const std::string& line, Options& options) {
   std::istringstream words(line);
   const std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
-  std::vector<const char*> texts;
-  for (const std::string& argument : arguments) texts.push_back(argument.c_str());
-  const auto parsed = optionsFrom(texts);
+  const auto parsed = optionsFrom(arguments);
   if (const auto* const wrong = std::get_if<std::string>(&parsed)) return *wrong;
   options = std::get<Options>(parsed);
   return "";
 }
 
-TEST(WifiCameraOptions, AreTakenOrRefused) {
+TEST(SimulatorOptions, AreTakenOrRefused) {
   Options options;
-  ASSERT_EQ(parse("--pid 0x9C0 --port 0 --zoom 63 --address 127.0.0.9 --fault silent:250:3 --log",
+  ASSERT_EQ(parse("wifi:09C0,port=0,zoom=63,fault=stall:250ms:3+2 --address 127.0.0.9 --log "
+                  "--page 127.0.0.1:80 usb:1234:0970,unit=variant1,firmware=wide,name=A -- x --log",
                   options),
             "");
-  EXPECT_EQ(options.productId, 0x9C0);
-  EXPECT_EQ(options.port, 0);
-  EXPECT_EQ(options.zoom->from, 63);
+  ASSERT_EQ(options.cameras.size(), 2U);
+  const CameraSpec &wifi = options.cameras[0], &usb = options.cameras[1];
+  EXPECT_EQ(wifi.productId, 0x9C0);
+  EXPECT_EQ(wifi.port, 0);
+  EXPECT_EQ(wifi.zoom->from, 63);
+  EXPECT_EQ(wifi.name, "Simulated microscope 09C0");
+  EXPECT_EQ(wifi.fault, (Fault{Fault::stalls, 3, 2, 250}));
+  EXPECT_EQ(textOf(wifi.fault), "stall:250ms:3+2");
+  EXPECT_EQ(usb.vendorId, 0x1234);
+  EXPECT_EQ(usb.unit, Unit::variant1);
+  EXPECT_EQ(usb.setup.firmware, BridgeFirmware::wide);
+  EXPECT_EQ(usb.name, "A");
   EXPECT_EQ(options.address, "127.0.0.9");
-  EXPECT_EQ(options.fault.silence_ms, 250U);
-  EXPECT_FALSE(options.fault.strikes(FaultKind::silent, 2));
-  EXPECT_TRUE(options.fault.strikes(FaultKind::silent, 3));
+  EXPECT_EQ(options.page->port, 80);
   EXPECT_TRUE(options.log);
-  for (const char* const line :
-       {"--pid", "--pid 0", "--pid 0x10000", "--pid 97g", "--port 65536", "--port -1",
-        "--address localhost", "--zoom 1:200", "--pid 0x870 --zoom 5", "--zoom 5 --pid 0x870",
-        "--fault none", "--fault half:0", "--fault half:", "--fault silent", "--fault half:1:2",
-        "8080"}) {
+  EXPECT_EQ(options.program, (std::vector<std::string>{"x", "--log"}));
+  for (const char* const line : {"",
+                                 "0970",
+                                 "wifi",
+                                 "wifi:",
+                                 "wifi:0",
+                                 "wifi:10000",
+                                 "wifi:97g",
+                                 "bluetooth:0970",
+                                 "wifi:0970,port=65536",
+                                 "wifi:0970,port=-1",
+                                 "wifi:0970,zoom=1:200",
+                                 "wifi:0870,zoom=5",
+                                 "wifi:0970,name=",
+                                 "wifi:0970,chip=2",
+                                 "usb:0970,port=1",
+                                 "usb:0970,reports=none",
+                                 "usb3:09B0,firmware=wide",
+                                 "wifi:0970,button=2",
+                                 "wifi:0970,fault=half:0",
+                                 "wifi:0970,fault=half:",
+                                 "wifi:0970,fault=stall",
+                                 "wifi:0970,fault=half:1:2",
+                                 "wifi:0970,fault=half:1+",
+                                 "wifi:0970,fault=slow",
+                                 "wifi:0970 wifi:0971",
+                                 "--address localhost wifi:0970",
+                                 "--page 8064 wifi:0970",
+                                 "--page",
+                                 "--zoom 5 wifi:0970",
+                                 "wifi:0970 --",
+                                 "--log"}) {
     EXPECT_NE(parse(line, options), "") << line;
   }
 }
@@ -62,6 +97,8 @@ class LeavingClient {
     const int socket = sockets_.emplace_back(::socket(AF_INET, SOCK_STREAM, 0));
     const sockaddr_in address{AF_INET, htons(port_), {htonl(INADDR_LOOPBACK)}, {}};
     if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+      close(socket);
+      sockets_.pop_back();
       return "refused";
     }
     const std::string request = "GET " + target + " HTTP/1.1\r\nHost: camera\r\n\r\n";
@@ -84,24 +121,22 @@ constexpr char readFeatures[] =
     "/?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=8388608";
 
 struct Running {
-  explicit Running(const std::string& fault) : service(optionsWith(fault)) {
-    EXPECT_TRUE(service.start());
+  explicit Running(const std::string& more = "") : service(plugIn(more), desk) {
+    EXPECT_TRUE(service.start("127.0.0.1"));
   }
-  static Options optionsWith(const std::string& fault) {
-    Options options;
-    EXPECT_EQ(parse("--port 0 " + fault, options), "");
-    return options;
+  PluggedCamera& plugIn(const std::string& more) {
+    std::string problem;
+    return desk.plugIn(*cameraSpecFrom("wifi:0970,port=0" + more, problem));
   }
-  Service service;
+  Desk desk;
+  WifiService service;
 };
 
 TEST(WifiService, ClosesEveryConnectionOfAClientThatNeverDoes) {
-  Running running("");
+  Running running;
   LeavingClient client(running.service.port());
   for (int i = 0; i < 50; ++i) ASSERT_TRUE(client.get(readFeatures).ends_with("\r\n\r\nres:86"));
-  Options samePort;
-  samePort.port = static_cast<std::uint16_t>(running.service.port());
-  EXPECT_FALSE(Service(samePort).start()) << "shares its port";
+  EXPECT_FALSE(HttpPort().start("127.0.0.1", running.service.port())) << "shares its port";
 }
 
 TEST(WifiService, GoesWrongFromTheRequestOn) {
@@ -111,11 +146,12 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
     std::size_t bodyLength;
   } cases[] = {
       {"empty:2", "\r\n\r\n", 0},  {"half:2", "\r\n\r\nres", 3}, {"no-marker:2", "xxxx", 8192},
-      {"junk:2", "\xFE\xFF", 256}, {"refuse:2", "refused", 0},   {"silent:20:2", "res:86", 6},
+      {"junk:2", "\xFE\xFF", 256}, {"refuse:2", "refused", 0},   {"stall:20ms:2", "res:86", 6},
+      {"unplug:2", "refused", 0},
   };
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.fault);
-    Running running(std::string("--fault ") + expected.fault);
+    Running running(std::string(",fault=") + expected.fault);
     LeavingClient client(running.service.port());
     EXPECT_TRUE(client.get(readFeatures).ends_with("res:86"));
     const std::string second = client.get(readFeatures);
@@ -125,8 +161,29 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
   }
 }
 
+TEST(WifiService, RecoversAndLosesWrites) {
+  const std::string lightOn = "/?action=commandcontrol&dest=0plugin=0&id=1031&group=4&value=1";
+  Running running(",fault=refuse:2");
+  PluggedCamera& camera = *running.desk.cameras()[0];
+  LeavingClient client(running.service.port());
+  client.get(readFeatures);
+  EXPECT_EQ(client.get(readFeatures), "refused");
+  camera.setFault({Fault::loses, 1, 1});
+  std::string answer = "refused";
+  for (int i = 0; i < 1000 && answer == "refused"; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    answer = client.get(lightOn);
+  }
+  EXPECT_TRUE(answer.ends_with("res:0"));
+  const auto lights = [](CameraDevice& device) { return device.camera.gpio().lights(); };
+  EXPECT_EQ(camera.with(lights), 0);
+  client.get(lightOn);
+  EXPECT_EQ(camera.with(lights), 1);
+  EXPECT_EQ(camera.accessesAfter(1).size(), 2U);
+}
+
 TEST(WifiService, EndsWhileItIsSilent) {
-  auto running = std::make_unique<Running>("--fault silent:600000");
+  auto running = std::make_unique<Running>(",fault=stall:600s");
   const int port = running->service.port();
   std::thread client([port] { LeavingClient(port).get("/"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -135,4 +192,4 @@ TEST(WifiService, EndsWhileItIsSilent) {
 }
 
 }  // namespace
-}  // namespace qvx::wifi_camera
+}  // namespace qvx::simulator

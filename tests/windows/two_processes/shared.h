@@ -23,8 +23,9 @@ struct SharedBridge {
   bool takesCustomCommands;
 };
 constexpr SharedBridge bridges[] = {
-    {"0970,chip=2,firmware=wide", 0x000160B2, false, false},  // several reports in a row
-    {"0971", 0x00016028, true, true},                         // one-shot requests, and a bus switch
+    {"hid:0970,unit=absent,chip=2,firmware=wide", 0x000160B2, false,
+     false},                                           // several reports in a row
+    {"hid:0971,unit=absent", 0x00016028, true, true},  // one-shot requests, and a bus switch
 };
 constexpr std::size_t bridgeCount = std::size(bridges);
 

@@ -1,0 +1,165 @@
+// A stand-in for libusbK.dll: the USB 3 cameras of all simulators that run on this machine.
+#include <windows.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "simulator/fronts/pipe_client.h"
+#include "simulator/fronts/registry_key.h"
+#include "simulator/fronts/text.h"
+#include "simulator/model/usb3_device_list.h"
+
+namespace {
+
+using namespace qvx::simulator;
+
+constexpr std::size_t textSize = 256;
+
+// The library's record of a device, as its clients know it.
+struct DeviceRecord {
+  std::int32_t vendorId, productId, interfaceNumber;
+  char instance[textSize];
+  std::int32_t driver;
+  char interfaceGuid[textSize], deviceId[textSize], classGuid[textSize], maker[textSize],
+      description[textSize], service[textSize], symbolicLink[textSize], path[textSize];
+  std::int32_t filterIndex, connected, syncFlags, bus, address;
+  char serialNumber[textSize];
+};
+static_assert(sizeof(DeviceRecord) == 2596);
+
+using DeviceList = Usb3DeviceList<DeviceRecord>;
+
+struct Setup {
+  std::uint8_t requestType, request;
+  std::uint16_t value, index, length;
+};
+
+// The record's path is the camera's pipe.
+std::vector<DeviceRecord> devices() {
+  std::vector<DeviceRecord> records;
+  const std::wstring list = usb3Devices;
+  for (const std::wstring& name : RegistryKey::open(list).children()) {
+    const RegistryKey key = RegistryKey::open(list + L"\\" + name);
+    const auto pipe = key.text(pipeValueName);
+    if (!pipe || !isServed(*pipe)) continue;
+    DeviceRecord& record = records.emplace_back();
+    record.vendorId = static_cast<std::int32_t>(key.number(L"VendorId"));
+    record.productId = static_cast<std::int32_t>(key.number(L"ProductId"));
+    record.connected = 1;
+    const auto copy = [](char(&field)[textSize], const std::wstring& text) {
+      std::snprintf(field, textSize, "%s", narrow(text).c_str());
+    };
+    copy(record.instance, name);
+    copy(record.path, *pipe);
+    copy(record.description, key.text(L"Description").value_or(L""));
+    copy(record.maker, L"QVX64");
+  }
+  return records;
+}
+
+// Handles are never closed: one of each camera serves all its clients.
+PipeClient* openedCamera(const std::string& pipe) {
+  static std::mutex guard;
+  static std::map<std::string, std::unique_ptr<PipeClient>> opened;
+  const std::lock_guard lock(guard);
+  auto& camera = opened[pipe];
+  if (camera == nullptr) camera = std::make_unique<PipeClient>(wide(pipe));
+  return camera.get();
+}
+
+BOOL WINAPI openDevice(void** handle, DeviceRecord* record) {
+  if (!isServed(wide(record->path))) {
+    SetLastError(ERROR_GEN_FAILURE);
+    return FALSE;
+  }
+  *handle = openedCamera(record->path);
+  return TRUE;
+}
+
+struct PipeInformation {
+  std::int32_t type;
+  std::uint8_t id;
+  std::uint16_t maximumPacketSize;
+  std::uint8_t interval;
+};
+
+// The video stream and the status interrupt.
+BOOL WINAPI queryPipe(void* /*handle*/, std::uint8_t alternateSetting, std::uint8_t index,
+                      PipeInformation* pipe) {
+  constexpr std::array<PipeInformation, 2> pipes = {{{2, 0x81, 1024, 0}, {3, 0x82, 64, 8}}};
+  if (alternateSetting != 0 || index >= pipes.size()) return FALSE;
+  *pipe = pipes[index];
+  return TRUE;
+}
+
+// A driver's functions: the ones that clients call, at their places in the table.
+struct DriverFunctions {
+  void* information;
+  decltype(&openDevice) open;
+  void* unused_1[20];
+  decltype(&queryPipe) queryPipe;
+  void* unused_2[41];
+};
+static_assert(sizeof(DriverFunctions) == 512);
+
+}  // namespace
+
+extern "C" {
+
+BOOL WINAPI LstK_Init(void** list, int) {
+  *list = new DeviceList(devices());
+  return TRUE;
+}
+
+BOOL WINAPI LstK_Count(void* list, std::uint32_t* count) {
+  if (list == nullptr) return FALSE;
+  *count = static_cast<std::uint32_t>(static_cast<DeviceList*>(list)->size());
+  return TRUE;
+}
+
+BOOL WINAPI LstK_FindByVidPid(void* list, int vendorId, int productId, DeviceRecord** found) {
+  *found = static_cast<DeviceList*>(list)->find([=](const DeviceRecord& record) {
+    return record.vendorId == vendorId && record.productId == productId;
+  });
+  return *found != nullptr;
+}
+
+BOOL WINAPI LstK_MoveNext(void* list, DeviceRecord** next) {
+  *next = static_cast<DeviceList*>(list)->next();
+  return *next != nullptr;
+}
+
+BOOL WINAPI LstK_Free(void* list) {
+  delete static_cast<DeviceList*>(list);
+  return TRUE;
+}
+
+BOOL WINAPI LibK_LoadDriverAPI(DriverFunctions* functions, int) {
+  *functions = {nullptr, openDevice, {}, queryPipe, {}};
+  return TRUE;
+}
+
+BOOL WINAPI UsbK_ControlTransfer(void* handle, Setup setup, std::uint8_t* buffer,
+                                 std::uint32_t length, std::uint32_t* transferred, OVERLAPPED*) {
+  constexpr std::uint8_t toHost = 0x80;
+  if (handle == nullptr) return FALSE;
+  const std::span<const std::uint8_t> key(reinterpret_cast<const std::uint8_t*>(&setup),
+                                          sizeof setup);
+  const std::span<std::uint8_t> data(buffer, length);
+  const bool reads = (setup.requestType & toHost) != 0;
+  const auto moved =
+      reads ? static_cast<PipeClient*>(handle)->ask(RequestKind::control, 0, key, {}, data)
+            : static_cast<PipeClient*>(handle)->ask(RequestKind::control, 0, key, data, {});
+  if (!moved) return FALSE;
+  *transferred = static_cast<std::uint32_t>(reads ? *moved : length);
+  return TRUE;
+}
+
+}  // extern "C"

@@ -1,0 +1,209 @@
+#include "simulator/program/front_requests.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+
+namespace qvx::simulator {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Request {
+  RequestHead head;
+  std::span<const std::uint8_t> bytes;
+};
+
+// The bytes of the reply; nothing for a refusal.
+using Answer = std::optional<Bytes>;
+
+PropertySetId setOf(const RequestHead& head) {
+  PropertySetId set{};
+  static_assert(sizeof set == sizeof head.key);
+  std::memcpy(&set, head.key.data(), sizeof set);
+  return set;
+}
+
+UsbSetup setupOf(const RequestHead& head) {
+  UsbSetup setup{};
+  std::memcpy(&setup, head.key.data(), sizeof setup);
+  return setup;
+}
+
+// The same bytes for as many as were filled.
+Answer filled(bool done, Bytes bytes) {
+  return done ? Answer(std::move(bytes)) : std::nullopt;
+}
+
+template <class Value>
+Answer answerOf(const Value& value) {
+  Bytes bytes(sizeof value);
+  std::memcpy(bytes.data(), &value, sizeof value);
+  return bytes;
+}
+
+Answer control(CameraDevice& device, const Request& request) {
+  constexpr std::uint8_t toHost = 0x80;
+  const UsbSetup setup = setupOf(request.head);
+  const bool reads = (setup.requestType & toHost) != 0;
+  Bytes bytes(request.bytes.begin(), request.bytes.end());
+  if (reads) bytes.resize(request.head.wanted);
+  const auto moved = device.usb3.transfer(setup, bytes);
+  if (!moved) return std::nullopt;
+  bytes.resize(reads ? *moved : 0);
+  return bytes;
+}
+
+Answer setProperty(CameraDevice& device, const Request& request) {
+  return filled(device.extensionUnit.set(setOf(request.head), request.head.number, request.bytes),
+                {});
+}
+
+Answer getProperty(CameraDevice& device, const Request& request) {
+  Bytes bytes(request.head.wanted);
+  const bool done = device.extensionUnit.get(setOf(request.head), request.head.number, bytes);
+  return filled(done, std::move(bytes));
+}
+
+Answer setFeature(CameraDevice& device, const Request& request) {
+  return filled(device.hid.setFeature(request.bytes), {});
+}
+
+Answer getFeature(CameraDevice& device, const Request& request) {
+  Bytes bytes(request.head.wanted);
+  if (!bytes.empty()) bytes[0] = static_cast<std::uint8_t>(request.head.number);
+  const bool done = device.hid.getFeature(bytes);
+  return filled(done, std::move(bytes));
+}
+
+const PictureControl* controlOf(const Request& request) {
+  return pictureControl(static_cast<std::int32_t>(request.head.number));
+}
+
+Answer setPicture(CameraDevice& device, const Request& request) {
+  const PictureControl* const control = controlOf(request);
+  PictureValue wanted{};
+  if (control == nullptr || request.bytes.size() != sizeof wanted) return std::nullopt;
+  std::memcpy(&wanted, request.bytes.data(), sizeof wanted);
+  const bool lost = device.camera.tap().losesWrites;
+  return filled(
+      lost || device.camera.picture().set(*control, {wanted.value, wanted.automatic != 0}), {});
+}
+
+Answer getPicture(CameraDevice& device, const Request& request) {
+  const PictureControl* const control = controlOf(request);
+  if (control == nullptr) return std::nullopt;
+  const auto [value, automatic] = device.camera.picture().get(*control);
+  return answerOf(PictureValue{value, automatic});
+}
+
+Answer pictureRange(CameraDevice& /*device*/, const Request& request) {
+  const PictureControl* const control = controlOf(request);
+  if (control == nullptr) return std::nullopt;
+  return answerOf(PictureRange{control->least, control->most, control->step, control->standard,
+                               control->hasAutomatic});
+}
+
+// What is an access of the camera, and how the log calls it.
+constexpr struct {
+  RequestKind kind;
+  const char* name;
+  Answer (*answer)(CameraDevice&, const Request&);
+} transfers[] = {
+    {RequestKind::control, "control", control},
+    {RequestKind::setProperty, "set", setProperty},
+    {RequestKind::getProperty, "get", getProperty},
+    {RequestKind::setFeature, "set feature", setFeature},
+    {RequestKind::getFeature, "get feature", getFeature},
+    {RequestKind::setPicture, "set picture", setPicture},
+    {RequestKind::getPicture, "get picture", getPicture},
+    {RequestKind::pictureRange, "picture range", pictureRange},
+};
+
+// Without the padding that most transfers end with.
+std::string shortHex(std::span<const std::uint8_t> bytes) {
+  constexpr std::size_t worthAWord = 4;
+  std::size_t size = bytes.size();
+  while (size != 0 && bytes[size - 1] == 0) --size;
+  const std::size_t zeros = bytes.size() - size;
+  if (zeros < worthAWord) return hex(bytes);
+  return hex(bytes.first(size)) + " (and " + std::to_string(zeros) + " zeros)";
+}
+
+// "control 21 01 0303 0300 2", "set 5A215226/26", "get picture 7".
+std::string headInWords(const char* name, const RequestHead& head) {
+  char text[64];
+  if (head.kind == RequestKind::control) {
+    const UsbSetup setup = setupOf(head);
+    std::snprintf(text, sizeof text, "%s %02X %02X %04X %04X %u", name, setup.requestType,
+                  setup.request, setup.value, setup.index, setup.length);
+  } else if (head.kind == RequestKind::setProperty || head.kind == RequestKind::getProperty) {
+    std::snprintf(text, sizeof text, "%s %08X/%u", name, setOf(head).data1, head.number);
+  } else if (head.kind == RequestKind::setFeature) {
+    std::snprintf(text, sizeof text, "%s", name);
+  } else if (head.kind == RequestKind::getFeature) {
+    std::snprintf(text, sizeof text, "%s %02X", name, head.number);
+  } else {
+    std::snprintf(text, sizeof text, "%s %u", name, head.number);
+  }
+  return text;
+}
+
+template <class Transfer>
+Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& request) {
+  std::vector<std::string> happened;
+  device.camera.tap().tell = [&happened](std::string line) { happened.push_back(std::move(line)); };
+  const Answer answer = transfer.answer(device, request);
+  device.camera.tap().tell = nullptr;
+  Reply reply;
+  reply.done = answer.has_value();
+  reply.text = headInWords(transfer.name, request.head);
+  const std::span<const std::uint8_t> moved =
+      answer && !answer->empty() ? std::span<const std::uint8_t>(*answer) : request.bytes;
+  reply.text += !reply.done ? ": refused" : moved.empty() ? "" : ": ";
+  if (answer) {
+    reply.text += shortHex(moved);
+    reply.bytes.assign(answer->begin(), answer->end());
+  }
+  for (const std::string& line : happened) (reply.text += "  ") += line;
+  return reply;
+}
+
+Bytes describe(PluggedCamera& camera) {
+  CameraDescription description{};
+  description.vendorId = camera.spec().vendorId;
+  description.productId = camera.spec().productId;
+  description.unit = static_cast<std::uint8_t>(camera.spec().unit);
+  const auto reports =
+      camera.with([](CameraDevice& device) { return device.hid.reportDescriptor(); });
+  description.reportDescriptorSize = static_cast<std::uint16_t>(reports.size());
+  std::copy(reports.begin(), reports.end(), description.reportDescriptor);
+  return *answerOf(description);
+}
+
+}  // namespace
+
+std::string answerFront(PluggedCamera& camera, std::span<const std::uint8_t> message) {
+  Request request{};
+  Reply reply;
+  if (message.size() >= sizeof request.head) {
+    std::memcpy(&request.head, message.data(), sizeof request.head);
+    request.bytes = message.subspan(sizeof request.head);
+    request.head.wanted = std::min<std::uint32_t>(request.head.wanted, mostBytes);
+  }
+  if (request.head.kind == RequestKind::describe && !message.empty()) {
+    const Bytes description = describe(camera);
+    reply.done = true;
+    reply.bytes.assign(description.begin(), description.end());
+  }
+  for (const auto& transfer : transfers) {
+    if (transfer.kind != request.head.kind) continue;
+    reply = camera.carry([&](CameraDevice& device) { return carryOut(device, transfer, request); });
+  }
+  const ReplyHead head{reply.done};
+  return std::string(reinterpret_cast<const char*>(&head), sizeof head) + reply.bytes;
+}
+
+}  // namespace qvx::simulator
