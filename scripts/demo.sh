@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # Drives simulated cameras through QVX64.dll: builds both, runs a Wi-Fi camera on port 8080 and the
 # command-line client under Wine, and shows what the one asks of the other; then the same client with
-# bridge cameras, by extension unit and by HID. Ends by itself.
+# bridge cameras, by extension unit and by HID. Meanwhile the cameras are seen on the simulator's page.
+# Ends by itself.
 source "$(dirname "$0")/common.sh"
 
 product_id=0998 # with zoom ring, focus lens and lights
-zoom=1:200/10s
+sweep=1:200/10s
+standing=63
 watch_s=6
 bridge_camera=0970,zoom=5:120/4s,button=2s
 bridge_watch_s=4
@@ -16,6 +18,7 @@ client_errors=$logs/demo-client-errors.log
 watch_log=$logs/demo-watch.log
 still=$logs/demo-still.jpg
 changed_still=$logs/demo-still-changed.jpg
+page=$logs/demo-page.png
 lens_position=12 # the simulated object is sharp there
 
 title() {
@@ -41,10 +44,11 @@ prepare_wine() {
   echo "  ${WINEPREFIX:-build/wine}"
 }
 
+# Arguments: what its zoom ring does, and the same in words.
 start_camera() {
-  title "Switching on a Wi-Fi camera $product_id; its zoom ring turns from x1 to x200 and back"
+  title "Switching on a Wi-Fi camera $product_id; its zoom ring $2"
   : >"$camera_log"
-  build/simulator/qvx-simulator --log wifi:$product_id,zoom=$zoom \
+  build/simulator/qvx-simulator --log wifi:$product_id,zoom="$1" \
     </dev/null >"$camera_log" 2>"$camera_errors" &
   camera=$!
   trap 'kill $camera 2>/dev/null' EXIT
@@ -53,6 +57,14 @@ start_camera() {
     sleep 0.1
   done
   sed '/^ready/,$d; s/^/  /' "$camera_log"
+}
+
+stop_camera() {
+  kill -0 $camera 2>/dev/null || fail "the camera ended by itself"
+  kill $camera
+  wait $camera
+  [ ! -s "$camera_errors" ] ||
+    fail "the camera was asked what a real one does not understand: $(last_line "$camera_errors")"
 }
 
 run_under_wine() {
@@ -97,9 +109,10 @@ command_camera() {
 
 # Exposure by hand, or the camera would make up for the light.
 take_still() {
-  title "Taking a still (qvxctl snapshot $still)"
+  title "Switching the light on and taking a still (qvxctl snapshot $still)"
   rm -f "$still"
   command_camera ae off
+  command_camera led on
   command_camera snapshot "$still"
   [ -s "$still" ] || fail "there is no still in $still"
 }
@@ -110,16 +123,23 @@ take_changed_still() {
   command_camera lens pos $lens_position
   command_camera led off
   command_camera snapshot "$changed_still"
-  command_camera led on
   [ -s "$changed_still" ] || fail "there is no still in $changed_still"
   ! cmp -s "$still" "$changed_still" || fail "lens and light changed nothing in the still"
   echo "  $(stat -c %s "$still") bytes with light, $(stat -c %s "$changed_still") bytes without: open the two to compare"
 }
 
-check_camera() {
-  kill -0 $camera 2>/dev/null || fail "the camera ended by itself"
-  [ ! -s "$camera_errors" ] ||
-    fail "the camera was asked what a real one does not understand: $(last_line "$camera_errors")"
+# Chromium is not a part of the demo, and used where it is.
+show_page() {
+  local url
+  url=$(sed -n 's/^page  //p' "$camera_log")
+  title "The camera is seen, and turned, at $url while this runs"
+  command -v chromium >/dev/null || return 0
+  command_camera led on
+  rm -f "$page"
+  timeout 60 chromium --headless --no-sandbox --disable-gpu --hide-scrollbars \
+    --window-size=1360,1000 --screenshot="$page" "$url" >/dev/null 2>&1
+  [ -s "$page" ] || fail "the browser shows no page at $url"
+  echo "  $page"
 }
 
 # Arguments: the camera's transport, and how it is reached in words.
@@ -134,13 +154,16 @@ watch_bridge() {
 scripts/setup.sh demo || exit 1
 build
 prepare_wine
-start_camera
+start_camera $sweep "turns from x1 to x200 and back"
 open_camera
 show_what_init_asked
 watch_zoom
+stop_camera
+start_camera $standing "stands at x$standing"
 take_still
 take_changed_still
-check_camera
+show_page
+stop_camera
 watch_bridge usb "extension unit"
 watch_bridge hid "HID interface"
-title "All of it worked."
+title "All of it worked. To look at cameras for longer: build/simulator/qvx-simulator wifi:$product_id"
