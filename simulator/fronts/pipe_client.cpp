@@ -23,7 +23,7 @@ PipeClient::~PipeClient() {
 std::optional<std::size_t> PipeClient::ask(RequestKind kind, std::uint32_t number,
                                            std::span<const std::uint8_t> key,
                                            std::span<const std::uint8_t> bytes,
-                                           std::span<std::uint8_t> reply) {
+                                           std::span<std::uint8_t> reply, std::uint32_t limit_ms) {
   RequestHead head{kind, number, {}, static_cast<std::uint32_t>(reply.size())};
   if (key.size() > head.key.size()) return std::nullopt;
   std::copy(key.begin(), key.end(), head.key.begin());
@@ -34,7 +34,7 @@ std::optional<std::size_t> PipeClient::ask(RequestKind kind, std::uint32_t numbe
 
   const auto connection = connect();
   if (!connection) return std::nullopt;
-  const auto size = exchange(*connection, request, answer);
+  const auto size = exchange(*connection, request, answer, limit_ms);
   if (!size || *size < sizeof(ReplyHead)) {
     close(*connection);
     return std::nullopt;
@@ -82,7 +82,8 @@ void PipeClient::close(const Connection& connection) {
 
 std::optional<std::size_t> PipeClient::exchange(const Connection& connection,
                                                 std::span<std::uint8_t> request,
-                                                std::span<std::uint8_t> reply) {
+                                                std::span<std::uint8_t> reply,
+                                                std::uint32_t limit_ms) {
   OVERLAPPED transfer{};
   transfer.hEvent = connection.event;
   DWORD size = 0;
@@ -90,7 +91,7 @@ std::optional<std::size_t> PipeClient::exchange(const Connection& connection,
       TransactNamedPipe(connection.pipe, request.data(), static_cast<DWORD>(request.size()),
                         reply.data(), static_cast<DWORD>(reply.size()), &size, &transfer);
   if (!done && GetLastError() != ERROR_IO_PENDING) return std::nullopt;
-  if (WaitForSingleObject(connection.event, transferLimit_ms) != WAIT_OBJECT_0) {
+  if (WaitForSingleObject(connection.event, limit_ms) != WAIT_OBJECT_0) {
     CancelIoEx(connection.pipe, &transfer);
   }
   if (!GetOverlappedResult(connection.pipe, &transfer, &size, TRUE)) return std::nullopt;

@@ -28,8 +28,8 @@ class PipeClient {
   // too long or is gone.
   std::optional<std::size_t> ask(RequestKind kind, std::uint32_t number,
                                  std::span<const std::uint8_t> key,
-                                 std::span<const std::uint8_t> bytes,
-                                 std::span<std::uint8_t> reply);
+                                 std::span<const std::uint8_t> bytes, std::span<std::uint8_t> reply,
+                                 std::uint32_t limit_ms = transferLimit_ms);
 
   // For what has a fixed size.
   template <class Answer>
@@ -49,7 +49,7 @@ class PipeClient {
   static void close(const Connection& connection);
   static std::optional<std::size_t> exchange(const Connection& connection,
                                              std::span<std::uint8_t> request,
-                                             std::span<std::uint8_t> reply);
+                                             std::span<std::uint8_t> reply, std::uint32_t limit_ms);
 
   const std::wstring pipe_;
   std::mutex guard_;

@@ -19,7 +19,7 @@ enum class RequestKind : std::uint32_t {
   setPicture,    // picture property `number`: a PictureValue
   getPicture,    //
   pictureRange,  // the reply is a PictureRange
-  frame,         // a picture for video
+  frame,         // a picture for video, as YUY2, in the size of the mode `number`
 };
 
 struct RequestHead {
@@ -47,6 +47,11 @@ struct CameraDescription {
   std::uint8_t reportDescriptor[64];
 };
 static_assert(sizeof(CameraDescription) == 72);
+
+// Two bytes a pixel: two lumas share their chroma.
+constexpr std::uint32_t yuy2Bytes(std::uint32_t width, std::uint32_t height) {
+  return 2 * width * height;
+}
 
 struct PictureValue {
   std::int32_t value, automatic;

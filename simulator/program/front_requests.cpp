@@ -171,6 +171,33 @@ Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& re
   return reply;
 }
 
+// Two pixels become their two lumas and the mean of their colours, in the ranges of BT.601: the
+// last numbers round and move the zero.
+void appendYuy2(std::string& bytes, const std::uint8_t* pair) {
+  const auto luma = [](const std::uint8_t* rgb) {
+    return (66 * rgb[0] + 129 * rgb[1] + 25 * rgb[2] + 4224) >> 8;
+  };
+  const int red = pair[0] + pair[3], green = pair[1] + pair[4], blue = pair[2] + pair[5];
+  const int u = (-38 * red - 74 * green + 112 * blue + 65792) >> 9;
+  const int v = (112 * red - 94 * green - 18 * blue + 65792) >> 9;
+  for (const int part : {luma(pair), u, luma(pair + 3), v}) bytes += static_cast<char>(part);
+}
+
+// Video is no access: it would drown the others.
+Reply frame(PluggedCamera& camera, const RequestHead& head) {
+  Reply reply;
+  for (const VideoMode& mode : videoModesFor(camera.spec().productId)) {
+    const std::uint32_t size = yuy2Bytes(mode.width, mode.height);
+    if (static_cast<std::uint32_t>(mode.command) != head.number || size > head.wanted) continue;
+    const Picture picture = camera.live.picture(camera, mode.width, mode.height);
+    reply.bytes.reserve(size);
+    for (std::size_t i = 0; i < picture.rgb.size(); i += 6)
+      appendYuy2(reply.bytes, &picture.rgb[i]);
+    reply.done = true;
+  }
+  return reply;
+}
+
 Bytes describe(PluggedCamera& camera) {
   CameraDescription description{};
   description.vendorId = camera.spec().vendorId;
@@ -191,8 +218,9 @@ std::string answerFront(PluggedCamera& camera, std::span<const std::uint8_t> mes
   if (message.size() >= sizeof request.head) {
     std::memcpy(&request.head, message.data(), sizeof request.head);
     request.bytes = message.subspan(sizeof request.head);
-    request.head.wanted = std::min<std::uint32_t>(request.head.wanted, mostBytes);
   }
+  if (request.head.kind == RequestKind::frame) reply = frame(camera, request.head);
+  request.head.wanted = std::min<std::uint32_t>(request.head.wanted, mostBytes);
   if (request.head.kind == RequestKind::describe && !message.empty()) {
     const Bytes description = describe(camera);
     reply.done = true;

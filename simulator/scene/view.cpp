@@ -70,7 +70,7 @@ double blurOf(const Camera& camera) {
 
 }  // namespace
 
-View viewOf(const Camera& camera, std::uint8_t lightPins) {
+View viewOf(const Camera& camera) {
   constexpr double unit_um = 550, warmthExponent = 0.6;
   const Illumination& lights = camera.controller().lights();
   View view{};
@@ -78,7 +78,8 @@ View viewOf(const Camera& camera, std::uint8_t lightPins) {
   view.blur = blurOf(camera);
   double light = roomLight;
   for (std::size_t i = 0; i < view.quadrants.size(); ++i) {
-    view.quadrants[i] = Illumination::ringShare * lights.quadrants()[i] + lights.ofPins(lightPins);
+    view.quadrants[i] =
+        Illumination::ringShare * lights.quadrants()[i] + lights.ofPins(camera.gpio().lights());
     light += view.quadrants[i] / static_cast<double>(view.quadrants.size());
   }
   view.axial = Illumination::axialShare * lights.axial();

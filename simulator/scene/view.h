@@ -23,11 +23,7 @@ struct View {
 // What there is without any lamp.
 constexpr double roomLight = 0.12;
 
-// The lights of a camera behind a bridge chip hang on the chip's pins.
-View viewOf(const Camera& camera, std::uint8_t lightPins);
-inline View viewOf(const Camera& camera) {
-  return viewOf(camera, camera.gpio().lights());
-}
+View viewOf(const Camera& camera);
 
 // Where the lens must stand, in units from its zero position, to show the object sharply.
 constexpr double focusAt = 12;

@@ -9,19 +9,21 @@ namespace qvx::simulator {
 
 namespace {
 
-class Pins final : public OneItem<IEnumPins, IPin> {
+class Pins final : public ItemEnumerator<IEnumPins, IPin> {
  public:
-  explicit Pins(IPin& pin, bool done = false) : OneItem(done), pin_(pin) { pin_.AddRef(); }
+  explicit Pins(IPin& pin, ULONG position = 0) : ItemEnumerator(1, position), pin_(pin) {
+    pin_.AddRef();
+  }
 
  private:
   ~Pins() override { pin_.Release(); }
 
-  HRESULT give(IPin** pin) override {
+  HRESULT give(ULONG /*index*/, IPin** pin) override {
     *pin = &pin_;
     pin_.AddRef();
     return S_OK;
   }
-  IEnumPins* cloneAt(bool done) override { return new Pins(pin_, done); }
+  IEnumPins* cloneAt(ULONG position) override { return new Pins(pin_, position); }
 
   IPin& pin_;
 };
@@ -50,6 +52,7 @@ bool CaptureFilter::attach(const std::wstring& instance) {
   camera_ = VirtualCamera::at(instance);
   if (camera_ == nullptr) return false;
   IUnknown& whole = *static_cast<IBaseFilter*>(this);
+  pin_.attach(camera_);
   procAmp_.emplace(whole, *camera_);
   const auto unit = static_cast<Unit>(camera_->description().unit);
   if (unit != Unit::plain) topology_.emplace(whole, *camera_);
@@ -83,16 +86,20 @@ STDMETHODIMP CaptureFilter::Save(IPropertyBag*, BOOL, BOOL) {
 }
 
 STDMETHODIMP CaptureFilter::Stop() {
+  pin_.stop();
   state_ = State_Stopped;
   return S_OK;
 }
 
 STDMETHODIMP CaptureFilter::Pause() {
+  pin_.pause();
   state_ = State_Paused;
   return S_OK;
 }
 
-STDMETHODIMP CaptureFilter::Run(REFERENCE_TIME) {
+STDMETHODIMP CaptureFilter::Run(REFERENCE_TIME start) {
+  if (state_ == State_Stopped) pin_.pause();
+  pin_.run(start, clock_);
   state_ = State_Running;
   return S_OK;
 }

@@ -11,53 +11,18 @@ namespace {
 constexpr GUID capturePropertySet = {
     0x9B00F101, 0x1567, 0x11D1, {0xB3, 0xF1, 0x00, 0xAA, 0x00, 0x37, 0x61, 0xC5}};
 
-// 640 x 480 pixels of two bytes, 30 times a second.
-constexpr LONG frameWidth = 640, frameHeight = 480;
-constexpr WORD pixelBits = 16;
-constexpr DWORD frameSize = frameWidth * frameHeight * pixelBits / 8;
-constexpr REFERENCE_TIME frameTime_100ns = 333333;
-
-VIDEOINFOHEADER videoFormat() {
-  VIDEOINFOHEADER format{};
-  format.AvgTimePerFrame = frameTime_100ns;
-  format.bmiHeader.biSize = sizeof format.bmiHeader;
-  format.bmiHeader.biWidth = frameWidth;
-  format.bmiHeader.biHeight = frameHeight;
-  format.bmiHeader.biPlanes = 1;
-  format.bmiHeader.biBitCount = pixelBits;
-  format.bmiHeader.biCompression = MAKEFOURCC('Y', 'U', 'Y', '2');
-  format.bmiHeader.biSizeImage = frameSize;
-  return format;
-}
-
-template <class Value>
-Value* allocateCopy(const Value& value) {
-  void* const memory = CoTaskMemAlloc(sizeof value);
-  if (memory != nullptr) std::memcpy(memory, &value, sizeof value);
-  return static_cast<Value*>(memory);
-}
-
-// The one media type, in memory that the caller frees.
-HRESULT allocateMediaType(AM_MEDIA_TYPE** result) {
-  AM_MEDIA_TYPE type{};
-  type.majortype = MEDIATYPE_Video;
-  type.subtype = MEDIASUBTYPE_YUY2;
-  type.bFixedSizeSamples = TRUE;
-  type.lSampleSize = frameSize;
-  type.formattype = FORMAT_VideoInfo;
-  type.cbFormat = sizeof(VIDEOINFOHEADER);
-  type.pbFormat = reinterpret_cast<BYTE*>(allocateCopy(videoFormat()));
-  *result = allocateCopy(type);
-  return type.pbFormat != nullptr && *result != nullptr ? S_OK : E_OUTOFMEMORY;
-}
-
-class MediaTypes final : public OneItem<IEnumMediaTypes, AM_MEDIA_TYPE> {
+class MediaTypes final : public ItemEnumerator<IEnumMediaTypes, AM_MEDIA_TYPE> {
  public:
-  explicit MediaTypes(bool done = false) : OneItem(done) {}
+  explicit MediaTypes(std::span<const VideoMode> sizes, ULONG position = 0)
+      : ItemEnumerator(static_cast<ULONG>(sizes.size()), position), sizes_(sizes) {}
 
  private:
-  HRESULT give(AM_MEDIA_TYPE** type) override { return allocateMediaType(type); }
-  IEnumMediaTypes* cloneAt(bool done) override { return new MediaTypes(done); }
+  HRESULT give(ULONG index, AM_MEDIA_TYPE** type) override {
+    return allocateMediaType(sizes_[index], type);
+  }
+  IEnumMediaTypes* cloneAt(ULONG position) override { return new MediaTypes(sizes_, position); }
+
+  const std::span<const VideoMode> sizes_;
 };
 
 }  // namespace
@@ -71,8 +36,41 @@ STDMETHODIMP CapturePin::QueryInterface(REFIID iid, void** object) {
   return S_OK;
 }
 
-STDMETHODIMP CapturePin::Connect(IPin*, const AM_MEDIA_TYPE*) {
+void CapturePin::attach(std::shared_ptr<VirtualCamera> camera) {
+  camera_ = std::move(camera);
+  const auto modes = videoModesFor(camera_->description().productId);
+  sizes_.assign(modes.begin(), modes.end());
+  std::ranges::sort(sizes_, {}, &VideoMode::width);
+}
+
+std::span<const VideoMode> CapturePin::offered() const {
+  return chosen_ != nullptr ? std::span(chosen_, 1) : std::span(sizes_);
+}
+
+// Tries what the caller allows, in the order in which it is offered.
+STDMETHODIMP CapturePin::Connect(IPin* other, const AM_MEDIA_TYPE* wanted) {
+  if (other == nullptr) return E_POINTER;
+  if (other_ != nullptr) return VFW_E_ALREADY_CONNECTED;
+  for (const VideoMode& size : offered()) {
+    if (wanted != nullptr && !allows(*wanted, size)) continue;
+    if (SUCCEEDED(connectIn(size, *other))) return S_OK;
+  }
   return VFW_E_NO_ACCEPTABLE_TYPES;
+}
+
+HRESULT CapturePin::connectIn(const VideoMode& size, IPin& other) {
+  MediaType type(size);
+  HRESULT status = other.ReceiveConnection(this, &type);
+  if (FAILED(status)) return status;
+  status = stream_.connect(other, size);
+  if (FAILED(status)) {
+    other.Disconnect();
+    return status;
+  }
+  other.AddRef();
+  other_.reset(&other);
+  flowing_ = &size;
+  return S_OK;
 }
 
 STDMETHODIMP CapturePin::ReceiveConnection(IPin*, const AM_MEDIA_TYPE*) {
@@ -80,17 +78,22 @@ STDMETHODIMP CapturePin::ReceiveConnection(IPin*, const AM_MEDIA_TYPE*) {
 }
 
 STDMETHODIMP CapturePin::Disconnect() {
-  return S_FALSE;
+  if (other_ == nullptr) return S_FALSE;
+  stream_.disconnect();
+  other_.reset();
+  return S_OK;
 }
 
 STDMETHODIMP CapturePin::ConnectedTo(IPin** other) {
-  *other = nullptr;
-  return VFW_E_NOT_CONNECTED;
+  *other = other_.get();
+  if (other_ == nullptr) return VFW_E_NOT_CONNECTED;
+  other_->AddRef();
+  return S_OK;
 }
 
 STDMETHODIMP CapturePin::ConnectionMediaType(AM_MEDIA_TYPE* type) {
   *type = {};
-  return VFW_E_NOT_CONNECTED;
+  return other_ == nullptr ? VFW_E_NOT_CONNECTED : fillMediaType(*flowing_, *type);
 }
 
 STDMETHODIMP CapturePin::QueryPinInfo(PIN_INFO* info) {
@@ -113,12 +116,12 @@ STDMETHODIMP CapturePin::QueryId(LPWSTR* id) {
   return S_OK;
 }
 
-STDMETHODIMP CapturePin::QueryAccept(const AM_MEDIA_TYPE*) {
-  return S_OK;
+STDMETHODIMP CapturePin::QueryAccept(const AM_MEDIA_TYPE* type) {
+  return sizeOf(*type, sizes_) != nullptr ? S_OK : S_FALSE;
 }
 
 STDMETHODIMP CapturePin::EnumMediaTypes(IEnumMediaTypes** types) {
-  *types = new MediaTypes;
+  *types = new MediaTypes(offered());
   return S_OK;
 }
 
@@ -142,24 +145,30 @@ STDMETHODIMP CapturePin::NewSegment(REFERENCE_TIME, REFERENCE_TIME, double) {
   return E_UNEXPECTED;
 }
 
-STDMETHODIMP CapturePin::SetFormat(AM_MEDIA_TYPE*) {
+STDMETHODIMP CapturePin::SetFormat(AM_MEDIA_TYPE* type) {
+  if (other_ != nullptr) return VFW_E_ALREADY_CONNECTED;
+  const VideoMode* const size = type == nullptr ? nullptr : sizeOf(*type, sizes_);
+  if (type != nullptr && size == nullptr) return VFW_E_INVALIDMEDIATYPE;
+  chosen_ = size;
   return S_OK;
 }
 
 STDMETHODIMP CapturePin::GetFormat(AM_MEDIA_TYPE** type) {
-  return allocateMediaType(type);
+  return allocateMediaType(other_ != nullptr ? *flowing_ : offered().front(), type);
 }
 
 STDMETHODIMP CapturePin::GetNumberOfCapabilities(int* count, int* size) {
-  *count = 1;
+  *count = static_cast<int>(sizes_.size());
   *size = sizeof(VIDEO_STREAM_CONFIG_CAPS);
   return S_OK;
 }
 
 STDMETHODIMP CapturePin::GetStreamCaps(int index, AM_MEDIA_TYPE** type, BYTE* capabilities) {
-  if (index != 0) return S_FALSE;
-  std::memset(capabilities, 0, sizeof(VIDEO_STREAM_CONFIG_CAPS));
-  return allocateMediaType(type);
+  if (index < 0) return E_INVALIDARG;
+  if (index >= static_cast<int>(sizes_.size())) return S_FALSE;
+  const VideoMode& size = sizes_[static_cast<std::size_t>(index)];
+  *reinterpret_cast<VIDEO_STREAM_CONFIG_CAPS*>(capabilities) = capabilitiesOf(size);
+  return allocateMediaType(size, type);
 }
 
 STDMETHODIMP CapturePin::Set(REFGUID, DWORD, LPVOID, DWORD, LPVOID, DWORD) {

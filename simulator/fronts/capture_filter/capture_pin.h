@@ -1,8 +1,10 @@
-// The pin of a virtual camera: it describes a video stream, but none flows.
+// The pin of a virtual camera, from which its video flows.
 #pragma once
 
 #include "simulator/fronts/capture_filter/com_object.h"
 #include "simulator/fronts/capture_filter/kernel_streaming.h"
+#include "simulator/fronts/capture_filter/media_type.h"
+#include "simulator/fronts/capture_filter/video_stream.h"
 
 namespace qvx::simulator {
 
@@ -12,6 +14,14 @@ class CapturePin final : public IPin, public IAMStreamConfig, public IKsProperty
   static constexpr wchar_t name[] = L"Capture";
 
   explicit CapturePin(IBaseFilter& filter) : filter_(filter) {}
+
+  // Before it is asked anything.
+  void attach(std::shared_ptr<VirtualCamera> camera);
+
+  // What flows from it; the filter sets it going and stops it.
+  void pause() { stream_.pause(camera_); }
+  void run(REFERENCE_TIME start, IReferenceClock* clock) { stream_.run(start, clock); }
+  void stop() { stream_.stop(); }
   CapturePin(const CapturePin&) = delete;
   CapturePin& operator=(const CapturePin&) = delete;
 
@@ -47,7 +57,16 @@ class CapturePin final : public IPin, public IAMStreamConfig, public IKsProperty
   STDMETHODIMP QuerySupported(REFGUID set, DWORD id, DWORD* support) override;
 
  private:
+  HRESULT connectIn(const VideoMode& size, IPin& other);
+  std::span<const VideoMode> offered() const;
+
   IBaseFilter& filter_;
+  std::shared_ptr<VirtualCamera> camera_;
+  std::vector<VideoMode> sizes_;        // the smallest first
+  const VideoMode* chosen_ = nullptr;   // by SetFormat: then no other is offered
+  const VideoMode* flowing_ = nullptr;  // in the connection
+  ComPointer<IPin> other_;
+  VideoStream stream_;
 };
 
 }  // namespace qvx::simulator

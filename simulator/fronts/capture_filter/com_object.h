@@ -3,7 +3,9 @@
 
 #include <unknwn.h>
 
+#include <algorithm>
 #include <atomic>
+#include <memory>
 
 namespace qvx::simulator {
 
@@ -75,38 +77,67 @@ class ComPart : public First, public Others... {
   IUnknown& whole_;
 };
 
-// An enumerator of a single item.
+// An enumerator of items that are made one by one.
 template <class Enumerator, class Item>
-class OneItem : public ComObject<Enumerator> {
+class ItemEnumerator : public ComObject<Enumerator> {
  public:
-  explicit OneItem(bool done) : done_(done) {}
+  ItemEnumerator(ULONG count, ULONG position) : count_(count), position_(position) {}
 
   STDMETHODIMP Next(ULONG count, Item** items, ULONG* fetched) override {
-    const ULONG given = !done_ && count != 0 && SUCCEEDED(give(items)) ? 1 : 0;
-    if (given != 0) done_ = true;
+    ULONG given = 0;
+    while (given < count && position_ < count_ && SUCCEEDED(give(position_, &items[given]))) {
+      ++given;
+      ++position_;
+    }
     if (fetched != nullptr) *fetched = given;
     return given == count ? S_OK : S_FALSE;
   }
   STDMETHODIMP Skip(ULONG count) override {
-    const bool enough = count == 0 || (count == 1 && !done_);
-    done_ = done_ || count != 0;
-    return enough ? S_OK : S_FALSE;
+    const ULONG skipped = std::min(count, count_ - position_);
+    position_ += skipped;
+    return skipped == count ? S_OK : S_FALSE;
   }
   STDMETHODIMP Reset() override {
-    done_ = false;
+    position_ = 0;
     return S_OK;
   }
   STDMETHODIMP Clone(Enumerator** copy) override {
-    *copy = cloneAt(done_);
+    *copy = cloneAt(position_);
     return S_OK;
   }
 
  protected:
-  virtual HRESULT give(Item** item) = 0;
-  virtual Enumerator* cloneAt(bool done) = 0;
+  virtual HRESULT give(ULONG index, Item** item) = 0;
+  virtual Enumerator* cloneAt(ULONG position) = 0;
 
  private:
-  bool done_;
+  const ULONG count_;
+  ULONG position_;
+};
+
+struct ComRelease {
+  void operator()(IUnknown* object) const { object->Release(); }
+};
+
+// Holds a reference.
+template <class Interface>
+using ComPointer = std::unique_ptr<Interface, ComRelease>;
+
+// Where a call puts the reference that it hands out.
+template <class Interface>
+class Receiving {
+ public:
+  explicit Receiving(ComPointer<Interface>& pointer) : pointer_(pointer) {}
+  ~Receiving() { pointer_.reset(received_); }
+  Receiving(const Receiving&) = delete;
+  Receiving& operator=(const Receiving&) = delete;
+
+  operator Interface**() { return &received_; }
+  operator void**() { return reinterpret_cast<void**>(&received_); }
+
+ private:
+  ComPointer<Interface>& pointer_;
+  Interface* received_ = nullptr;
 };
 
 // Hands out a new object's interface, or frees the object when it has none of that kind.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "simulator/fronts/pipe_client.h"
+#include "simulator/model/video_modes.h"
 
 namespace qvx::simulator {
 
@@ -30,6 +31,13 @@ class VirtualCamera {
   std::optional<std::size_t> get(const GUID& set, std::uint32_t selector,
                                  std::span<std::uint8_t> data) {
     return pipe_.ask(RequestKind::getProperty, selector, keyOf(set), {}, data);
+  }
+
+  // What it sees, as YUY2 that fills the bytes.
+  bool frame(const VideoMode& size, std::span<std::uint8_t> bytes) {
+    constexpr std::uint32_t limit_ms = 15'000;  // large pictures on a busy machine
+    return pipe_.ask(RequestKind::frame, static_cast<std::uint32_t>(size.command), {}, {}, bytes,
+                     limit_ms) == bytes.size();
   }
 
   std::optional<PictureRange> pictureRange(std::uint32_t property) {

@@ -1,0 +1,228 @@
+// The video of a simulated USB camera as applications get it: through a graph with a sample
+// grabber.
+#include <gtest/gtest.h>
+
+// After what it needs.
+#include <windows.h>
+#include <dshow.h>
+#include <qedit.h>
+
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+
+#include "simulator/fronts/capture_filter/com_object.h"
+#include "tests/windows/fixtures/simulated_cameras.h"
+
+namespace qvx::tests {
+namespace {
+
+using simulator::Camera;
+using simulator::CameraDevice;
+using simulator::ComPointer;
+using simulator::Receiving;
+
+constexpr CLSID sampleGrabberClass = {
+    0xC1F400A0, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
+constexpr CLSID nullRendererClass = {
+    0xC1F400A4, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
+
+using Frame = std::vector<std::uint8_t>;
+
+template <class Interface>
+ComPointer<Interface> create(REFCLSID id) {
+  ComPointer<Interface> object;
+  CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), Receiving(object));
+  return object;
+}
+
+template <class Interface>
+ComPointer<Interface> as(IUnknown& object) {
+  ComPointer<Interface> result;
+  object.QueryInterface(__uuidof(Interface), Receiving(result));
+  return result;
+}
+
+// Keeps the last picture that came.
+class Catcher final : public simulator::ComObject<ISampleGrabberCB> {
+ public:
+  STDMETHODIMP SampleCB(double, IMediaSample*) override { return E_NOTIMPL; }
+  STDMETHODIMP BufferCB(double, BYTE* bytes, LONG size) override {
+    const std::lock_guard lock(guard_);
+    frame_.assign(bytes, bytes + size);
+    ++count_;
+    came_.notify_all();
+    return S_OK;
+  }
+
+  // The one after the next: the next may have been made before the call. Empty when none comes.
+  Frame await() {
+    std::unique_lock lock(guard_);
+    const int wanted = count_ + 2;
+    const bool came =
+        came_.wait_for(lock, std::chrono::seconds(30), [&] { return count_ >= wanted; });
+    return came ? frame_ : Frame{};
+  }
+
+ private:
+  std::mutex guard_;
+  std::condition_variable came_;
+  int count_ = 0;
+  Frame frame_;
+};
+
+ComPointer<IBaseFilter> firstVideoInput() {
+  const auto devices = create<ICreateDevEnum>(CLSID_SystemDeviceEnum);
+  ComPointer<IEnumMoniker> monikers;
+  devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, Receiving(monikers), 0);
+  ComPointer<IMoniker> moniker;
+  ComPointer<IBaseFilter> filter;
+  if (monikers != nullptr && monikers->Next(1, Receiving(moniker), nullptr) == S_OK) {
+    moniker->BindToObject(nullptr, nullptr, __uuidof(IBaseFilter), Receiving(filter));
+  }
+  return filter;
+}
+
+struct Apartment {
+  Apartment() { CoInitializeEx(nullptr, COINIT_MULTITHREADED); }
+  ~Apartment() { CoUninitialize(); }
+};
+
+// From a camera through a grabber into nothing.
+class Graph {
+ public:
+  Graph()
+      : graph_(create<IGraphBuilder>(CLSID_FilterGraph)),
+        builder_(create<ICaptureGraphBuilder2>(CLSID_CaptureGraphBuilder2)),
+        grabber_(create<IBaseFilter>(sampleGrabberClass)),
+        renderer_(create<IBaseFilter>(nullRendererClass)),
+        camera_(firstVideoInput()) {
+    builder_->SetFiltergraph(graph_.get());
+    for (IBaseFilter* const filter : {camera_.get(), grabber_.get(), renderer_.get()}) {
+      EXPECT_EQ(graph_->AddFilter(filter, nullptr), S_OK);
+    }
+    AM_MEDIA_TYPE type{};
+    type.majortype = MEDIATYPE_Video;
+    type.subtype = MEDIASUBTYPE_YUY2;
+    const auto grabber = as<ISampleGrabber>(*grabber_);
+    grabber->SetMediaType(&type);
+    grabber->SetCallback(catcher_.get(), 1);
+    builder_->FindInterface(&PIN_CATEGORY_CAPTURE, nullptr, camera_.get(),
+                            __uuidof(IAMStreamConfig), Receiving(config_));
+  }
+
+  IAMStreamConfig& config() { return *config_; }
+  HRESULT connect() {
+    return builder_->RenderStream(&PIN_CATEGORY_CAPTURE, &MEDIATYPE_Video, camera_.get(),
+                                  grabber_.get(), renderer_.get());
+  }
+  HRESULT run() { return as<IMediaControl>(*graph_)->Run(); }
+  HRESULT stop() { return as<IMediaControl>(*graph_)->Stop(); }
+  Frame await() { return catcher_->await(); }
+
+ private:
+  ComPointer<Catcher> catcher_{new Catcher};
+  ComPointer<IGraphBuilder> graph_;
+  ComPointer<ICaptureGraphBuilder2> builder_;
+  ComPointer<IBaseFilter> grabber_, renderer_, camera_;
+  ComPointer<IAMStreamConfig> config_;
+};
+
+double meanLuma(const Frame& frame) {
+  double sum = 0;
+  for (std::size_t i = 0; i < frame.size(); i += 2) sum += frame[i];
+  return sum * 2 / static_cast<double>(frame.size());
+}
+
+double sharpness(const Frame& frame) {
+  double sum = 0;
+  for (std::size_t i = 2; i < frame.size(); i += 2) sum += std::pow(frame[i] - frame[i - 2], 2);
+  return sum * 2 / static_cast<double>(frame.size());
+}
+
+double difference(const Frame& one, const Frame& other) {
+  double sum = 0;
+  for (std::size_t i = 0; i < one.size(); i += 2) sum += std::abs(one[i] - other[i]);
+  return sum * 2 / static_cast<double>(one.size());
+}
+
+void write(Camera& camera, std::uint8_t reg, std::uint8_t value) {
+  camera.controller().write({&reg, 1}, {&value, 1});
+}
+
+class Video : public testing::Test {
+ protected:
+  template <class Change>
+  Frame after(Change change) {
+    cameras_[0].with([&](CameraDevice& device) { change(device.camera); });
+    return graph_.await();
+  }
+
+  Apartment apartment_;
+  SimulatedCameras cameras_{{"usb:0998,zoom=50"}};
+  Graph graph_;
+};
+
+TEST_F(Video, FollowsLightZoomAndFocus) {
+  ASSERT_EQ(graph_.connect(), S_OK);
+  ASSERT_TRUE(SUCCEEDED(graph_.run()));
+  const Frame dark = after([](Camera& camera) { camera.sensor().set(0x3503, 7); });
+  ASSERT_EQ(dark.size(), 2U * 640 * 480);
+  const Frame lit = after([](Camera& camera) {
+    write(camera, 3, 31);
+    write(camera, 4, 15);
+  });
+  EXPECT_GT(meanLuma(lit), meanLuma(dark) + 20);
+  const auto focus = [](int offset) {
+    return [offset](Camera& camera) {
+      const auto position = static_cast<std::uint8_t>(camera.controller().at(0x50) + offset);
+      camera.deviceAt(0x46)->write({}, {&position, 1});
+    };
+  };
+  const Frame sharp = after(focus(12)), blurred = after(focus(60));
+  EXPECT_GT(sharpness(sharp), 1.5 * sharpness(blurred));
+  const Frame again = after(focus(12));
+  const Frame nearer = after([](Camera& camera) { camera.setZoom({100, 100, 0}); });
+  EXPECT_GT(difference(sharp, nearer), 3 * difference(sharp, again));
+  EXPECT_TRUE(SUCCEEDED(graph_.stop()));
+}
+
+TEST_F(Video, ComesInTheSizesOfTheModel) {
+  int count = 0, bytes = 0;
+  ASSERT_EQ(graph_.config().GetNumberOfCapabilities(&count, &bytes), S_OK);
+  ASSERT_EQ(static_cast<std::size_t>(count), simulator::videoModesFor(0x998).size());
+  LONG last = 0;
+  for (int i = 0; i < count; ++i) {
+    VIDEO_STREAM_CONFIG_CAPS capabilities{};
+    AM_MEDIA_TYPE* type = nullptr;
+    Graph graph;
+    ASSERT_EQ(graph.config().GetStreamCaps(i, &type, reinterpret_cast<BYTE*>(&capabilities)), S_OK);
+    const SIZE size = capabilities.MaxOutputSize;
+    EXPECT_GT(size.cx, last);
+    last = size.cx;
+    EXPECT_EQ(graph.config().SetFormat(type), S_OK);
+    ASSERT_EQ(graph.connect(), S_OK) << size.cx;
+    EXPECT_EQ(graph.config().SetFormat(type), VFW_E_ALREADY_CONNECTED);
+    CoTaskMemFree(type->pbFormat);
+    CoTaskMemFree(type);
+    ASSERT_TRUE(SUCCEEDED(graph.run()));
+    EXPECT_EQ(graph.await().size(), 2U * static_cast<ULONG>(size.cx * size.cy)) << size.cx;
+    // Without a stop: the graph goes in mid-stream.
+  }
+}
+
+TEST_F(Video, StopsRunsAgainAndSurvivesItsCamera) {
+  ASSERT_EQ(graph_.connect(), S_OK);
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(SUCCEEDED(graph_.run()));
+    EXPECT_FALSE(graph_.await().empty());
+    EXPECT_TRUE(SUCCEEDED(graph_.stop()));
+  }
+  ASSERT_TRUE(SUCCEEDED(graph_.run()));
+  cameras_.unplug();
+  Sleep(300);
+  EXPECT_TRUE(SUCCEEDED(graph_.stop()));
+}
+
+}  // namespace
+}  // namespace qvx::tests
