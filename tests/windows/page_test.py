@@ -9,6 +9,7 @@ import queue
 import signal
 import subprocess
 import sys
+import tempfile
 import threading
 import time
 
@@ -61,8 +62,13 @@ class Program:
 
 
 def client(*arguments):
-    return subprocess.run([RUN_WINE, CLIENT, "--device", "90", *arguments], text=True,
-                          stdin=subprocess.DEVNULL, capture_output=True, timeout=LIMIT_S)
+    """Through a file: what Wine starts beside a program would keep a pipe open."""
+    with tempfile.TemporaryFile("w+") as printed:
+        done = subprocess.run([RUN_WINE, CLIENT, "--device", "90", *arguments], timeout=LIMIT_S,
+                              stdin=subprocess.DEVNULL, stdout=printed, stderr=subprocess.DEVNULL)
+        printed.seek(0)
+        done.stdout = printed.read()
+        return done
 
 
 def open_browser():
