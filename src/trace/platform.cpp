@@ -39,7 +39,7 @@ std::string textOf(const PropertySet& set) {
 
 InternetHandle openUrl(InternetHandle session, const std::wstring& url) {
   Line line("http");
-  const InternetHandle request = system::openUrl(session, url);
+  InternetHandle request = system::openUrl(session, url);
   line.result(request != nullptr).text("url", url).number("request", numberOf(request));
   return request;
 }
@@ -295,9 +295,9 @@ std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PicturePr
 
 // Time, and what else is told.
 
-void tellDebugger(const std::string& text) {
-  Line("note").text("text", std::string_view(text));
-  system::tellDebugger(text);
+void tellDebugger(const std::string& line) {
+  Line("note").text("text", std::string_view(line));
+  system::tellDebugger(line);
 }
 
 void pause(std::uint32_t milliseconds) {

@@ -9,6 +9,7 @@
 #include "etlib2/etLib2.h"
 #include "platform/workers.h"
 #include "tests/support/cameras.h"
+#include "trace/trace.h"
 
 namespace qvx::tests {
 namespace {
@@ -129,6 +130,20 @@ TEST_F(CallLayer, BusyMutexDelaysTheTransferBeyondTheCaller) {
   EXPECT_EQ(journal(), Journal{});
   machine().clock.sleep(300);
   EXPECT_EQ(journal().size(), 2u) << "the worker waited on, and did the transfer";
+}
+
+TEST_F(CallLayer, TraceTellsOfLateWorkersAndABusyMutex) {
+  machine().environment["QVX64_TRACE"] = "camera.trace";
+  trace::begin();
+  EXPECT_EQ(etLib2_Init(), 1);
+  const std::string& text = machine().files[L"camera.trace"];
+  const auto told = [&text](const char* event) { return text.find(event) != std::string::npos; };
+  readStatus();
+  EXPECT_FALSE(told(" late ") || told(" busy ")) << text;
+  holdMutexFor(5000);
+  readStatus();
+  machine().clock.waitForOthers();
+  EXPECT_TRUE(told(" late limit_ms=500\n") && told(" busy limit_ms=")) << text;
 }
 
 TEST_F(CallLayer, MutexHeldTooLongMeansNoTransfer) {
