@@ -7,15 +7,20 @@
 #include <wininet.h>
 
 #include <array>
+#include <cfloat>
+#include <cstdarg>
 #include <cstdio>
 #include <stdexcept>
 #include <utility>
 
 #include "platform/hid.h"
 #include "platform/libusbk.h"
+#include "platform/process.h"
+#include "platform/text.h"
 #include "platform/topology.h"
 #include "platform/video_inputs.h"
 #include "transport/usb3.h"
+#include "transport/wifi_address.h"
 
 namespace qvx::bench {
 
@@ -134,8 +139,11 @@ std::vector<std::string> describedHidInterfaces() {
   return paths;
 }
 
-void print(const char* line) {
-  std::printf("%s\n", line);
+[[gnu::format(printf, 1, 2)]] void print(const char* pattern, ...) {
+  va_list arguments;
+  va_start(arguments, pattern);
+  std::vprintf(pattern, arguments);
+  va_end(arguments);
   std::fflush(stdout);
 }
 
@@ -151,6 +159,11 @@ unsigned __stdcall runTransfer(void* argument) {
 
 void barePause(unsigned milliseconds) {
   Sleep(milliseconds);
+}
+
+void bareSettings() {
+  platform::wideToUtf8(platform::environmentVariable(wifiCameraVariable));
+  platform::floatingPointControl(platform::floatingPointControl(0, 0), _MCW_EM);
 }
 
 void bareWifiCommand(const std::wstring& url) {
@@ -188,12 +201,12 @@ void bareBridgeSearch() {
 void bareLibusbkSearch() {
   platform::KLST_HANDLE devices = nullptr;
   platform::LstK_Init(&devices, 0);
-  print("Error initializing device list.");
+  print("Error initializing device list.\n");
 }
 
 void bareListing() {
   CoInitialize(nullptr);
-  platform::listVideoInputs();
+  for (const auto& input : platform::listVideoInputs()) platform::wideToOem(input.displayName);
 }
 
 void bareTimer() {
@@ -261,13 +274,16 @@ void bareUsb3Open() {
   std::uint8_t descriptor[18];
   platform::LstK_Init(&devices, 0);
   platform::LstK_Count(devices, &count);
-  print("Looking for device vid/pid 3C7E/09B0..");
+  print("Looking for device vid/pid %04X/%04X..\n", 0x3C7E, 0x9B0);
   platform::LstK_FindByVidPid(devices, 0x3C7E, 0x9B0, &device);
-  print("Using 3C7E:09B0 (virtual0): Simulated USB 3 camera - QVX64");
-  platform::LibK_LoadDriverAPI(&Usb, device->DriverID);
-  Usb.Init(&opened, device);
-  print("Device opened successfully!");
-  print("Pipe Information:");
+  const platform::KLST_DEVINFO& found = *device;
+  platform::LstK_MoveNext(devices, &device);
+  print("Using %04X:%04X (%s): %s - %s\n", found.Common.Vid, found.Common.Pid,
+        found.Common.InstanceID, found.DeviceDesc, found.Mfg);
+  platform::LibK_LoadDriverAPI(&Usb, found.DriverID);
+  Usb.Init(&opened, &found);
+  print("Device opened successfully!\n");
+  print("Pipe Information:\n");
   Usb.QueryPipe(opened, 0, 2, &pipe);
   platform::UsbK_ControlTransfer(opened, {0x80, 0x06, 0x0100, 0, sizeof descriptor}, descriptor,
                                  sizeof descriptor, &moved);

@@ -10,6 +10,9 @@ namespace qvx::bench {
 
 void barePause(unsigned milliseconds);
 
+// The camera's address from the environment, and the masks of floating-point exceptions.
+void bareSettings();
+
 // A request and its one read. Like the library's, both handles stay open.
 void bareWifiCommand(const std::wstring& url);
 

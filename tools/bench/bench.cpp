@@ -76,6 +76,7 @@ void measureWifi() {
   compare(
       {"Init, Wi-Fi, us", roundsOfInit, 1.15}, [] { initialize(wifiDeviceIndex); },
       [&] {
+        bareSettings();
         bareWifiSearch(widen(base));
         for (int i = 0; i < wifiReadsOfInit; ++i) {
           bareWifiCommand(read);
@@ -101,6 +102,7 @@ void measureBridge(const char* path, std::unique_ptr<BareBridge> (*open)()) {
   compare(
       {("Init, " + name + ", us").c_str(), roundsOfInit, limit}, [] { initialize(0); },
       [&] {
+        bareSettings();
         const auto camera = open();
         bareListing();
         bareLibusbkSearch();
@@ -138,11 +140,14 @@ void measureUsb3() {
   initialize(chooseAutomatically);
   compare(
       {"USB 3 register read, us", 3000, 1.15}, [] { ReadFromPIC(0, 0x80); }, bareUsb3Read);
+  // With a device index it would open the camera only beside one behind a bridge.
   compare(
-      {"Init, USB 3, us", roundsOfInit, 1.15}, [] { initialize(0); },
+      {"Init, USB 3, us", roundsOfInit, 1.15}, [] { initialize(chooseAutomatically); },
       [] {
-        bareBridgeSearch();
+        bareSettings();
         bareUsb3Open();
+        bareListing();
+        bareBridgeSearch();
         bareListing();
         barePause(pauseOfInit_ms);
         for (int i = 0; i < usb3ReadsOfInit; ++i) bareUsb3Read();

@@ -48,6 +48,7 @@ void endRow(double value, double limit) {
 void openTable() {
   table = _fdopen(_dup(_fileno(stdout)), "w");
   std::freopen("NUL", "w", stdout);
+  std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);  // as in a file: a line at a time, not a character
 }
 
 void printHead() {
