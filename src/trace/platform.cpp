@@ -25,11 +25,12 @@ std::int64_t numberOf(const void* handle) {
 }
 
 std::string textOf(const PropertySet& set) {
+  const auto& d = set.data4;
   char text[40];
-  int length = std::snprintf(text, sizeof text, "%08X-%04X-%04X-", unsigned{set.data1},
-                             unsigned{set.data2}, unsigned{set.data3});
-  for (const std::uint8_t byte : set.data4)
-    length += std::snprintf(text + length, sizeof text - length, "%02X", unsigned{byte});
+  std::snprintf(text, sizeof text, "%08X-%04X-%04X-%02X%02X%02X%02X%02X%02X%02X%02X",
+                unsigned{set.data1}, unsigned{set.data2}, unsigned{set.data3}, unsigned{d[0]},
+                unsigned{d[1]}, unsigned{d[2]}, unsigned{d[3]}, unsigned{d[4]}, unsigned{d[5]},
+                unsigned{d[6]}, unsigned{d[7]});
   return text;
 }
 
