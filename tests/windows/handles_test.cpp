@@ -43,9 +43,10 @@ constexpr Kept overWifi(const char* name, int reads, int unread = 0) {
           mostPerRead * reads + mostPerCommand * unread};
 }
 
-// A picture property of a USB camera keeps four objects of the capture driver.
+// A picture property of a USB camera keeps four objects of the capture driver, of these sizes when
+// the driver is that of the simulated cameras.
 constexpr Kept picture(const char* name) {
-  constexpr int handles = 1, leastBytes = 300, mostBytes = 400;
+  constexpr int handles = 3, leastBytes = 450, mostBytes = 600;
   return {name, handles, leastBytes, mostBytes};
 }
 

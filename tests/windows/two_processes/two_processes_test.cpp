@@ -110,26 +110,30 @@ class TwoProcesses : public testing::Test {
     for (Worker& worker : workers_) EXPECT_EQ(worker.end(15000), 0u);
   }
 
-  void expectMuchWasDone() const {
-    unsigned succeeded = 0, failed = 0;
+  void expectMuchWasDone() {
+    unsigned succeeded = 0;
     for (const Owner& owner : shared().owners) {
       EXPECT_GT(owner.succeeded, 0u);
       succeeded += owner.succeeded;
-      failed += owner.failed;
+      late_ += owner.failed;
     }
-    EXPECT_GT(succeeded, 3 * failed);
-    std::printf("%u kills; %u calls succeeded, %u came too late\n", kills_, succeeded, failed);
+    EXPECT_GT(succeeded, 3 * late_);
+    std::printf("%u kills; %u calls succeeded, %u came too late\n", kills_, succeeded, late_);
   }
 
-  // A transfer that was cut off is dropped when the next one begins. Nothing else may be wrong.
+  // A transfer that was cut off is dropped when the next one begins. A chip whose generation is
+  // told too late is taken for one of the first, which has a switch of the bus in register 6.
+  // Nothing else may be wrong.
   void expectOnlyCutTransfers(SimulatedCameras& cameras) const {
     unsigned cut = 0;
     for (std::size_t bridge = 0; bridge < bridgeCount; ++bridge) {
       std::istringstream lines(cameras.violations(bridge));
-      for (std::string line; std::getline(lines, line); ++cut) {
+      for (std::string line; std::getline(lines, line);) {
+        if (late_ != 0 && line == "bridge: unknown register 0x0006") continue;
         EXPECT_TRUE(line == "HID: exchange not finished before report 0x87" ||
                     line == "HID: exchange not finished before report 0x97")
             << line;
+        ++cut;
       }
     }
     std::printf("%u transfers cut off\n", cut);
@@ -140,7 +144,7 @@ class TwoProcesses : public testing::Test {
   const unsigned seed_ = numberFrom("QVX_SEED", static_cast<unsigned>(GetTickCount64()));
   std::minstd_rand random_{seed_};
   Worker workers_[processCount] = {Worker(0), Worker(1)};
-  unsigned kills_ = 0;
+  unsigned kills_ = 0, late_ = 0;
 };
 
 TEST_F(TwoProcesses, KilledAtAnyMomentNeitherHangNorMixTheirBytes) {
