@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures the library against the bare system calls, side by side in one run under Wine: one table.
 # Exit code 1 when a row is over its limit, 2 when it could not be measured. The machine may be busy:
-# the two sides take turns, and the fastest tenth of each counts.
+# the two sides take turns, and the median of the rounds' ratios counts.
 source "$(dirname "$0")/common.sh"
 
 scripts/setup.sh test || exit 2

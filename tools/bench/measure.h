@@ -9,9 +9,9 @@ namespace qvx::bench {
 using Operation = std::function<void()>;
 using Times = std::function<double()>;  // runs once and tells how long that took, in microseconds
 
-// An operation of the library and the bare system calls that it comes down to. They run in turn, so
-// that whatever else the machine does meets both. It can only add to a time: the fastest tenth of
-// each counts.
+// An operation of the library and the bare system calls that it comes down to. They run in turn,
+// each first in every other round, so that whatever else the machine does meets both: the median of
+// the rounds' ratios counts. The fastest tenth of each tells how long they take.
 struct Comparison {
   const char* operation;
   int rounds;
