@@ -70,7 +70,7 @@ KUSB_BOOL openTraced(KUSB_HANDLE* interfaceHandle, const KLST_DEVINFO* deviceInf
 
 bool traced(bool done, KLST_DEVINFO** deviceInfo, Line& line) {
   line.result(done);
-  if (!done || *deviceInfo == nullptr) return done;
+  if (!line.isOn() || !done || *deviceInfo == nullptr) return done;
   const KLST_DEVINFO& device = **deviceInfo;
   line.hex("vid", static_cast<std::uint32_t>(device.Common.Vid), 4)
       .hex("pid", static_cast<std::uint32_t>(device.Common.Pid), 4)
