@@ -46,10 +46,16 @@ void replaceBridges(std::shared_ptr<Bridges> bridges) {
 }
 
 std::shared_ptr<Bridges> open(BridgeInterface kind) {
-  openCameras().com.emplace();
-  std::shared_ptr<Bridges> bridges = Bridges::open(kind);
-  if (bridges == nullptr) openCameras().com.reset();
-  return bridges;
+  auto& com = openCameras().com;
+  com.emplace();
+  try {
+    std::shared_ptr<Bridges> bridges = Bridges::open(kind);
+    if (bridges == nullptr) com.reset();
+    return bridges;
+  } catch (...) {
+    com.reset();
+    throw;
+  }
 }
 
 // Runs an access on a worker; nothing when the worker did not start or was late. The access must
