@@ -20,6 +20,7 @@ constexpr std::uint8_t transferFailedBit = 0x10;
 constexpr std::uint8_t secondBusBit = 0x04;
 constexpr std::uint8_t pressedBit = 0x80;
 constexpr std::uint8_t pressedBitOf4xx7 = 0x10;
+constexpr std::uint8_t automaticBit = 0x80;                         // in the higher byte
 constexpr std::uint8_t allLightPinsLow = 0xF0, segmentMode = 0xF5;  // of the lights
 
 }  // namespace
@@ -86,10 +87,15 @@ void BridgeChip::writeRegister(std::uint16_t address, std::span<const std::uint8
   if (camera_.tap().losesWrites) return;
   std::copy(value.begin(), value.end(), entry->value.begin());
   if (address == lights) camera_.gpio().setLights(value[0]);
+  if (address == exposureMode) {
+    camera_.firmwareExposure().automatic = (value[1] & automaticBit) != 0;
+  }
 }
 
 void BridgeChip::writeCommand(const BridgeCommandData& request) {
-  if (!camera_.tap().losesWrites) commands_.write(request);
+  if (camera_.tap().losesWrites) return;
+  commands_.write(request);
+  camera_.firmwareExposure().target = commands_.exposureParameters()[0];
 }
 
 bool BridgeChip::writeI2c(std::uint8_t slave, std::span<const std::uint8_t> subAddress,
@@ -130,6 +136,14 @@ void BridgeChip::tell(const char* verb, std::uint16_t address, const char* arrow
   camera_.tap().tell(line);
 }
 
+// What else changes these is to be read here, too.
+void BridgeChip::refresh() {
+  find(lights)->value[0] = allLightPinsLow | camera_.gpio().lights();
+  std::uint8_t& mode = find(exposureMode)->value[1];
+  mode = static_cast<std::uint8_t>(mode & ~automaticBit);
+  if (camera_.firmwareExposure().automatic) mode |= automaticBit;
+}
+
 bool BridgeChip::hasBusSwitch() const {
   const std::uint8_t generation = setup_.family & 0xF0;
   return generation != 0xB0 && generation != 0xC0;
@@ -146,6 +160,7 @@ BridgeChip::Register* BridgeChip::find(std::uint16_t address) {
 }
 
 BridgeChip::Register* BridgeChip::findForAccess(std::uint16_t address, std::size_t length) {
+  refresh();
   Register* const entry = find(address);
   // Who knows the chip to be of generation 2 leaves its bus alone.
   const bool absent = address == busSwitch && (setup_.family & 0xF0) == 0xB0;

@@ -95,6 +95,7 @@ class BridgeChip {
 
   void tell(const char* verb, std::uint16_t address, const char* arrow,
             std::span<const std::uint8_t> value) const;
+  void refresh();
   bool hasBusSwitch() const;
   I2cBus selectedBus() const;
   Register* find(std::uint16_t address);

@@ -17,6 +17,12 @@
 
 namespace qvx::simulator {
 
+// Automatic exposure of a sensor that leaves it to the camera's firmware.
+struct FirmwareExposure {
+  bool automatic = true;
+  std::uint8_t target = 0x40;  // brightness
+};
+
 class Camera {
  public:
   explicit Camera(std::uint16_t productId);
@@ -50,6 +56,8 @@ class Camera {
   const FocusLens& lens() const { return lens_; }
   Sensor& sensor() { return sensor_; }
   const Sensor& sensor() const { return sensor_; }
+  FirmwareExposure& firmwareExposure() { return firmwareExposure_; }
+  const FirmwareExposure& firmwareExposure() const { return firmwareExposure_; }
   PictureControls& picture() { return picture_; }
   const PictureControls& picture() const { return picture_; }
   VideoOutput& video() { return video_; }
@@ -70,6 +78,7 @@ class Camera {
   Gpio gpio_;
   FocusLens lens_;
   Sensor sensor_;
+  FirmwareExposure firmwareExposure_;
   PictureControls picture_;
   VideoOutput video_;
   BusTap tap_;

@@ -57,7 +57,7 @@ constexpr SensorExposure exposures[] = {
     {0x78, linesOf78, setLinesOf78, 500, 2000, 0x3503, 0x00, 0x07, 0x3A1E, 0x38},
     {0x48, linesOf48, setLinesOf48, 480, 2000, 0x0380, 0x55, 0x54, 0x038E, 0x40},
     {0x42, linesOf42, setLinesOf42, 312, 1250, 0x13, 0xBD, 0xB8, 0x25, 0x48},
-    {0x34, linesOf34, setLinesOf34, 500, frameLines - 1, 0, 0, 0, 0, 1},
+    {0x34, linesOf34, setLinesOf34, 500, frameLines - 1, 0, 0, 0, 0, 0x40},
 };
 
 }  // namespace

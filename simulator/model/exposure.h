@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "simulator/model/sensor.h"
+#include "simulator/model/camera.h"
 
 namespace qvx::simulator {
 
@@ -13,17 +13,23 @@ struct SensorExposure {
   void (*setLines)(Sensor& sensor, std::uint32_t lines);
   double usualLines;  // the right exposure in usual light
   double mostLines;   // that a person would want
-  // Bit 0 tells whether exposure is automatic; register 0: it is not the sensor's matter.
+  // Bit 0 tells whether exposure is automatic; register 0: the camera's firmware does it.
   std::uint16_t automaticRegister;
   std::uint8_t automatic, manual;
   std::uint16_t targetRegister;
   double usualTarget;  // of automatic exposure: gives the right exposure
 
-  bool isAutomatic(const Sensor& sensor) const {
-    return automaticRegister != 0 && ((sensor.at(automaticRegister) ^ automatic) & 1) == 0;
+  bool isAutomatic(const Camera& camera) const {
+    if (automaticRegister == 0) return camera.firmwareExposure().automatic;
+    return ((camera.sensor().at(automaticRegister) ^ automatic) & 1) == 0;
   }
-  void setAutomatic(Sensor& sensor, bool on) const {
-    sensor.set(automaticRegister, on ? automatic : manual);
+  void setAutomatic(Camera& camera, bool on) const {
+    if (automaticRegister == 0) camera.firmwareExposure().automatic = on;
+    camera.sensor().set(automaticRegister, on ? automatic : manual);
+  }
+  double target(const Camera& camera) const {
+    if (automaticRegister == 0) return camera.firmwareExposure().target;
+    return camera.sensor().at(targetRegister);
   }
 };
 

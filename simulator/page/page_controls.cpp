@@ -135,10 +135,9 @@ void addExposure(Controls& controls, Camera& camera) {
                       exposure->mostLines, 1, exposure->usualLines, [=, &sensor](double to) {
                         exposure->setLines(sensor, static_cast<std::uint32_t>(to));
                       }});
-  if (exposure->automaticRegister == 0) return;
-  controls.push_back({"exposure", "automatic", "Automatic", 1.0 * exposure->isAutomatic(sensor), 0,
+  controls.push_back({"exposure", "automatic", "Automatic", 1.0 * exposure->isAutomatic(camera), 0,
                       1, 1, 1,
-                      [=, &sensor](double on) { exposure->setAutomatic(sensor, on != 0); }});
+                      [=, &camera](double on) { exposure->setAutomatic(camera, on != 0); }});
 }
 
 void addPicture(Controls& controls, PictureControls& picture) {

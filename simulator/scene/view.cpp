@@ -31,9 +31,9 @@ Exposed exposedIn(const Camera& camera, double light) {
   const double backlight = 1 + backlightStep * (setting(camera, 8) - pictureControl(8)->standard);
   const SensorExposure* const how = exposureFor(camera.productId());
   if (how == nullptr) return exposedBy(backlight / light, gain);
-  const Sensor& sensor = camera.sensor();
-  if (!how->isAutomatic(sensor)) return {gain * how->lines(sensor) / how->usualLines, gain};
-  return exposedBy(backlight * sensor.at(how->targetRegister) / how->usualTarget / light, gain);
+  if (!how->isAutomatic(camera))
+    return {gain * how->lines(camera.sensor()) / how->usualLines, gain};
+  return exposedBy(backlight * how->target(camera) / how->usualTarget / light, gain);
 }
 
 // What the optics show at x1, in units of 0.55 mm: the sensor's width.
