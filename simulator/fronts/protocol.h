@@ -7,10 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "simulator/model/property_sets.h"
+
 namespace qvx::simulator {
 
 enum class RequestKind : std::uint32_t {
-  describe,      // the reply is a CameraDescription
   control,       // USB control transfer: `key` begins with the setup packet
   setProperty,   // of an extension unit: `key` is the set, `number` the selector
   getProperty,   //
@@ -22,11 +23,13 @@ enum class RequestKind : std::uint32_t {
   frame,         // a picture for video, as YUY2, in the size of the mode `number`
 };
 
+using RequestKey = std::array<std::uint8_t, 16>;
+
 struct RequestHead {
   RequestKind kind;
-  std::uint32_t number;
-  std::array<std::uint8_t, 16> key;
-  std::uint32_t wanted;  // bytes of the reply at most, without its head
+  std::uint32_t number = 0;
+  RequestKey key{};
+  std::uint32_t wanted = 0;  // bytes of the reply at most, without its head
 };
 static_assert(sizeof(RequestHead) == 28);
 
@@ -38,15 +41,6 @@ struct ReplyHead {
 constexpr std::size_t mostBytes = 1024;
 constexpr std::size_t mostRequestBytes = sizeof(RequestHead) + mostBytes;
 constexpr std::size_t mostReplyBytes = sizeof(ReplyHead) + mostBytes;
-
-struct CameraDescription {
-  std::uint16_t vendorId, productId;
-  std::uint8_t unit;  // as in Unit
-  std::uint8_t reserved;
-  std::uint16_t reportDescriptorSize;
-  std::uint8_t reportDescriptor[64];
-};
-static_assert(sizeof(CameraDescription) == 72);
 
 // Two bytes a pixel: two lumas share their chroma.
 constexpr std::uint32_t yuy2Bytes(std::uint32_t width, std::uint32_t height) {
@@ -63,12 +57,20 @@ struct PictureRange {
 // A transfer that takes longer has failed. Real devices are given as long by their drivers.
 constexpr std::uint32_t transferLimit_ms = 3000;
 
-// Where the record of a plugged-in camera names its pipe.
-inline constexpr wchar_t pipeValueName[] = L"SimulatorPipe";
+// A camera that is plugged in, as the registry keeps it for the fronts. Texts are terminated.
+struct CameraRecord {
+  std::uint64_t order;  // among all that was ever plugged in
+  wchar_t pipe[64];
+  char name[128];  // UTF-8
+  std::uint16_t vendorId, productId;
+  Unit unit;  // not absent: it is a video input
+  bool isUsb3, isHid;
+  std::uint16_t hidNumber;  // among the HID devices of its product
+  std::uint16_t reportDescriptorSize;
+  std::uint8_t reportDescriptor[64];
+};
 
-// The USB 3 devices of all runs, below the machine's part of the registry.
-inline constexpr wchar_t usb3Devices[] = L"Software\\qvx-simulator\\usb3";
-
-inline constexpr wchar_t hidServiceName[] = L"qvx-hid-bridge";
+// The value with its record in the registry's key of a HID device.
+inline constexpr wchar_t recordValueName[] = L"SimulatedCamera";
 
 }  // namespace qvx::simulator

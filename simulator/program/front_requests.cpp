@@ -19,17 +19,16 @@ struct Request {
 // The bytes of the reply; nothing for a refusal.
 using Answer = std::optional<Bytes>;
 
-PropertySetId setOf(const RequestHead& head) {
-  PropertySetId set{};
-  static_assert(sizeof set == sizeof head.key);
-  std::memcpy(&set, head.key.data(), sizeof set);
-  return set;
+// What bytes begin with.
+template <class Value>
+Value as(std::span<const std::uint8_t> bytes) {
+  Value value;
+  std::memcpy(&value, bytes.data(), sizeof value);
+  return value;
 }
 
-UsbSetup setupOf(const RequestHead& head) {
-  UsbSetup setup{};
-  std::memcpy(&setup, head.key.data(), sizeof setup);
-  return setup;
+PropertySetId setOf(const RequestHead& head) {
+  return as<PropertySetId>(head.key);
 }
 
 // The same bytes for as many as were filled.
@@ -46,7 +45,7 @@ Answer answerOf(const Value& value) {
 
 Answer control(CameraDevice& device, const Request& request) {
   constexpr std::uint8_t toHost = 0x80;
-  const UsbSetup setup = setupOf(request.head);
+  const auto setup = as<UsbSetup>(request.head.key);
   const bool reads = (setup.requestType & toHost) != 0;
   Bytes bytes(request.bytes.begin(), request.bytes.end());
   if (reads) bytes.resize(request.head.wanted);
@@ -84,12 +83,10 @@ const PictureControl* controlOf(const Request& request) {
 
 Answer setPicture(CameraDevice& device, const Request& request) {
   const PictureControl* const control = controlOf(request);
-  PictureValue wanted{};
-  if (control == nullptr || request.bytes.size() != sizeof wanted) return std::nullopt;
-  std::memcpy(&wanted, request.bytes.data(), sizeof wanted);
+  if (control == nullptr || request.bytes.size() != sizeof(PictureValue)) return std::nullopt;
+  const auto [value, automatic] = as<PictureValue>(request.bytes);
   const bool lost = device.camera.tap().losesWrites;
-  return filled(
-      lost || device.camera.picture().set(*control, {wanted.value, wanted.automatic != 0}), {});
+  return filled(lost || device.camera.picture().set(*control, {value, automatic != 0}), {});
 }
 
 Answer getPicture(CameraDevice& device, const Request& request) {
@@ -136,7 +133,7 @@ std::string shortHex(std::span<const std::uint8_t> bytes) {
 std::string headInWords(const char* name, const RequestHead& head) {
   char text[64];
   if (head.kind == RequestKind::control) {
-    const UsbSetup setup = setupOf(head);
+    const auto setup = as<UsbSetup>(head.key);
     std::snprintf(text, sizeof text, "%s %02X %02X %04X %04X %u", name, setup.requestType,
                   setup.request, setup.value, setup.index, setup.length);
   } else if (head.kind == RequestKind::setProperty || head.kind == RequestKind::getProperty) {
@@ -198,37 +195,19 @@ Reply frame(PluggedCamera& camera, const RequestHead& head) {
   return reply;
 }
 
-Bytes describe(PluggedCamera& camera) {
-  CameraDescription description{};
-  description.vendorId = camera.spec().vendorId;
-  description.productId = camera.spec().productId;
-  description.unit = static_cast<std::uint8_t>(camera.spec().unit);
-  const auto reports =
-      camera.with([](CameraDevice& device) { return device.hid.reportDescriptor(); });
-  description.reportDescriptorSize = static_cast<std::uint16_t>(reports.size());
-  std::copy(reports.begin(), reports.end(), description.reportDescriptor);
-  return *answerOf(description);
-}
-
 }  // namespace
 
 std::string answerFront(PluggedCamera& camera, std::span<const std::uint8_t> message) {
-  Request request{};
   Reply reply;
-  if (message.size() >= sizeof request.head) {
-    std::memcpy(&request.head, message.data(), sizeof request.head);
-    request.bytes = message.subspan(sizeof request.head);
-  }
-  if (request.head.kind == RequestKind::frame) reply = frame(camera, request.head);
-  request.head.wanted = std::min<std::uint32_t>(request.head.wanted, mostBytes);
-  if (request.head.kind == RequestKind::describe && !message.empty()) {
-    const Bytes description = describe(camera);
-    reply.done = true;
-    reply.bytes.assign(description.begin(), description.end());
-  }
-  for (const auto& transfer : transfers) {
-    if (transfer.kind != request.head.kind) continue;
-    reply = camera.carry([&](CameraDevice& device) { return carryOut(device, transfer, request); });
+  if (message.size() >= sizeof(RequestHead)) {
+    Request request{as<RequestHead>(message), message.subspan(sizeof(RequestHead))};
+    if (request.head.kind == RequestKind::frame) reply = frame(camera, request.head);
+    request.head.wanted = std::min<std::uint32_t>(request.head.wanted, mostBytes);
+    for (const auto& transfer : transfers) {
+      if (transfer.kind != request.head.kind) continue;
+      reply =
+          camera.carry([&](CameraDevice& device) { return carryOut(device, transfer, request); });
+    }
   }
   const ReplyHead head{reply.done};
   return std::string(reinterpret_cast<const char*>(&head), sizeof head) + reply.bytes;

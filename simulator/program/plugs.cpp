@@ -1,9 +1,10 @@
 #include "simulator/program/plugs.h"
 
-#include <windows.h>
-
 #include <algorithm>
+#include <cstdio>
 
+#include "simulator/fronts/handle.h"
+#include "simulator/fronts/pipe_client.h"
 #include "simulator/fronts/text.h"
 #include "simulator/program/pipe_server.h"
 
@@ -14,33 +15,54 @@ namespace {
 // One process at a time plugs in or out, whatever becomes of it meanwhile.
 class Exclusive {
  public:
-  Exclusive() : mutex_(CreateMutexW(nullptr, FALSE, L"qvx-simulator-plugs")) {
-    WaitForSingleObject(mutex_, limit_ms);
-  }
-  ~Exclusive() {
-    ReleaseMutex(mutex_);
-    CloseHandle(mutex_);
-  }
-  Exclusive(const Exclusive&) = delete;
-  Exclusive& operator=(const Exclusive&) = delete;
+  Exclusive() { WaitForSingleObject(mutex_.get(), limit_ms); }
+  ~Exclusive() { ReleaseMutex(mutex_.get()); }
 
  private:
   static constexpr DWORD limit_ms = 60'000;
 
-  HANDLE mutex_;
+  const Handle mutex_{CreateMutexW(nullptr, FALSE, L"qvx-simulator-plugs")};
 };
 
 // Grows with time: what comes later is listed later.
 std::uint64_t nextOrder() {
+  static std::uint64_t last = 0;
   FILETIME time;
   GetSystemTimePreciseAsFileTime(&time);
-  return static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+  const auto now = static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+  return last = std::max(last + 1, now);
 }
 
-void sweepAll() {
-  VideoPlugs::sweep();
-  HidPlugs::sweep();
-  Usb3Plugs::sweep();
+CameraRecord recordOf(const CameraSpec& spec) {
+  CameraRecord record{};
+  record.order = nextOrder();
+  std::swprintf(record.pipe, std::size(record.pipe), L"qvx-simulator-%016llx", record.order);
+  std::snprintf(record.name, sizeof record.name, "%s", spec.name.c_str());
+  record.vendorId = spec.vendorId;
+  record.productId = spec.productId;
+  record.unit = spec.unit;
+  record.isUsb3 = spec.transport == Transport::usb3;
+  record.isHid = spec.transport == Transport::hid;
+  return record;
+}
+
+constexpr const DeviceKind* deviceKinds[] = {&videoInputs, &usb3Devices, &hidDevices};
+
+CameraRecords ofKind(const DeviceKind& kind, const CameraRecords& cameras) {
+  CameraRecords result;
+  std::ranges::copy_if(cameras, std::back_inserter(result), kind.includes);
+  return result;
+}
+
+void sweep() {
+  CameraRecords left, gone;
+  for (const CameraRecord& camera : listedCameras()) {
+    (isServed(camera.pipe) ? left : gone).push_back(camera);
+  }
+  for (const DeviceKind* const kind : deviceKinds) {
+    kind->takeOut(ofKind(*kind, gone), ofKind(*kind, left).empty());
+  }
+  for (const CameraRecord& camera : gone) dropFromList(camera);
 }
 
 }  // namespace
@@ -59,24 +81,49 @@ std::string missing(const std::wstring& file) {
   return there ? "" : problem;
 }
 
-ServedDesk::ServedDesk(Desk& desk, Naming naming) : desk_(desk) {
+std::wstring readText(const std::wstring& key, const wchar_t* name) {
+  wchar_t text[1024];
+  DWORD size = sizeof text;
+  const LSTATUS status =
+      RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text, &size);
+  return status == ERROR_SUCCESS ? text : L"";
+}
+
+bool writeText(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+  return RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ, text.c_str(),
+                         static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
+ServedDesk::ServedDesk(Desk& desk) : desk_(desk) {
   const Exclusive exclusive;
-  sweepAll();
-  const std::uint64_t first = nextOrder();
-  ServedCameras served;
+  sweep();
+  CameraRecords cameras;
   for (const auto& camera : desk.cameras()) {
-    if (camera->spec().transport == Transport::wifi) continue;
-    const std::uint64_t order = first + served.size();
-    served.push_back({*camera, L"qvx-simulator-" + std::to_wstring(order), order});
-    PipeServer& server =
-        *servers_.emplace_back(std::make_unique<PipeServer>(*camera, served.back().pipe));
-    camera->onHearing = [camera = camera.get(), &server] {
-      if (!camera->isPluggedIn()) server.close();
-    };
+    if (camera->spec().transport != Transport::wifi) cameras.push_back(serve(*camera));
   }
-  problem_ = VideoPlugs::plugIn(served, naming);
-  if (problem_.empty()) problem_ = Usb3Plugs::plugIn(served);
-  if (problem_.empty()) problem_ = HidPlugs::plugIn(served);
+  for (const DeviceKind* const kind : deviceKinds) {
+    const CameraRecords mine = ofKind(*kind, cameras);
+    if (problem_.empty() && !mine.empty()) problem_ = kind->plugIn(mine);
+  }
+}
+
+CameraRecord ServedDesk::serve(PluggedCamera& camera) {
+  CameraRecord record = recordOf(camera.spec());
+  const auto reports =
+      camera.with([](CameraDevice& device) { return device.hid.reportDescriptor(); });
+  record.reportDescriptorSize = static_cast<std::uint16_t>(reports.size());
+  std::ranges::copy(reports, record.reportDescriptor);
+  for (const CameraRecord& other : ofKind(hidDevices, listedCameras())) {
+    if (other.vendorId == record.vendorId && other.productId == record.productId) {
+      record.hidNumber = std::max<std::uint16_t>(record.hidNumber, other.hidNumber + 1);
+    }
+  }
+  PipeServer& server = *servers_.emplace_back(std::make_unique<PipeServer>(camera, record.pipe));
+  camera.onHearing = [&camera, &server] {
+    if (!camera.isPluggedIn()) server.close();
+  };
+  if (!addToList(record)) problem_ = "the registry's list of cameras cannot be written";
+  return record;
 }
 
 ServedDesk::~ServedDesk() {
@@ -87,7 +134,7 @@ ServedDesk::~ServedDesk() {
 
 void sweepPlugs() {
   const Exclusive exclusive;
-  sweepAll();
+  sweep();
 }
 
 }  // namespace qvx::simulator

@@ -1,54 +1,41 @@
-// The cameras of a run as devices of this machine, one part of it each. Plugging in needs the
-// rights of an administrator.
+// The cameras of a run as devices of this machine. Plugging in needs the rights of an
+// administrator.
 #pragma once
 
-#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "simulator/fronts/camera_list.h"
 #include "simulator/program/desk.h"
 
 namespace qvx::simulator {
 
 class PipeServer;
 
-// A camera and the pipe on which its fronts reach it.
-struct ServedCamera {
-  const PluggedCamera& camera;
-  std::wstring pipe;
-  std::uint64_t order;  // among all that was ever plugged in
+// A part of the machine in which cameras are listed.
+struct DeviceKind {
+  bool (*includes)(const CameraRecord& camera);
+  // What is wrong; nothing when they are there. Never called for none.
+  std::string (*plugIn)(const CameraRecords& cameras);
+  // What nobody serves; `last` when nothing that is served is left.
+  void (*takeOut)(const CameraRecords& cameras, bool last);
 };
-using ServedCameras = std::vector<ServedCamera>;
-
-enum class Naming {
-  devicePath,  // as Windows names real cameras: "@device:pnp:\\?\usb#...\global", in the order in
-               // which they were plugged in; our enumerator takes the place of the system's
-  system,      // the system's own enumerator makes up the names: "@device:sw:{...}\usb#..."
-};
-
-// A part of the machine. Each says what is wrong when something cannot be plugged in.
-struct VideoPlugs {
-  static std::string plugIn(const ServedCameras& cameras, Naming naming);
-  static void sweep();  // takes out what nobody serves
-};
-struct HidPlugs {
-  static std::string plugIn(const ServedCameras& cameras);
-  static void sweep();
-};
-struct Usb3Plugs {
-  static std::string plugIn(const ServedCameras& cameras);
-  static void sweep();
-};
+extern const DeviceKind videoInputs, usb3Devices, hidDevices;
 
 // The folder of the running program, with a backslash at its end; what is wrong when a file is not
 // there.
 std::wstring programFolder();
 std::string missing(const std::wstring& file);
 
+// Texts of the registry's machine-wide part; an absent one reads as an empty one.
+std::wstring readText(const std::wstring& key, const wchar_t* name);
+bool writeText(const std::wstring& key, const wchar_t* name, const std::wstring& text);
+
 // The cameras that have a pipe, served and plugged in for as long as this lives.
 class ServedDesk {
  public:
-  explicit ServedDesk(Desk& desk, Naming naming = Naming::devicePath);
+  explicit ServedDesk(Desk& desk);
   ~ServedDesk();
   ServedDesk(const ServedDesk&) = delete;
   ServedDesk& operator=(const ServedDesk&) = delete;
@@ -57,6 +44,8 @@ class ServedDesk {
   const std::string& problem() const { return problem_; }
 
  private:
+  CameraRecord serve(PluggedCamera& camera);
+
   std::string problem_;
   Desk& desk_;
   std::vector<std::unique_ptr<PipeServer>> servers_;

@@ -43,12 +43,5 @@ TEST(PictureProperties, WithoutAnyCamera) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "No Device Found!\nNo Device Found!\n");
 }
 
-TEST(PictureProperties, ASystemMadeNameWithCapitalsIsNeverFound) {
-  SimulatedCameras cameras({"usb:0970"}, simulator::Naming::system);
-  SetVideoDeviceIndex(0);
-  EXPECT_NE(copyOf(GetDeviceId(0)).find(L"vid_3c7e"), std::wstring::npos);
-  EXPECT_EQ(GetVideoProcAmp(0), -1);
-}
-
 }  // namespace
 }  // namespace qvx::tests

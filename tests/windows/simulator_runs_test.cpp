@@ -6,8 +6,8 @@
 
 #include <string>
 
+#include "simulator/fronts/camera_list.h"
 #include "simulator/fronts/text.h"
-#include "simulator/fronts/video_inputs.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
@@ -114,7 +114,7 @@ TEST(SimulatorRuns, StandBesideEachOther) {
     openCamera(1);
     EXPECT_NE(copyOf(GetDeviceId(1)).find(L"pid_0870"), std::wstring::npos);
   }
-  EXPECT_TRUE(eventually([] { return simulator::registeredInputs().size() == 1; }));
+  EXPECT_TRUE(eventually([] { return simulator::listedCameras().size() == 1; }));
   openCamera(0);
   EXPECT_NE(copyOf(GetDeviceId(0)).find(L"pid_0970"), std::wstring::npos);
 }
@@ -127,7 +127,7 @@ TEST(SimulatorRuns, PassOnExitCodesAndTidyUp) {
                                         {"wifi:0970,port=1 wifi:0971,port=1", 2u}}) {
     const std::string command = std::string("qvx-simulator.exe --no-page ") + arguments;
     EXPECT_EQ(Process(command).exitCode(), code) << command;
-    EXPECT_EQ(simulator::registeredInputs().size(), 0u) << command;
+    EXPECT_EQ(simulator::listedCameras().size(), 0u) << command;
   }
 }
 

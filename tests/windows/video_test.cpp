@@ -19,8 +19,7 @@ namespace {
 
 using simulator::Camera;
 using simulator::CameraDevice;
-using simulator::ComPointer;
-using simulator::Receiving;
+using simulator::ComPtr;
 
 constexpr CLSID sampleGrabberClass = {
     0xC1F400A0, 0x3F08, 0x11D3, {0x9F, 0x0B, 0x00, 0x60, 0x08, 0x03, 0x9E, 0x37}};
@@ -30,16 +29,16 @@ constexpr CLSID nullRendererClass = {
 using Frame = std::vector<std::uint8_t>;
 
 template <class Interface>
-ComPointer<Interface> create(REFCLSID id) {
-  ComPointer<Interface> object;
-  CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), Receiving(object));
+ComPtr<Interface> create(REFCLSID id) {
+  ComPtr<Interface> object;
+  CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), &object);
   return object;
 }
 
 template <class Interface>
-ComPointer<Interface> as(IUnknown& object) {
-  ComPointer<Interface> result;
-  object.QueryInterface(__uuidof(Interface), Receiving(result));
+ComPtr<Interface> as(IUnknown& object) {
+  ComPtr<Interface> result;
+  object.QueryInterface(__uuidof(Interface), &result);
   return result;
 }
 
@@ -71,14 +70,14 @@ class Catcher final : public simulator::ComObject<ISampleGrabberCB> {
   Frame frame_;
 };
 
-ComPointer<IBaseFilter> firstVideoInput() {
+ComPtr<IBaseFilter> firstVideoInput() {
   const auto devices = create<ICreateDevEnum>(CLSID_SystemDeviceEnum);
-  ComPointer<IEnumMoniker> monikers;
-  devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, Receiving(monikers), 0);
-  ComPointer<IMoniker> moniker;
-  ComPointer<IBaseFilter> filter;
-  if (monikers != nullptr && monikers->Next(1, Receiving(moniker), nullptr) == S_OK) {
-    moniker->BindToObject(nullptr, nullptr, __uuidof(IBaseFilter), Receiving(filter));
+  ComPtr<IEnumMoniker> monikers;
+  devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, &monikers, 0);
+  ComPtr<IMoniker> moniker;
+  ComPtr<IBaseFilter> filter;
+  if (monikers != nullptr && monikers->Next(1, &moniker, nullptr) == S_OK) {
+    moniker->BindToObject(nullptr, nullptr, __uuidof(IBaseFilter), &filter);
   }
   return filter;
 }
@@ -97,35 +96,36 @@ class Graph {
         grabber_(create<IBaseFilter>(sampleGrabberClass)),
         renderer_(create<IBaseFilter>(nullRendererClass)),
         camera_(firstVideoInput()) {
-    builder_->SetFiltergraph(graph_.get());
-    for (IBaseFilter* const filter : {camera_.get(), grabber_.get(), renderer_.get()}) {
+    catcher_.Attach(new Catcher);
+    builder_->SetFiltergraph(graph_.Get());
+    for (IBaseFilter* const filter : {camera_.Get(), grabber_.Get(), renderer_.Get()}) {
       EXPECT_EQ(graph_->AddFilter(filter, nullptr), S_OK);
     }
     AM_MEDIA_TYPE type{};
     type.majortype = MEDIATYPE_Video;
     type.subtype = MEDIASUBTYPE_YUY2;
-    const auto grabber = as<ISampleGrabber>(*grabber_);
+    const auto grabber = as<ISampleGrabber>(*grabber_.Get());
     grabber->SetMediaType(&type);
-    grabber->SetCallback(catcher_.get(), 1);
-    builder_->FindInterface(&PIN_CATEGORY_CAPTURE, nullptr, camera_.get(),
-                            __uuidof(IAMStreamConfig), Receiving(config_));
+    grabber->SetCallback(catcher_.Get(), 1);
+    builder_->FindInterface(&PIN_CATEGORY_CAPTURE, nullptr, camera_.Get(),
+                            __uuidof(IAMStreamConfig), &config_);
   }
 
-  IAMStreamConfig& config() { return *config_; }
+  IAMStreamConfig& config() { return *config_.Get(); }
   HRESULT connect() {
-    return builder_->RenderStream(&PIN_CATEGORY_CAPTURE, &MEDIATYPE_Video, camera_.get(),
-                                  grabber_.get(), renderer_.get());
+    return builder_->RenderStream(&PIN_CATEGORY_CAPTURE, &MEDIATYPE_Video, camera_.Get(),
+                                  grabber_.Get(), renderer_.Get());
   }
-  HRESULT run() { return as<IMediaControl>(*graph_)->Run(); }
-  HRESULT stop() { return as<IMediaControl>(*graph_)->Stop(); }
+  HRESULT run() { return as<IMediaControl>(*graph_.Get())->Run(); }
+  HRESULT stop() { return as<IMediaControl>(*graph_.Get())->Stop(); }
   Frame await() { return catcher_->await(); }
 
  private:
-  ComPointer<Catcher> catcher_{new Catcher};
-  ComPointer<IGraphBuilder> graph_;
-  ComPointer<ICaptureGraphBuilder2> builder_;
-  ComPointer<IBaseFilter> grabber_, renderer_, camera_;
-  ComPointer<IAMStreamConfig> config_;
+  ComPtr<Catcher> catcher_;
+  ComPtr<IGraphBuilder> graph_;
+  ComPtr<ICaptureGraphBuilder2> builder_;
+  ComPtr<IBaseFilter> grabber_, renderer_, camera_;
+  ComPtr<IAMStreamConfig> config_;
 };
 
 double meanLuma(const Frame& frame) {

@@ -1,157 +1,111 @@
 #include "simulator/fronts/capture_filter/capture_filter.h"
 
-#include <algorithm>
-#include <iterator>
+#include <string>
 
-#include "simulator/fronts/video_inputs.h"
+#include "simulator/fronts/capture_filter/capture_pin.h"
+#include "simulator/fronts/capture_filter/topology.h"
+#include "simulator/fronts/capture_filter/video_proc_amp.h"
 
 namespace qvx::simulator {
 
 namespace {
 
-class Pins final : public ItemEnumerator<IEnumPins, IPin> {
+// {957935F7-A643-4C53-8BA7-F561BB42D7B5}
+constexpr CLSID captureFilterClass = {
+    0x957935F7, 0xA643, 0x4C53, {0x8B, 0xA7, 0xF5, 0x61, 0xBB, 0x42, 0xD7, 0xB5}};
+
+class CaptureFilter final : public ComObject<IBaseFilter> {
  public:
-  explicit Pins(IPin& pin, ULONG position = 0) : ItemEnumerator(1, position), pin_(pin) {
-    pin_.AddRef();
+  CaptureFilter(PipeClient& camera, const CameraRecord& record)
+      : pin_(*this, camera, record.productId),
+        procAmp_(*this, camera),
+        topology_(*this, camera, record.unit),
+        hasTopology_(record.unit != Unit::plain) {}
+
+  STDMETHODIMP GetClassID(CLSID* id) override {
+    *id = captureFilterClass;
+    return S_OK;
   }
 
- private:
-  ~Pins() override { pin_.Release(); }
+  STDMETHODIMP Stop() override {
+    pin_.stream().stop();
+    state_ = State_Stopped;
+    return S_OK;
+  }
+  STDMETHODIMP Pause() override {
+    pin_.stream().pause();
+    state_ = State_Paused;
+    return S_OK;
+  }
+  STDMETHODIMP Run(REFERENCE_TIME start) override {
+    if (state_ == State_Stopped) pin_.stream().pause();
+    pin_.stream().run(start, clock_.Get());
+    state_ = State_Running;
+    return S_OK;
+  }
+  STDMETHODIMP GetState(DWORD, FILTER_STATE* state) override {
+    *state = state_;
+    return state_ == State_Paused ? VFW_S_CANT_CUE : S_OK;
+  }
+  STDMETHODIMP SetSyncSource(IReferenceClock* clock) override {
+    clock_ = clock;
+    return S_OK;
+  }
+  STDMETHODIMP GetSyncSource(IReferenceClock** clock) override { return clock_.CopyTo(clock); }
 
-  HRESULT give(ULONG /*index*/, IPin** pin) override {
+  STDMETHODIMP EnumPins(IEnumPins** pins) override {
+    *pins = new ItemEnumerator<IEnumPins, IPin>(
+        1, [pin = ComPtr<IPin>(&pin_)](ULONG, IPin** item) { return pin.CopyTo(item); });
+    return S_OK;
+  }
+  STDMETHODIMP FindPin(LPCWSTR id, IPin** pin) override {
+    *pin = nullptr;
+    if (std::wstring_view(id) != CapturePin::name) return VFW_E_NOT_FOUND;
     *pin = &pin_;
     pin_.AddRef();
     return S_OK;
   }
-  IEnumPins* cloneAt(ULONG position) override { return new Pins(pin_, position); }
-
-  IPin& pin_;
-};
-
-std::wstring instanceIn(IPropertyBag& properties) {
-  VARIANT value;
-  VariantInit(&value);
-  value.vt = VT_BSTR;
-  std::wstring instance;
-  if (SUCCEEDED(properties.Read(instanceValueName, &value, nullptr)) && value.vt == VT_BSTR) {
-    instance = value.bstrVal;
+  STDMETHODIMP QueryFilterInfo(FILTER_INFO* info) override {
+    *info = {};
+    name_.copy(info->achName, std::size(info->achName) - 1);
+    info->pGraph = graph_;
+    if (graph_ != nullptr) graph_->AddRef();
+    return S_OK;
   }
-  VariantClear(&value);
-  return instance;
-}
+  STDMETHODIMP JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) override {
+    graph_ = graph;
+    name_ = name == nullptr ? L"" : name;
+    return S_OK;
+  }
+  STDMETHODIMP QueryVendorInfo(LPWSTR*) override { return E_NOTIMPL; }
+
+ protected:
+  void* find(REFIID iid) override {
+    if (iid == __uuidof(IMediaFilter) || iid == __uuidof(IPersist)) {
+      return static_cast<IBaseFilter*>(this);
+    }
+    void* found = ComObject::find(iid);
+    if (found == nullptr) found = procAmp_.find(iid);
+    if (found == nullptr && hasTopology_) found = topology_.find(iid);
+    return found;
+  }
+
+ private:
+  CapturePin pin_;
+  VideoProcAmp procAmp_;
+  Topology topology_;
+  const bool hasTopology_;
+
+  FILTER_STATE state_ = State_Stopped;
+  ComPtr<IReferenceClock> clock_;
+  IFilterGraph* graph_ = nullptr;  // the graph owns the filter: no reference
+  std::wstring name_;
+};
 
 }  // namespace
 
-CaptureFilter::CaptureFilter() : pin_(*this) {}
-
-CaptureFilter::~CaptureFilter() {
-  if (clock_ != nullptr) clock_->Release();
-}
-
-bool CaptureFilter::attach(const std::wstring& instance) {
-  camera_ = VirtualCamera::at(instance);
-  if (camera_ == nullptr) return false;
-  IUnknown& whole = *static_cast<IBaseFilter*>(this);
-  pin_.attach(camera_);
-  procAmp_.emplace(whole, *camera_);
-  const auto unit = static_cast<Unit>(camera_->description().unit);
-  if (unit != Unit::plain) topology_.emplace(whole, *camera_);
-  return true;
-}
-
-void* CaptureFilter::find(REFIID iid) {
-  if (iid == __uuidof(IMediaFilter)) return static_cast<IMediaFilter*>(this);
-  if (iid == __uuidof(IPersist)) return static_cast<IBaseFilter*>(this);
-  void* found = ComObject::find(iid);
-  if (found == nullptr && procAmp_) found = procAmp_->find(iid);
-  if (found == nullptr && topology_) found = topology_->find(iid);
-  return found;
-}
-
-STDMETHODIMP CaptureFilter::GetClassID(CLSID* id) {
-  *id = captureFilterClass;
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::InitNew() {
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::Load(IPropertyBag* properties, IErrorLog*) {
-  return attach(instanceIn(*properties)) ? S_OK : E_FAIL;
-}
-
-STDMETHODIMP CaptureFilter::Save(IPropertyBag*, BOOL, BOOL) {
-  return E_NOTIMPL;
-}
-
-STDMETHODIMP CaptureFilter::Stop() {
-  pin_.stop();
-  state_ = State_Stopped;
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::Pause() {
-  pin_.pause();
-  state_ = State_Paused;
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::Run(REFERENCE_TIME start) {
-  if (state_ == State_Stopped) pin_.pause();
-  pin_.run(start, clock_);
-  state_ = State_Running;
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::GetState(DWORD, FILTER_STATE* state) {
-  *state = state_;
-  return state_ == State_Paused ? VFW_S_CANT_CUE : S_OK;
-}
-
-STDMETHODIMP CaptureFilter::SetSyncSource(IReferenceClock* clock) {
-  if (clock != nullptr) clock->AddRef();
-  if (clock_ != nullptr) clock_->Release();
-  clock_ = clock;
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::GetSyncSource(IReferenceClock** clock) {
-  *clock = clock_;
-  if (clock_ != nullptr) clock_->AddRef();
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::EnumPins(IEnumPins** pins) {
-  *pins = new Pins(pin_);
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::FindPin(LPCWSTR id, IPin** pin) {
-  *pin = nullptr;
-  if (std::wstring_view(id) != CapturePin::name) return VFW_E_NOT_FOUND;
-  *pin = &pin_;
-  pin_.AddRef();
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::QueryFilterInfo(FILTER_INFO* info) {
-  *info = {};
-  const std::size_t room = std::size(info->achName) - 1;
-  std::copy_n(name_.begin(), std::min(name_.size(), room), info->achName);
-  info->pGraph = graph_;
-  if (graph_ != nullptr) graph_->AddRef();
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::JoinFilterGraph(IFilterGraph* graph, LPCWSTR name) {
-  graph_ = graph;
-  name_ = name == nullptr ? L"" : name;
-  return S_OK;
-}
-
-STDMETHODIMP CaptureFilter::QueryVendorInfo(LPWSTR*) {
-  return E_NOTIMPL;
+IBaseFilter* makeCaptureFilter(const CameraRecord& camera) {
+  return new CaptureFilter(PipeClient::of(camera.pipe), camera);
 }
 
 }  // namespace qvx::simulator

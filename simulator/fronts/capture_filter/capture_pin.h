@@ -1,6 +1,11 @@
 // The pin of a virtual camera, from which its video flows.
 #pragma once
 
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <vector>
+
 #include "simulator/fronts/capture_filter/com_object.h"
 #include "simulator/fronts/capture_filter/kernel_streaming.h"
 #include "simulator/fronts/capture_filter/media_type.h"
@@ -9,63 +14,157 @@
 namespace qvx::simulator {
 
 // Lives and dies with its filter, but is a COM object of its own.
-class CapturePin final : public IPin, public IAMStreamConfig, public IKsPropertySet {
+class CapturePin final : public ComPart<IPin, IAMStreamConfig, IKsPropertySet> {
  public:
   static constexpr wchar_t name[] = L"Capture";
 
-  explicit CapturePin(IBaseFilter& filter) : filter_(filter) {}
-
-  // Before it is asked anything.
-  void attach(std::shared_ptr<VirtualCamera> camera);
+  CapturePin(IBaseFilter& filter, PipeClient& camera, std::uint16_t productId)
+      : ComPart(filter), filter_(filter), stream_(camera) {
+    const auto modes = videoModesFor(productId);
+    sizes_.assign(modes.begin(), modes.end());
+    std::ranges::sort(sizes_, {}, &VideoMode::width);
+  }
 
   // What flows from it; the filter sets it going and stops it.
-  void pause() { stream_.pause(camera_); }
-  void run(REFERENCE_TIME start, IReferenceClock* clock) { stream_.run(start, clock); }
-  void stop() { stream_.stop(); }
-  CapturePin(const CapturePin&) = delete;
-  CapturePin& operator=(const CapturePin&) = delete;
+  VideoStream& stream() { return stream_; }
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
-  STDMETHODIMP_(ULONG) AddRef() override { return filter_.AddRef(); }
-  STDMETHODIMP_(ULONG) Release() override { return filter_.Release(); }
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    *object = iid == __uuidof(IUnknown) ? static_cast<IPin*>(this) : find(iid);
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
 
-  STDMETHODIMP Connect(IPin* other, const AM_MEDIA_TYPE* type) override;
-  STDMETHODIMP ReceiveConnection(IPin* other, const AM_MEDIA_TYPE* type) override;
-  STDMETHODIMP Disconnect() override;
-  STDMETHODIMP ConnectedTo(IPin** other) override;
-  STDMETHODIMP ConnectionMediaType(AM_MEDIA_TYPE* type) override;
-  STDMETHODIMP QueryPinInfo(PIN_INFO* info) override;
-  STDMETHODIMP QueryDirection(PIN_DIRECTION* direction) override;
-  STDMETHODIMP QueryId(LPWSTR* id) override;
-  STDMETHODIMP QueryAccept(const AM_MEDIA_TYPE* type) override;
-  STDMETHODIMP EnumMediaTypes(IEnumMediaTypes** types) override;
-  STDMETHODIMP QueryInternalConnections(IPin** pins, ULONG* count) override;
-  STDMETHODIMP EndOfStream() override;
-  STDMETHODIMP BeginFlush() override;
-  STDMETHODIMP EndFlush() override;
-  STDMETHODIMP NewSegment(REFERENCE_TIME start, REFERENCE_TIME stop, double rate) override;
+  // Tries what the caller allows, in the order in which it is offered.
+  STDMETHODIMP Connect(IPin* other, const AM_MEDIA_TYPE* wanted) override {
+    if (other == nullptr) return E_POINTER;
+    if (other_ != nullptr) return VFW_E_ALREADY_CONNECTED;
+    for (const VideoMode& size : offered()) {
+      if (wanted != nullptr && !allows(*wanted, size)) continue;
+      if (SUCCEEDED(connectIn(size, *other))) return S_OK;
+    }
+    return VFW_E_NO_ACCEPTABLE_TYPES;
+  }
+  STDMETHODIMP ReceiveConnection(IPin*, const AM_MEDIA_TYPE*) override { return E_UNEXPECTED; }
+  STDMETHODIMP Disconnect() override {
+    if (other_ == nullptr) return S_FALSE;
+    stream_.disconnect();
+    other_ = nullptr;
+    return S_OK;
+  }
+  STDMETHODIMP ConnectedTo(IPin** other) override {
+    *other = nullptr;
+    return other_ == nullptr ? VFW_E_NOT_CONNECTED : other_.CopyTo(other);
+  }
+  STDMETHODIMP ConnectionMediaType(AM_MEDIA_TYPE* type) override {
+    *type = {};
+    return other_ == nullptr ? VFW_E_NOT_CONNECTED : fillMediaType(flowing_, *type);
+  }
 
-  STDMETHODIMP SetFormat(AM_MEDIA_TYPE* type) override;
-  STDMETHODIMP GetFormat(AM_MEDIA_TYPE** type) override;
-  STDMETHODIMP GetNumberOfCapabilities(int* count, int* size) override;
-  STDMETHODIMP GetStreamCaps(int index, AM_MEDIA_TYPE** type, BYTE* capabilities) override;
+  STDMETHODIMP QueryPinInfo(PIN_INFO* info) override {
+    info->pFilter = &filter_;
+    filter_.AddRef();
+    info->dir = PINDIR_OUTPUT;
+    std::copy(std::begin(name), std::end(name), info->achName);
+    return S_OK;
+  }
+  STDMETHODIMP QueryDirection(PIN_DIRECTION* direction) override {
+    *direction = PINDIR_OUTPUT;
+    return S_OK;
+  }
+  STDMETHODIMP QueryId(LPWSTR* id) override {
+    *id = static_cast<LPWSTR>(CoTaskMemAlloc(sizeof name));
+    if (*id == nullptr) return E_OUTOFMEMORY;
+    std::copy(std::begin(name), std::end(name), *id);
+    return S_OK;
+  }
+  STDMETHODIMP QueryAccept(const AM_MEDIA_TYPE* type) override {
+    return sizeOf(*type, sizes_) != nullptr ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP EnumMediaTypes(IEnumMediaTypes** types) override {
+    const auto sizes = offered();
+    *types = new ItemEnumerator<IEnumMediaTypes, AM_MEDIA_TYPE>(
+        sizes.size(), [sizes](ULONG index, AM_MEDIA_TYPE** type) {
+          return allocateMediaType(sizes[index], type);
+        });
+    return S_OK;
+  }
+  STDMETHODIMP QueryInternalConnections(IPin**, ULONG*) override { return E_NOTIMPL; }
+  STDMETHODIMP EndOfStream() override { return E_UNEXPECTED; }
+  STDMETHODIMP BeginFlush() override { return E_UNEXPECTED; }
+  STDMETHODIMP EndFlush() override { return E_UNEXPECTED; }
+  STDMETHODIMP NewSegment(REFERENCE_TIME, REFERENCE_TIME, double) override { return E_UNEXPECTED; }
 
-  STDMETHODIMP Set(REFGUID set, DWORD id, LPVOID instance, DWORD instanceSize, LPVOID data,
-                   DWORD dataSize) override;
-  STDMETHODIMP Get(REFGUID set, DWORD id, LPVOID instance, DWORD instanceSize, LPVOID data,
-                   DWORD dataSize, DWORD* returned) override;
-  STDMETHODIMP QuerySupported(REFGUID set, DWORD id, DWORD* support) override;
+  STDMETHODIMP SetFormat(AM_MEDIA_TYPE* type) override {
+    if (other_ != nullptr) return VFW_E_ALREADY_CONNECTED;
+    const VideoMode* const size = type == nullptr ? nullptr : sizeOf(*type, sizes_);
+    if (type != nullptr && size == nullptr) return VFW_E_INVALIDMEDIATYPE;
+    chosen_ = size;
+    return S_OK;
+  }
+  STDMETHODIMP GetFormat(AM_MEDIA_TYPE** type) override {
+    return allocateMediaType(other_ != nullptr ? flowing_ : offered().front(), type);
+  }
+  STDMETHODIMP GetNumberOfCapabilities(int* count, int* size) override {
+    *count = static_cast<int>(sizes_.size());
+    *size = sizeof(VIDEO_STREAM_CONFIG_CAPS);
+    return S_OK;
+  }
+  STDMETHODIMP GetStreamCaps(int index, AM_MEDIA_TYPE** type, BYTE* capabilities) override {
+    if (index < 0) return E_INVALIDARG;
+    if (index >= static_cast<int>(sizes_.size())) return S_FALSE;
+    const VideoMode& size = sizes_[static_cast<std::size_t>(index)];
+    *reinterpret_cast<VIDEO_STREAM_CONFIG_CAPS*>(capabilities) = capabilitiesOf(size);
+    return allocateMediaType(size, type);
+  }
+
+  // The one property of a pin: what it is for.
+  STDMETHODIMP Set(REFGUID, DWORD, LPVOID, DWORD, LPVOID, DWORD) override {
+    return E_PROP_ID_UNSUPPORTED;
+  }
+  STDMETHODIMP Get(REFGUID set, DWORD id, LPVOID, DWORD, LPVOID data, DWORD dataSize,
+                   DWORD* returned) override {
+    const HRESULT status = QuerySupported(set, id, nullptr);
+    if (FAILED(status)) return status;
+    if (returned != nullptr) *returned = sizeof(GUID);
+    if (data == nullptr) return S_OK;
+    if (dataSize < sizeof(GUID)) return E_UNEXPECTED;
+    std::memcpy(data, &PIN_CATEGORY_CAPTURE, sizeof(GUID));
+    return S_OK;
+  }
+  STDMETHODIMP QuerySupported(REFGUID set, DWORD id, DWORD* support) override {
+    if (set != AMPROPSETID_Pin) return E_PROP_SET_UNSUPPORTED;
+    if (id != AMPROPERTY_PIN_CATEGORY) return E_PROP_ID_UNSUPPORTED;
+    if (support != nullptr) *support = KSPROPERTY_SUPPORT_GET;
+    return S_OK;
+  }
 
  private:
-  HRESULT connectIn(const VideoMode& size, IPin& other);
-  std::span<const VideoMode> offered() const;
+  HRESULT connectIn(const VideoMode& size, IPin& other) {
+    AM_MEDIA_TYPE type;
+    HRESULT status = fillMediaType(size, type);
+    if (SUCCEEDED(status)) status = other.ReceiveConnection(this, &type);
+    CoTaskMemFree(type.pbFormat);
+    if (FAILED(status)) return status;
+    status = stream_.connect(other, size);
+    if (FAILED(status)) {
+      other.Disconnect();
+      return status;
+    }
+    other_ = &other;
+    flowing_ = size;
+    return S_OK;
+  }
+
+  std::span<const VideoMode> offered() const {
+    return chosen_ != nullptr ? std::span(chosen_, 1) : std::span(sizes_);
+  }
 
   IBaseFilter& filter_;
-  std::shared_ptr<VirtualCamera> camera_;
-  std::vector<VideoMode> sizes_;        // the smallest first
-  const VideoMode* chosen_ = nullptr;   // by SetFormat: then no other is offered
-  const VideoMode* flowing_ = nullptr;  // in the connection
-  ComPointer<IPin> other_;
+  std::vector<VideoMode> sizes_;       // the smallest first
+  const VideoMode* chosen_ = nullptr;  // by SetFormat: then no other is offered
+  VideoMode flowing_{};                // in the connection
+  ComPtr<IPin> other_;
   VideoStream stream_;
 };
 

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <unknwn.h>
+#include <wrl/client.h>
 
 #include <algorithm>
 #include <atomic>
-#include <memory>
+#include <functional>
 
 namespace qvx::simulator {
+
+using Microsoft::WRL::ComPtr;
 
 // The pointer to the interface with this id, among those listed; null when it is none of them.
 template <class First, class... Others, class Object>
@@ -79,13 +82,16 @@ class ComPart : public First, public Others... {
 
 // An enumerator of items that are made one by one.
 template <class Enumerator, class Item>
-class ItemEnumerator : public ComObject<Enumerator> {
+class ItemEnumerator final : public ComObject<Enumerator> {
  public:
-  ItemEnumerator(ULONG count, ULONG position) : count_(count), position_(position) {}
+  using Give = std::function<HRESULT(ULONG index, Item** item)>;
+
+  ItemEnumerator(std::size_t count, Give give, ULONG position = 0)
+      : count_(static_cast<ULONG>(count)), give_(std::move(give)), position_(position) {}
 
   STDMETHODIMP Next(ULONG count, Item** items, ULONG* fetched) override {
     ULONG given = 0;
-    while (given < count && position_ < count_ && SUCCEEDED(give(position_, &items[given]))) {
+    while (given < count && position_ < count_ && SUCCEEDED(give_(position_, &items[given]))) {
       ++given;
       ++position_;
     }
@@ -102,47 +108,18 @@ class ItemEnumerator : public ComObject<Enumerator> {
     return S_OK;
   }
   STDMETHODIMP Clone(Enumerator** copy) override {
-    *copy = cloneAt(position_);
+    *copy = new ItemEnumerator(count_, give_, position_);
     return S_OK;
   }
 
- protected:
-  virtual HRESULT give(ULONG index, Item** item) = 0;
-  virtual Enumerator* cloneAt(ULONG position) = 0;
-
  private:
   const ULONG count_;
+  const Give give_;
   ULONG position_;
 };
 
-struct ComRelease {
-  void operator()(IUnknown* object) const { object->Release(); }
-};
-
-// Holds a reference.
-template <class Interface>
-using ComPointer = std::unique_ptr<Interface, ComRelease>;
-
-// Where a call puts the reference that it hands out.
-template <class Interface>
-class Receiving {
- public:
-  explicit Receiving(ComPointer<Interface>& pointer) : pointer_(pointer) {}
-  ~Receiving() { pointer_.reset(received_); }
-  Receiving(const Receiving&) = delete;
-  Receiving& operator=(const Receiving&) = delete;
-
-  operator Interface**() { return &received_; }
-  operator void**() { return reinterpret_cast<void**>(&received_); }
-
- private:
-  ComPointer<Interface>& pointer_;
-  Interface* received_ = nullptr;
-};
-
 // Hands out a new object's interface, or frees the object when it has none of that kind.
-template <class Object>
-HRESULT handOut(Object* object, REFIID iid, void** result) {
+inline HRESULT handOut(IUnknown* object, REFIID iid, void** result) {
   const HRESULT status = object->QueryInterface(iid, result);
   object->Release();
   return status;

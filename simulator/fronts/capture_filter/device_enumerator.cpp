@@ -1,85 +1,161 @@
-#include "simulator/fronts/capture_filter/device_enumerator.h"
+// Stands in for the system's device enumerator: virtual cameras get the display names that Windows
+// gives to real ones. Everything else is left to the system's own.
+#include <cstdio>
+#include <map>
 
-#include <algorithm>
-#include <vector>
-
-#include "simulator/fronts/capture_filter/camera_moniker.h"
+#include "simulator/fronts/camera_list.h"
+#include "simulator/fronts/capture_filter/capture_filter.h"
+#include "simulator/fronts/capture_filter/com_object.h"
 #include "simulator/fronts/pipe_client.h"
-#include "simulator/fronts/video_inputs.h"
+#include "simulator/fronts/text.h"
 
 namespace qvx::simulator {
 
 namespace {
 
-class Monikers final : public ComObject<IEnumMoniker> {
- public:
-  Monikers(std::vector<VideoInput> inputs, std::size_t next)
-      : inputs_(std::move(inputs)), next_(next) {}
+using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 
-  STDMETHODIMP Next(ULONG count, IMoniker** monikers, ULONG* fetched) override {
-    ULONG given = 0;
-    while (given < count && next_ < inputs_.size()) {
-      monikers[given++] = new CameraMoniker(inputs_[next_++]);
-    }
-    if (fetched != nullptr) *fetched = given;
-    return given == count ? S_OK : S_FALSE;
+// The part of the display name that stands for the device; one number in it tells apart cameras of
+// one product.
+std::wstring devicePathOf(const CameraRecord& camera) {
+  char text[160];
+  std::snprintf(text, sizeof text,
+                R"(\\?\usb#vid_%04x&pid_%04x&mi_00#7&%08x&0&0000#)"
+                R"({65e8773d-8f56-11d0-a3b9-00a0c9223196}\global)",
+                camera.vendorId, camera.productId, static_cast<unsigned>(camera.order));
+  return wide(text);
+}
+
+class DeviceProperties final : public ComObject<IPropertyBag> {
+ public:
+  explicit DeviceProperties(const CameraRecord& camera)
+      : values_{{L"FriendlyName", wide(camera.name)}, {L"DevicePath", devicePathOf(camera)}} {}
+
+  STDMETHODIMP Read(LPCOLESTR name, VARIANT* value, IErrorLog*) override {
+    const auto found = values_.find(name);
+    if (found == values_.end()) return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    if (value->vt != VT_EMPTY && value->vt != VT_BSTR) return E_INVALIDARG;
+    value->vt = VT_BSTR;
+    value->bstrVal = SysAllocString(found->second.c_str());
+    return value->bstrVal == nullptr ? E_OUTOFMEMORY : S_OK;
   }
-  STDMETHODIMP Skip(ULONG count) override {
-    const std::size_t left = inputs_.size() - next_;
-    next_ += std::min<std::size_t>(count, left);
-    return count <= left ? S_OK : S_FALSE;
+  STDMETHODIMP Write(LPCOLESTR, VARIANT*) override { return E_ACCESSDENIED; }
+
+ private:
+  const std::map<std::wstring, std::wstring> values_;
+};
+
+// A camera's place in the enumeration: its names, and the way to open it.
+class CameraMoniker final : public ComObject<IMoniker> {
+ public:
+  explicit CameraMoniker(const CameraRecord& camera) : camera_(camera) {}
+
+  STDMETHODIMP BindToObject(IBindCtx*, IMoniker*, REFIID iid, void** object) override {
+    *object = nullptr;
+    if (!isServed(camera_.pipe)) return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    return handOut(makeCaptureFilter(camera_), iid, object);
   }
-  STDMETHODIMP Reset() override {
-    next_ = 0;
+  STDMETHODIMP BindToStorage(IBindCtx*, IMoniker*, REFIID iid, void** object) override {
+    return handOut(new DeviceProperties(camera_), iid, object);
+  }
+  STDMETHODIMP GetDisplayName(IBindCtx*, IMoniker*, LPOLESTR* name) override {
+    const std::wstring text = L"@device:pnp:" + devicePathOf(camera_);
+    *name = static_cast<LPOLESTR>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
+    if (*name == nullptr) return E_OUTOFMEMORY;
+    *std::copy(text.begin(), text.end(), *name) = L'\0';
     return S_OK;
   }
-  STDMETHODIMP Clone(IEnumMoniker** copy) override {
-    *copy = new Monikers(inputs_, next_);
-    return S_OK;
+
+  // What a moniker also has to have, but nobody asks of a device's.
+  STDMETHODIMP GetClassID(CLSID*) override { return E_NOTIMPL; }
+  STDMETHODIMP IsDirty() override { return S_FALSE; }
+  STDMETHODIMP Load(IStream*) override { return E_NOTIMPL; }
+  STDMETHODIMP Save(IStream*, BOOL) override { return E_NOTIMPL; }
+  STDMETHODIMP GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
+  STDMETHODIMP Reduce(IBindCtx*, DWORD, IMoniker**, IMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP ComposeWith(IMoniker*, BOOL, IMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP Enum(BOOL, IEnumMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP IsEqual(IMoniker*) override { return S_FALSE; }
+  STDMETHODIMP Hash(DWORD*) override { return E_NOTIMPL; }
+  STDMETHODIMP IsRunning(IBindCtx*, IMoniker*, IMoniker*) override { return S_FALSE; }
+  STDMETHODIMP GetTimeOfLastChange(IBindCtx*, IMoniker*, FILETIME*) override { return E_NOTIMPL; }
+  STDMETHODIMP Inverse(IMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP CommonPrefixWith(IMoniker*, IMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP RelativePathTo(IMoniker*, IMoniker**) override { return E_NOTIMPL; }
+  STDMETHODIMP ParseDisplayName(IBindCtx*, IMoniker*, LPOLESTR, ULONG*, IMoniker**) override {
+    return E_NOTIMPL;
+  }
+  STDMETHODIMP IsSystemMoniker(DWORD*) override { return S_FALSE; }
+
+ private:
+  const CameraRecord camera_;
+};
+
+// Past the registration that ours has taken over.
+HRESULT createSystemEnumerator(ComPtr<ICreateDevEnum>& enumerator) {
+  const HMODULE library = LoadLibraryExW(L"devenum.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  const auto getClassObject = reinterpret_cast<GetClassObject>(
+      reinterpret_cast<void (*)()>(GetProcAddress(library, "DllGetClassObject")));
+  if (getClassObject == nullptr) return E_NOTIMPL;
+  ComPtr<IClassFactory> factory;
+  const HRESULT status = getClassObject(CLSID_SystemDeviceEnum, IID_IClassFactory, &factory);
+  if (FAILED(status)) return status;
+  return factory->CreateInstance(nullptr, IID_ICreateDevEnum, &enumerator);
+}
+
+class DeviceEnumerator final : public ComObject<ICreateDevEnum> {
+ public:
+  STDMETHODIMP CreateClassEnumerator(REFCLSID category, IEnumMoniker** monikers,
+                                     DWORD flags) override {
+    *monikers = nullptr;
+    if (category == CLSID_VideoInputDeviceCategory) return enumerateCameras(monikers);
+    ComPtr<ICreateDevEnum> own;
+    if (FAILED(createSystemEnumerator(own))) return S_FALSE;
+    return own->CreateClassEnumerator(category, monikers, flags);
   }
 
  private:
-  std::vector<VideoInput> inputs_;
-  std::size_t next_;
+  // What a killed simulator has left is no camera.
+  static HRESULT enumerateCameras(IEnumMoniker** monikers) {
+    CameraRecords cameras = listedCameras();
+    std::erase_if(cameras, [](const CameraRecord& camera) {
+      return camera.unit == Unit::absent || !isServed(camera.pipe);
+    });
+    if (cameras.empty()) return S_FALSE;
+    const std::size_t count = cameras.size();
+    *monikers = new ItemEnumerator<IEnumMoniker, IMoniker>(
+        count, [cameras = std::move(cameras)](ULONG index, IMoniker** moniker) {
+          *moniker = new CameraMoniker(cameras[index]);
+          return S_OK;
+        });
+    return S_OK;
+  }
 };
 
-using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-
-// The system's own enumerator, past the registration that ours has taken over.
-ICreateDevEnum* systemEnumerator() {
-  const HMODULE library = LoadLibraryExW(L"devenum.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  if (library == nullptr) return nullptr;
-  const auto getClassObject = reinterpret_cast<GetClassObject>(
-      reinterpret_cast<void (*)()>(GetProcAddress(library, "DllGetClassObject")));
-  IClassFactory* factory = nullptr;
-  ICreateDevEnum* enumerator = nullptr;
-  if (getClassObject != nullptr &&
-      SUCCEEDED(getClassObject(CLSID_SystemDeviceEnum, IID_IClassFactory,
-                               reinterpret_cast<void**>(&factory)))) {
-    factory->CreateInstance(nullptr, IID_ICreateDevEnum, reinterpret_cast<void**>(&enumerator));
-    factory->Release();
+class Factory final : public ComObject<IClassFactory> {
+ public:
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
+    *object = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    return handOut(new DeviceEnumerator, iid, object);
   }
-  return enumerator;
-}
+  STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+};
 
 }  // namespace
 
-STDMETHODIMP DeviceEnumerator::CreateClassEnumerator(REFCLSID category, IEnumMoniker** monikers,
-                                                     DWORD flags) {
-  *monikers = nullptr;
-  if (category == CLSID_VideoInputDeviceCategory) {
-    std::vector<VideoInput> inputs = registeredInputs();
-    // What a killed simulator has left is no camera.
-    std::erase_if(inputs, [](const VideoInput& input) { return !isServed(input.pipe); });
-    if (inputs.empty()) return S_FALSE;
-    *monikers = new Monikers(std::move(inputs), 0);
-    return S_OK;
-  }
-  ICreateDevEnum* const own = systemEnumerator();
-  if (own == nullptr) return S_FALSE;
-  const HRESULT status = own->CreateClassEnumerator(category, monikers, flags);
-  own->Release();
-  return status;
+}  // namespace qvx::simulator
+
+// Once loaded the DLL stays: other threads may be in it.
+STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
+  *object = nullptr;
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                     reinterpret_cast<LPCWSTR>(&DllGetClassObject), &module);
+  if (id != CLSID_SystemDeviceEnum) return CLASS_E_CLASSNOTAVAILABLE;
+  return qvx::simulator::handOut(new qvx::simulator::Factory, iid, object);
 }
 
-}  // namespace qvx::simulator
+STDAPI DllCanUnloadNow() {
+  return S_FALSE;
+}

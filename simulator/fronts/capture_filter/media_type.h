@@ -1,30 +1,85 @@
 // The kinds of video that a virtual camera sends: uncompressed, in the sizes of its model.
 #pragma once
 
+#include <algorithm>
 #include <span>
 
 #include "simulator/fronts/capture_filter/kernel_streaming.h"
+#include "simulator/fronts/protocol.h"
 #include "simulator/model/video_modes.h"
 
 namespace qvx::simulator {
 
-// Memory that the caller frees.
-HRESULT fillMediaType(const VideoMode& size, AM_MEDIA_TYPE& type);
-HRESULT allocateMediaType(const VideoMode& size, AM_MEDIA_TYPE** type);
+inline constexpr REFERENCE_TIME frameTime_100ns = 666'666;
 
-VIDEO_STREAM_CONFIG_CAPS capabilitiesOf(const VideoMode& size);
+inline VIDEOINFOHEADER videoInfoOf(const VideoMode& size) {
+  VIDEOINFOHEADER info{};
+  info.AvgTimePerFrame = frameTime_100ns;
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = size.width;
+  info.bmiHeader.biHeight = size.height;
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 16;
+  info.bmiHeader.biCompression = MAKEFOURCC('Y', 'U', 'Y', '2');
+  info.bmiHeader.biSizeImage = yuy2Bytes(size.width, size.height);
+  return info;
+}
 
-// Which of the sizes a type describes, null for none; and whether a type that may be incomplete
-// allows a size.
-const VideoMode* sizeOf(const AM_MEDIA_TYPE& type, std::span<const VideoMode> sizes);
-bool allows(const AM_MEDIA_TYPE& wanted, const VideoMode& size);
+// The format lies in memory that whoever gets the type frees.
+inline HRESULT fillMediaType(const VideoMode& size, AM_MEDIA_TYPE& type) {
+  type = {};
+  auto* const info = static_cast<VIDEOINFOHEADER*>(CoTaskMemAlloc(sizeof(VIDEOINFOHEADER)));
+  if (info == nullptr) return E_OUTOFMEMORY;
+  *info = videoInfoOf(size);
+  type.majortype = MEDIATYPE_Video;
+  type.subtype = MEDIASUBTYPE_YUY2;
+  type.bFixedSizeSamples = TRUE;
+  type.lSampleSize = info->bmiHeader.biSizeImage;
+  type.formattype = FORMAT_VideoInfo;
+  type.cbFormat = sizeof *info;
+  type.pbFormat = reinterpret_cast<BYTE*>(info);
+  return S_OK;
+}
 
-// A type for the time of a call.
-struct MediaType : AM_MEDIA_TYPE {
-  explicit MediaType(const VideoMode& size) : AM_MEDIA_TYPE{} { fillMediaType(size, *this); }
-  ~MediaType() { CoTaskMemFree(pbFormat); }
-  MediaType(const MediaType&) = delete;
-  MediaType& operator=(const MediaType&) = delete;
-};
+// So does the type itself.
+inline HRESULT allocateMediaType(const VideoMode& size, AM_MEDIA_TYPE** type) {
+  *type = static_cast<AM_MEDIA_TYPE*>(CoTaskMemAlloc(sizeof(AM_MEDIA_TYPE)));
+  return *type == nullptr ? E_OUTOFMEMORY : fillMediaType(size, **type);
+}
+
+inline VIDEO_STREAM_CONFIG_CAPS capabilitiesOf(const VideoMode& size) {
+  constexpr LONG frames = 10'000'000 / frameTime_100ns;
+  VIDEO_STREAM_CONFIG_CAPS result{};
+  const SIZE pixels = {size.width, size.height};
+  result.guid = FORMAT_VideoInfo;
+  result.InputSize = result.MinCroppingSize = result.MaxCroppingSize = pixels;
+  result.MinOutputSize = result.MaxOutputSize = pixels;
+  result.MinFrameInterval = result.MaxFrameInterval = frameTime_100ns;
+  result.MinBitsPerSecond = result.MaxBitsPerSecond =
+      static_cast<LONG>(yuy2Bytes(size.width, size.height)) * 8 * frames;
+  return result;
+}
+
+// Whether a type, which may be incomplete, allows a size.
+inline bool allows(const AM_MEDIA_TYPE& wanted, const VideoMode& size) {
+  const auto isOpen = [](const GUID& id) { return id == GUID_NULL; };
+  if (!isOpen(wanted.majortype) && wanted.majortype != MEDIATYPE_Video) return false;
+  if (!isOpen(wanted.subtype) && wanted.subtype != MEDIASUBTYPE_YUY2) return false;
+  if (isOpen(wanted.formattype) || wanted.pbFormat == nullptr) return true;
+  if (wanted.formattype != FORMAT_VideoInfo || wanted.cbFormat < sizeof(VIDEOINFOHEADER)) {
+    return false;
+  }
+  const auto& header = reinterpret_cast<const VIDEOINFOHEADER*>(wanted.pbFormat)->bmiHeader;
+  return header.biWidth == size.width && header.biHeight == size.height;
+}
+
+// Which of the sizes a complete type describes, null for none.
+inline const VideoMode* sizeOf(const AM_MEDIA_TYPE& type, std::span<const VideoMode> sizes) {
+  const bool complete = type.majortype == MEDIATYPE_Video && type.subtype == MEDIASUBTYPE_YUY2 &&
+                        type.formattype == FORMAT_VideoInfo;
+  const auto found = std::ranges::find_if(
+      sizes, [&](const VideoMode& size) { return complete && allows(type, size); });
+  return found == sizes.end() ? nullptr : &*found;
+}
 
 }  // namespace qvx::simulator

@@ -1,123 +1,120 @@
 #include "simulator/fronts/capture_filter/video_stream.h"
 
+#include "simulator/fronts/capture_filter/media_type.h"
+
 namespace qvx::simulator {
 
 namespace {
 
-constexpr DWORD framePeriod_ms = VideoStream::frameTime_100ns / 10'000;
+constexpr std::chrono::milliseconds framePeriod(frameTime_100ns / 10'000);
 
 // The input's own memory, or where it has none, the system's.
-ComPointer<IMemAllocator> allocatorFor(IMemInputPin& input) {
-  ComPointer<IMemAllocator> allocator;
-  if (SUCCEEDED(input.GetAllocator(Receiving(allocator)))) return allocator;
-  CoCreateInstance(CLSID_MemoryAllocator, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IMemAllocator),
-                   Receiving(allocator));
+ComPtr<IMemAllocator> allocatorFor(IMemInputPin& input) {
+  ComPtr<IMemAllocator> allocator;
+  if (FAILED(input.GetAllocator(&allocator))) {
+    CoCreateInstance(CLSID_MemoryAllocator, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IMemAllocator),
+                     &allocator);
+  }
   return allocator;
 }
 
 }  // namespace
 
-VideoStream::VideoStream()
-    : running_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-      stopping_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
-
-VideoStream::~VideoStream() {
-  stop();
-  CloseHandle(running_);
-  CloseHandle(stopping_);
-}
-
 HRESULT VideoStream::connect(IPin& other, const VideoMode& size) {
   constexpr long buffers = 3;  // one of them may wait behind a filter that hands samples on
   ALLOCATOR_PROPERTIES wanted{buffers, static_cast<long>(yuy2Bytes(size.width, size.height)), 1, 0},
       actual{};
-  ComPointer<IMemInputPin> input;
-  HRESULT status = other.QueryInterface(__uuidof(IMemInputPin), Receiving(input));
+  ComPtr<IMemInputPin> input;
+  HRESULT status = other.QueryInterface(__uuidof(IMemInputPin), &input);
   if (FAILED(status)) return status;
-  ComPointer<IMemAllocator> allocator = allocatorFor(*input);
+  const ComPtr<IMemAllocator> allocator = allocatorFor(*input.Get());
   if (allocator == nullptr) return VFW_E_NO_ALLOCATOR;
   status = allocator->SetProperties(&wanted, &actual);
   if (SUCCEEDED(status) && actual.cbBuffer < wanted.cbBuffer) status = VFW_E_BUFFER_OVERFLOW;
-  if (SUCCEEDED(status)) status = input->NotifyAllocator(allocator.get(), FALSE);
+  if (SUCCEEDED(status)) status = input->NotifyAllocator(allocator.Get(), FALSE);
   if (FAILED(status)) return status;
   size_ = size;
-  input_ = std::move(input);
-  allocator_ = std::move(allocator);
+  input_ = input;
+  allocator_ = allocator;
   return S_OK;
 }
 
 void VideoStream::disconnect() {
   stop();
-  input_.reset();
-  allocator_.reset();
+  input_ = nullptr;
+  allocator_ = nullptr;
 }
 
-void VideoStream::pause(const std::shared_ptr<VirtualCamera>& camera) {
-  ResetEvent(running_);
-  if (input_ == nullptr || camera == nullptr || worker_.joinable()) return;
+void VideoStream::pause() {
+  setRunning(false);
+  if (input_ == nullptr || worker_.joinable()) return;
   allocator_->Commit();
-  ResetEvent(stopping_);
-  worker_ = std::thread([this, camera] { flow(*camera); });
+  worker_ = std::jthread([this](const std::stop_token& stopping) { flow(stopping); });
 }
 
 void VideoStream::run(REFERENCE_TIME start, IReferenceClock* clock) {
-  if (clock != nullptr) clock->AddRef();
-  const std::lock_guard lock(guard_);
-  clock_.reset(clock);
-  start_ = start;
-  SetEvent(running_);
+  {
+    const std::lock_guard lock(guard_);
+    clock_ = clock;
+    start_ = start;
+  }
+  setRunning(true);
 }
 
 // Decommitted memory wakes a worker that waits for a buffer; nothing is locked meanwhile.
 void VideoStream::stop() {
+  setRunning(false);
   if (!worker_.joinable()) return;
-  SetEvent(stopping_);
+  worker_.request_stop();
   allocator_->Decommit();
   worker_.join();
-  ResetEvent(running_);
 }
 
-void VideoStream::flow(VirtualCamera& camera) {
+void VideoStream::setRunning(bool running) {
+  const std::lock_guard lock(guard_);
+  running_ = running;
+  changed_.notify_all();
+}
+
+void VideoStream::flow(const std::stop_token& stopping) {
   CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-  for (ULONGLONG due = 0; waitFor(running_, INFINITE);) {
-    const ULONGLONG now = GetTickCount64();
-    if (now < due) {
-      if (WaitForSingleObject(stopping_, static_cast<DWORD>(due - now)) == WAIT_OBJECT_0) break;
-      continue;
-    }
-    due = now + framePeriod_ms;
-    if (!send(camera)) break;
+  auto due = std::chrono::steady_clock::now();
+  std::unique_lock lock(guard_);
+  while (changed_.wait(lock, stopping, [this] { return running_; })) {
+    if (changed_.wait_until(lock, due, [this] { return !running_; })) continue;
+    due = std::chrono::steady_clock::now() + framePeriod;
+    lock.unlock();
+    if (!send()) break;
+    lock.lock();
   }
   CoUninitialize();
 }
 
 // Whether it goes on. A camera that is gone gives no more pictures, and no error either.
-bool VideoStream::send(VirtualCamera& camera) {
-  ComPointer<IMediaSample> sample;
-  if (FAILED(allocator_->GetBuffer(Receiving(sample), nullptr, nullptr, 0))) return false;
+bool VideoStream::send() {
+  constexpr std::uint32_t limit_ms = 15'000;  // large pictures on a busy machine
+  const RequestHead request{RequestKind::frame, static_cast<std::uint32_t>(size_.command)};
+  const std::size_t size = yuy2Bytes(size_.width, size_.height);
+  ComPtr<IMediaSample> sample;
+  if (FAILED(allocator_->GetBuffer(&sample, nullptr, nullptr, 0))) return false;
   BYTE* bytes = nullptr;
   sample->GetPointer(&bytes);
-  const std::size_t size = yuy2Bytes(size_.width, size_.height);
-  if (!camera.frame(size_, {bytes, size})) return true;
+  if (camera_.ask(request, {}, {bytes, size}, limit_ms) != size) return true;
   sample->SetActualDataLength(static_cast<long>(size));
   sample->SetSyncPoint(TRUE);
-  stamp(*sample);
-  if (WaitForSingleObject(running_, 0) != WAIT_OBJECT_0) return true;
-  return input_->Receive(sample.get()) == S_OK;
+  {
+    const std::lock_guard lock(guard_);
+    if (!running_) return true;
+    stamp(*sample.Get());
+  }
+  return input_->Receive(sample.Get()) == S_OK;
 }
 
 void VideoStream::stamp(IMediaSample& sample) {
-  const std::lock_guard lock(guard_);
   REFERENCE_TIME now = 0;
   if (clock_ == nullptr || FAILED(clock_->GetTime(&now))) return;
   REFERENCE_TIME begin = now - start_, end = begin + frameTime_100ns;
   sample.SetTime(&begin, &end);
-}
-
-// False when it stops first.
-bool VideoStream::waitFor(HANDLE event, DWORD limit_ms) const {
-  const HANDLE events[] = {stopping_, event};
-  return WaitForMultipleObjects(2, events, FALSE, limit_ms) == WAIT_OBJECT_0 + 1;
 }
 
 }  // namespace qvx::simulator

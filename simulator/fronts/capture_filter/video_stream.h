@@ -1,23 +1,21 @@
 // The flow of pictures from a camera to the pin that it is connected with.
 #pragma once
 
-#include <memory>
+#include <condition_variable>
 #include <mutex>
 #include <thread>
 
 #include "simulator/fronts/capture_filter/com_object.h"
 #include "simulator/fronts/capture_filter/kernel_streaming.h"
-#include "simulator/fronts/capture_filter/virtual_camera.h"
+#include "simulator/fronts/pipe_client.h"
 #include "simulator/model/video_modes.h"
 
 namespace qvx::simulator {
 
 class VideoStream {
  public:
-  static constexpr REFERENCE_TIME frameTime_100ns = 666'666;
-
-  VideoStream();
-  ~VideoStream();
+  explicit VideoStream(PipeClient& camera) : camera_(camera) {}
+  ~VideoStream() { stop(); }
   VideoStream(const VideoStream&) = delete;
   VideoStream& operator=(const VideoStream&) = delete;
 
@@ -26,25 +24,27 @@ class VideoStream {
   void disconnect();
 
   // The pictures flow only while it runs. A stream that is not connected stays dry.
-  void pause(const std::shared_ptr<VirtualCamera>& camera);
+  void pause();
   void run(REFERENCE_TIME start, IReferenceClock* clock);
   void stop();
 
  private:
-  void flow(VirtualCamera& camera);
-  bool send(VirtualCamera& camera);
+  void setRunning(bool running);
+  void flow(const std::stop_token& stopping);
+  bool send();
   void stamp(IMediaSample& sample);
-  bool waitFor(HANDLE event, DWORD limit_ms) const;
 
+  PipeClient& camera_;
   VideoMode size_{};
-  ComPointer<IMemInputPin> input_;
-  ComPointer<IMemAllocator> allocator_;
-  const HANDLE running_, stopping_;
-  std::thread worker_;
+  ComPtr<IMemInputPin> input_;
+  ComPtr<IMemAllocator> allocator_;
+  std::jthread worker_;
 
   std::mutex guard_;  // guards what follows
+  std::condition_variable_any changed_;
+  bool running_ = false;
   REFERENCE_TIME start_ = 0;
-  ComPointer<IReferenceClock> clock_;
+  ComPtr<IReferenceClock> clock_;
 };
 
 }  // namespace qvx::simulator

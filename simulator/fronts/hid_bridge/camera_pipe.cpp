@@ -35,9 +35,9 @@ bool CameraPipe::ask(const RequestHead& head, const void* bytes, ULONG byteCount
 
 bool CameraPipe::open() {
   static constexpr wchar_t folder[] = L"\\??\\pipe\\";
-  wchar_t path[sizeof folder / sizeof(wchar_t) + sizeof name_.text / sizeof(wchar_t)] = {};
+  wchar_t path[(sizeof folder + sizeof CameraRecord::pipe) / sizeof(wchar_t)] = {};
   RtlCopyMemory(path, folder, sizeof folder);
-  RtlCopyMemory(path + sizeof folder / sizeof(wchar_t) - 1, name_.text, sizeof name_.text);
+  RtlCopyMemory(path + sizeof folder / sizeof(wchar_t) - 1, name_, sizeof CameraRecord::pipe);
   UNICODE_STRING name;
   RtlInitUnicodeString(&name, path);
   OBJECT_ATTRIBUTES attributes;

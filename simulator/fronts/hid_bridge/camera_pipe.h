@@ -6,14 +6,11 @@
 
 namespace qvx::simulator {
 
-struct PipeName {
-  wchar_t text[64];  // terminated
-};
-
 // One request at a time.
 class CameraPipe {
  public:
-  explicit CameraPipe(const PipeName& name) : name_(name) {}
+  // The name is a record's.
+  explicit CameraPipe(const wchar_t* name) : name_(name) {}
 
   // The reply's bytes go to `reply`, and how many there are to `size`. False when the camera
   // refuses, takes too long or is gone.
@@ -27,7 +24,7 @@ class CameraPipe {
   bool open();
   bool exchange(const void* request, ULONG requestSize, void* reply, ULONG& replySize);
 
-  PipeName name_;
+  const wchar_t* const name_;
   HANDLE pipe_ = nullptr, event_ = nullptr;
 };
 

@@ -11,35 +11,34 @@ namespace {
 
 using namespace qvx::simulator;
 
-// The name of the camera's pipe, from the device's own registry key.
-bool readPipeName(PDEVICE_OBJECT device, PipeName& pipe) {
+// The camera, from the device's own registry key.
+bool readRecord(PDEVICE_OBJECT device, CameraRecord& camera) {
   constexpr ULONG headSize = FIELD_OFFSET(KEY_VALUE_PARTIAL_INFORMATION, Data);
-  alignas(8) UCHAR buffer[headSize + sizeof pipe];
+  alignas(8) UCHAR buffer[headSize + sizeof camera];
   HANDLE key = nullptr;
   if (IoOpenDeviceRegistryKey(device, PLUGPLAY_REGKEY_DEVICE, KEY_READ, &key) != STATUS_SUCCESS) {
     return false;
   }
   UNICODE_STRING name;
-  RtlInitUnicodeString(&name, pipeValueName);
+  RtlInitUnicodeString(&name, recordValueName);
   ULONG size = 0;
   const NTSTATUS status =
       ZwQueryValueKey(key, &name, KeyValuePartialInformation, buffer, sizeof buffer, &size);
   ZwClose(key);
-  if (status != STATUS_SUCCESS || size <= headSize) return false;
-  RtlZeroMemory(&pipe, sizeof pipe);
-  RtlCopyMemory(&pipe, buffer + headSize, size - headSize);
+  if (status != STATUS_SUCCESS || size != sizeof buffer) return false;
+  RtlCopyMemory(&camera, buffer + headSize, sizeof camera);
   return true;
 }
 
 // A device, in the extension that the class driver provides.
 struct Device {
-  explicit Device(const PipeName& name) : pipe(name) {
+  explicit Device(const CameraRecord& record) : camera(record) {
     KeInitializeEvent(&turn, SynchronizationEvent, TRUE);
   }
 
   KEVENT turn;  // set while no transfer is at work
-  CameraPipe pipe;
-  CameraDescription description{};
+  const CameraRecord camera;
+  CameraPipe pipe{camera.pipe};
 };
 
 Device& deviceOf(PDEVICE_OBJECT object) {
@@ -81,7 +80,7 @@ NTSTATUS transferFeature(Device& device, PIRP irp, bool set) {
 NTSTATUS describe(const Device& device, PIRP irp) {
   constexpr UCHAR hidDescriptorType = 0x21, reportDescriptorType = 0x22;
   constexpr USHORT hidVersion = 0x0111;
-  const auto reportSize = device.description.reportDescriptorSize;
+  const auto reportSize = device.camera.reportDescriptorSize;
   const hid::Descriptor descriptor = {sizeof descriptor,    hidDescriptorType, hidVersion, 0, 1,
                                       reportDescriptorType, reportSize};
   return answer(irp, &descriptor, sizeof descriptor);
@@ -90,7 +89,7 @@ NTSTATUS describe(const Device& device, PIRP irp) {
 NTSTATUS tellAttributes(const Device& device, PIRP irp) {
   constexpr USHORT version = 0x0100;
   const hid::Attributes attributes = {
-      sizeof attributes, device.description.vendorId, device.description.productId, version, {}};
+      sizeof attributes, device.camera.vendorId, device.camera.productId, version, {}};
   return answer(irp, &attributes, sizeof attributes);
 }
 
@@ -101,8 +100,7 @@ NTSTATUS NTAPI onRequest(PDEVICE_OBJECT object, PIRP irp) {
     case hid::getDeviceDescriptor:
       return describe(device, irp);
     case hid::getReportDescriptor:
-      return answer(irp, device.description.reportDescriptor,
-                    device.description.reportDescriptorSize);
+      return answer(irp, device.camera.reportDescriptor, device.camera.reportDescriptorSize);
     case hid::getDeviceAttributes:
       return tellAttributes(device, irp);
     case hid::getString:
@@ -138,18 +136,9 @@ NTSTATUS NTAPI onPlugAndPlay(PDEVICE_OBJECT object, PIRP irp) {
 NTSTATUS NTAPI onAddDevice(PDRIVER_OBJECT, PDEVICE_OBJECT object) {
   const PDEVICE_OBJECT physical =
       static_cast<hid::DeviceExtension*>(object->DeviceExtension)->physicalDevice;
-  PipeName pipe;
-  if (!readPipeName(physical, pipe)) return STATUS_UNSUCCESSFUL;
-  auto& device = *new (&deviceOf(object)) Device(pipe);
-  RequestHead head{};
-  head.kind = RequestKind::describe;
-  head.wanted = sizeof device.description;
-  ULONG size = 0;
-  if (!device.pipe.ask(head, nullptr, 0, &device.description, head.wanted, size) ||
-      size != sizeof device.description) {
-    device.pipe.close();
-    return STATUS_UNSUCCESSFUL;
-  }
+  CameraRecord camera;
+  if (!readRecord(physical, camera)) return STATUS_UNSUCCESSFUL;
+  new (&deviceOf(object)) Device(camera);
   object->Flags &= ~static_cast<ULONG>(DO_DEVICE_INITIALIZING);
   return STATUS_SUCCESS;
 }

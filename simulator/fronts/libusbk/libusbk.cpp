@@ -1,20 +1,13 @@
 // A stand-in for libusbK.dll: the USB 3 cameras of all simulators that run on this machine.
-#include <windows.h>
-
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <vector>
+#include <cstring>
 
+#include "simulator/fronts/camera_list.h"
 #include "simulator/fronts/pipe_client.h"
-#include "simulator/fronts/registry_key.h"
 #include "simulator/fronts/text.h"
 #include "simulator/model/usb3_device_list.h"
+#include "simulator/model/usb3_function.h"
 
 namespace {
 
@@ -36,50 +29,30 @@ static_assert(sizeof(DeviceRecord) == 2596);
 
 using DeviceList = Usb3DeviceList<DeviceRecord>;
 
-struct Setup {
-  std::uint8_t requestType, request;
-  std::uint16_t value, index, length;
-};
-
-// The record's path is the camera's pipe.
-std::vector<DeviceRecord> devices() {
-  std::vector<DeviceRecord> records;
-  const std::wstring list = usb3Devices;
-  for (const std::wstring& name : RegistryKey::open(list).children()) {
-    const RegistryKey key = RegistryKey::open(list + L"\\" + name);
-    const auto pipe = key.text(pipeValueName);
-    if (!pipe || !isServed(*pipe)) continue;
-    DeviceRecord& record = records.emplace_back();
-    record.vendorId = static_cast<std::int32_t>(key.number(L"VendorId"));
-    record.productId = static_cast<std::int32_t>(key.number(L"ProductId"));
-    record.connected = 1;
-    const auto copy = [](char(&field)[textSize], const std::wstring& text) {
-      std::snprintf(field, textSize, "%s", narrow(text).c_str());
-    };
-    copy(record.instance, name);
-    copy(record.path, *pipe);
-    copy(record.description, key.text(L"Description").value_or(L""));
-    copy(record.maker, L"QVX64");
-  }
-  return records;
+// A record's path is the camera's pipe.
+DeviceRecord recordOf(const CameraRecord& camera) {
+  DeviceRecord record{};
+  record.vendorId = camera.vendorId;
+  record.productId = camera.productId;
+  record.connected = 1;
+  const auto copy = [](char(&field)[textSize], const std::string& text) {
+    std::snprintf(field, textSize, "%s", text.c_str());
+  };
+  copy(record.instance, std::to_string(camera.order));
+  copy(record.path, narrow(camera.pipe));
+  copy(record.description, camera.name);
+  copy(record.maker, "QVX64");
+  return record;
 }
 
 // Handles are never closed: one of each camera serves all its clients.
-PipeClient* openedCamera(const std::string& pipe) {
-  static std::mutex guard;
-  static std::map<std::string, std::unique_ptr<PipeClient>> opened;
-  const std::lock_guard lock(guard);
-  auto& camera = opened[pipe];
-  if (camera == nullptr) camera = std::make_unique<PipeClient>(wide(pipe));
-  return camera.get();
-}
-
 BOOL WINAPI openDevice(void** handle, DeviceRecord* record) {
-  if (!isServed(wide(record->path))) {
+  const std::wstring pipe = wide(record->path);
+  if (!isServed(pipe)) {
     SetLastError(ERROR_GEN_FAILURE);
     return FALSE;
   }
-  *handle = openedCamera(record->path);
+  *handle = &PipeClient::of(pipe);
   return TRUE;
 }
 
@@ -114,7 +87,11 @@ static_assert(sizeof(DriverFunctions) == 512);
 extern "C" {
 
 BOOL WINAPI LstK_Init(void** list, int) {
-  *list = new DeviceList(devices());
+  std::vector<DeviceRecord> devices;
+  for (const CameraRecord& camera : listedCameras()) {
+    if (camera.isUsb3 && isServed(camera.pipe)) devices.push_back(recordOf(camera));
+  }
+  *list = new DeviceList(std::move(devices));
   return TRUE;
 }
 
@@ -146,17 +123,16 @@ BOOL WINAPI LibK_LoadDriverAPI(DriverFunctions* functions, int) {
   return TRUE;
 }
 
-BOOL WINAPI UsbK_ControlTransfer(void* handle, Setup setup, std::uint8_t* buffer,
+BOOL WINAPI UsbK_ControlTransfer(void* handle, UsbSetup setup, std::uint8_t* buffer,
                                  std::uint32_t length, std::uint32_t* transferred, OVERLAPPED*) {
   constexpr std::uint8_t toHost = 0x80;
   if (handle == nullptr) return FALSE;
-  const std::span<const std::uint8_t> key(reinterpret_cast<const std::uint8_t*>(&setup),
-                                          sizeof setup);
-  const std::span<std::uint8_t> data(buffer, length);
+  RequestHead head{RequestKind::control};
+  std::memcpy(head.key.data(), &setup, sizeof setup);
+  const std::span<std::uint8_t> data(buffer, length), none;
   const bool reads = (setup.requestType & toHost) != 0;
   const auto moved =
-      reads ? static_cast<PipeClient*>(handle)->ask(RequestKind::control, 0, key, {}, data)
-            : static_cast<PipeClient*>(handle)->ask(RequestKind::control, 0, key, data, {});
+      static_cast<PipeClient*>(handle)->ask(head, reads ? none : data, reads ? data : none);
   if (!moved) return FALSE;
   *transferred = static_cast<std::uint32_t>(reads ? *moved : length);
   return TRUE;
