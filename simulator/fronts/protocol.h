@@ -59,7 +59,7 @@ constexpr std::uint32_t transferLimit_ms = 3000;
 
 // A camera that is plugged in, as the registry keeps it for the fronts. Texts are terminated.
 struct CameraRecord {
-  std::uint64_t order;  // among all that was ever plugged in
+  std::uint64_t order;  // the time of plugging in: what comes later is listed later
   wchar_t pipe[64];
   char name[128];  // UTF-8
   std::uint16_t vendorId, productId;

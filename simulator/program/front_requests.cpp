@@ -16,9 +16,6 @@ struct Request {
   std::span<const std::uint8_t> bytes;
 };
 
-// The bytes of the reply; nothing for a refusal.
-using Answer = std::optional<Bytes>;
-
 // What bytes begin with.
 template <class Value>
 Value as(std::span<const std::uint8_t> bytes) {
@@ -27,87 +24,75 @@ Value as(std::span<const std::uint8_t> bytes) {
   return value;
 }
 
-PropertySetId setOf(const RequestHead& head) {
-  return as<PropertySetId>(head.key);
-}
-
-// The same bytes for as many as were filled.
-Answer filled(bool done, Bytes bytes) {
-  return done ? Answer(std::move(bytes)) : std::nullopt;
-}
-
 template <class Value>
-Answer answerOf(const Value& value) {
-  Bytes bytes(sizeof value);
-  std::memcpy(bytes.data(), &value, sizeof value);
-  return bytes;
+Bytes bytesOf(const Value& value) {
+  const auto* const first = reinterpret_cast<const std::uint8_t*>(&value);
+  return {first, first + sizeof value};
 }
 
-Answer control(CameraDevice& device, const Request& request) {
+// What is asked for carries its answer into the reply, which has the size that is wanted. False for
+// a refusal.
+bool control(CameraDevice& device, const Request& request, Bytes& reply) {
   constexpr std::uint8_t toHost = 0x80;
   const auto setup = as<UsbSetup>(request.head.key);
   const bool reads = (setup.requestType & toHost) != 0;
-  Bytes bytes(request.bytes.begin(), request.bytes.end());
-  if (reads) bytes.resize(request.head.wanted);
-  const auto moved = device.usb3.transfer(setup, bytes);
-  if (!moved) return std::nullopt;
-  bytes.resize(reads ? *moved : 0);
-  return bytes;
+  if (!reads) reply.assign(request.bytes.begin(), request.bytes.end());
+  const auto moved = device.usb3.transfer(setup, reply);
+  reply.resize(reads ? moved.value_or(0) : 0);
+  return moved.has_value();
 }
 
-Answer setProperty(CameraDevice& device, const Request& request) {
-  return filled(device.extensionUnit.set(setOf(request.head), request.head.number, request.bytes),
-                {});
+bool setProperty(CameraDevice& device, const Request& request, Bytes& /*reply*/) {
+  return device.extensionUnit.set(as<PropertySetId>(request.head.key), request.head.number,
+                                  request.bytes);
 }
 
-Answer getProperty(CameraDevice& device, const Request& request) {
-  Bytes bytes(request.head.wanted);
-  const bool done = device.extensionUnit.get(setOf(request.head), request.head.number, bytes);
-  return filled(done, std::move(bytes));
+bool getProperty(CameraDevice& device, const Request& request, Bytes& reply) {
+  return device.extensionUnit.get(as<PropertySetId>(request.head.key), request.head.number, reply);
 }
 
-Answer setFeature(CameraDevice& device, const Request& request) {
-  return filled(device.hid.setFeature(request.bytes), {});
+bool setFeature(CameraDevice& device, const Request& request, Bytes& /*reply*/) {
+  return device.hid.setFeature(request.bytes);
 }
 
-Answer getFeature(CameraDevice& device, const Request& request) {
-  Bytes bytes(request.head.wanted);
-  if (!bytes.empty()) bytes[0] = static_cast<std::uint8_t>(request.head.number);
-  const bool done = device.hid.getFeature(bytes);
-  return filled(done, std::move(bytes));
+bool getFeature(CameraDevice& device, const Request& request, Bytes& reply) {
+  if (!reply.empty()) reply[0] = static_cast<std::uint8_t>(request.head.number);
+  return device.hid.getFeature(reply);
 }
 
 const PictureControl* controlOf(const Request& request) {
   return pictureControl(static_cast<std::int32_t>(request.head.number));
 }
 
-Answer setPicture(CameraDevice& device, const Request& request) {
+bool setPicture(CameraDevice& device, const Request& request, Bytes& /*reply*/) {
   const PictureControl* const control = controlOf(request);
-  if (control == nullptr || request.bytes.size() != sizeof(PictureValue)) return std::nullopt;
+  if (control == nullptr || request.bytes.size() != sizeof(PictureValue)) return false;
   const auto [value, automatic] = as<PictureValue>(request.bytes);
-  const bool lost = device.camera.tap().losesWrites;
-  return filled(lost || device.camera.picture().set(*control, {value, automatic != 0}), {});
+  return device.camera.tap().losesWrites ||
+         device.camera.picture().set(*control, {value, automatic != 0});
 }
 
-Answer getPicture(CameraDevice& device, const Request& request) {
+bool getPicture(CameraDevice& device, const Request& request, Bytes& reply) {
   const PictureControl* const control = controlOf(request);
-  if (control == nullptr) return std::nullopt;
+  if (control == nullptr) return false;
   const auto [value, automatic] = device.camera.picture().get(*control);
-  return answerOf(PictureValue{value, automatic});
+  reply = bytesOf(PictureValue{value, automatic});
+  return true;
 }
 
-Answer pictureRange(CameraDevice& /*device*/, const Request& request) {
+bool pictureRange(CameraDevice& /*device*/, const Request& request, Bytes& reply) {
   const PictureControl* const control = controlOf(request);
-  if (control == nullptr) return std::nullopt;
-  return answerOf(PictureRange{control->least, control->most, control->step, control->standard,
+  if (control == nullptr) return false;
+  reply = bytesOf(PictureRange{control->least, control->most, control->step, control->standard,
                                control->hasAutomatic});
+  return true;
 }
 
 // What is an access of the camera, and how the log calls it.
 constexpr struct {
   RequestKind kind;
   const char* name;
-  Answer (*answer)(CameraDevice&, const Request&);
+  bool (*carry)(CameraDevice&, const Request&, Bytes&);
 } transfers[] = {
     {RequestKind::control, "control", control},
     {RequestKind::setProperty, "set", setProperty},
@@ -137,7 +122,8 @@ std::string headInWords(const char* name, const RequestHead& head) {
     std::snprintf(text, sizeof text, "%s %02X %02X %04X %04X %u", name, setup.requestType,
                   setup.request, setup.value, setup.index, setup.length);
   } else if (head.kind == RequestKind::setProperty || head.kind == RequestKind::getProperty) {
-    std::snprintf(text, sizeof text, "%s %08X/%u", name, setOf(head).data1, head.number);
+    std::snprintf(text, sizeof text, "%s %08X/%u", name, as<PropertySetId>(head.key).data1,
+                  head.number);
   } else if (head.kind == RequestKind::setFeature) {
     std::snprintf(text, sizeof text, "%s", name);
   } else if (head.kind == RequestKind::getFeature) {
@@ -152,18 +138,14 @@ template <class Transfer>
 Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& request) {
   std::vector<std::string> happened;
   device.camera.tap().tell = [&happened](std::string line) { happened.push_back(std::move(line)); };
-  const Answer answer = transfer.answer(device, request);
-  device.camera.tap().tell = nullptr;
+  Bytes bytes(request.head.wanted);
   Reply reply;
-  reply.done = answer.has_value();
+  reply.done = transfer.carry(device, request, bytes);
+  device.camera.tap().tell = nullptr;
   reply.text = headInWords(transfer.name, request.head);
-  const std::span<const std::uint8_t> moved =
-      answer && !answer->empty() ? std::span<const std::uint8_t>(*answer) : request.bytes;
-  reply.text += !reply.done ? ": refused" : moved.empty() ? "" : ": ";
-  if (answer) {
-    reply.text += shortHex(moved);
-    reply.bytes.assign(answer->begin(), answer->end());
-  }
+  if (reply.done) reply.bytes.assign(bytes.begin(), bytes.end());
+  const auto moved = bytes.empty() ? request.bytes : std::span<const std::uint8_t>(bytes);
+  reply.text += !reply.done ? ": refused" : moved.empty() ? "" : ": " + shortHex(moved);
   for (const std::string& line : happened) (reply.text += "  ") += line;
   return reply;
 }

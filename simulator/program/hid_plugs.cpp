@@ -97,16 +97,14 @@ Service install(const std::wstring& path) {
   return driver;
 }
 
-// Starts the driver unless it runs, and makes it look at the root bus again.
+// Makes the driver look at the root bus again, once it runs.
 bool enumerate(const Service& driver) {
   constexpr DWORD enumerateRootDevices = 128;
   SERVICE_STATUS status;
   return await([&] {
-           return StartServiceW(driver.get(), 0, nullptr) ||
-                  GetLastError() == ERROR_SERVICE_ALREADY_RUNNING;
-         }) &&
-         await(
-             [&] { return ControlService(driver.get(), enumerateRootDevices, &status) != FALSE; });
+    StartServiceW(driver.get(), 0, nullptr);
+    return ControlService(driver.get(), enumerateRootDevices, &status) != FALSE;
+  });
 }
 
 std::string plugIn(const CameraRecords& cameras) {

@@ -23,14 +23,9 @@ void awaitInterrupt();
 // the program's.
 std::optional<int> runProgram(std::span<const std::string> arguments);
 
-// The cameras of a desk as devices of this machine; they go with it.
-class Plugs {
- public:
-  virtual ~Plugs() = default;
-};
-
-// Takes the cameras that are not Wi-Fi's. Null, and what is wrong, when one cannot be plugged in.
-std::unique_ptr<Plugs> plugIn(Desk& desk, std::string& problem);
+// The cameras of a desk that are not Wi-Fi's as devices of this machine; they go with what is
+// returned. Says what is wrong when one cannot be plugged in.
+std::shared_ptr<void> plugIn(Desk& desk, std::string& problem);
 
 // Takes out what runs that are over have left.
 void unplugLeftovers();

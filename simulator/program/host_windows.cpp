@@ -2,6 +2,7 @@
 
 #include <cwchar>
 
+#include "simulator/fronts/handle.h"
 #include "simulator/fronts/text.h"
 #include "simulator/program/host.h"
 #include "simulator/program/plugs.h"
@@ -30,38 +31,33 @@ std::wstring asArgument(const std::wstring& argument) {
   return result.append(backslashes, L'\\') + L'"';
 }
 
+// Null when it does not start.
+Handle startProcess(std::wstring commandLine, bool inherits, DWORD flags) {
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, inherits, flags, nullptr,
+                     nullptr, &startup, &process)) {
+    CloseHandle(process.hThread);
+  }
+  return Handle(process.hProcess);
+}
+
 constexpr wchar_t guardOption[] = L"--guard";
 
 // A process of its own, which tidies up should this one be killed.
 void startGuard() {
-  std::wstring program(32768, L'\0');
-  program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-  std::wstring commandLine =
-      asArgument(program) + L" " + guardOption + L" " + std::to_wstring(GetCurrentProcessId());
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS,
-                      nullptr, nullptr, &startup, &process)) {
-    return;
-  }
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
+  startProcess(asArgument(programPath()) + L" " + guardOption + L" " +
+                   std::to_wstring(GetCurrentProcessId()),
+               false, DETACHED_PROCESS);
 }
 
 int guard(DWORD processId) {
-  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
-  if (process != nullptr) WaitForSingleObject(process, INFINITE);
+  const Handle process(OpenProcess(SYNCHRONIZE, FALSE, processId));
+  if (process != nullptr) WaitForSingleObject(process.get(), INFINITE);
   sweepPlugs();
   return 0;
 }
-
-class WindowsPlugs final : public Plugs {
- public:
-  explicit WindowsPlugs(Desk& desk) : served(desk) {}
-
-  ServedDesk served;
-};
 
 }  // namespace
 
@@ -77,30 +73,18 @@ void awaitInterrupt() {
 std::optional<int> runProgram(std::span<const std::string> arguments) {
   std::wstring commandLine;
   for (const std::string& argument : arguments) commandLine += asArgument(wide(argument)) + L" ";
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                      &startup, &process)) {
-    return std::nullopt;
-  }
+  const Handle program = startProcess(commandLine, true, 0);
+  if (program == nullptr) return std::nullopt;
   DWORD code = 0;
-  WaitForSingleObject(process.hProcess, INFINITE);
-  GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
+  WaitForSingleObject(program.get(), INFINITE);
+  GetExitCodeProcess(program.get(), &code);
   return static_cast<int>(code);
 }
 
-std::unique_ptr<Plugs> plugIn(Desk& desk, std::string& problem) {
-  auto plugs = std::make_unique<WindowsPlugs>(desk);
-  problem = plugs->served.problem();
-  if (!problem.empty()) return nullptr;
-  for (const auto& camera : desk.cameras()) {
-    if (camera->spec().transport == Transport::wifi) continue;
-    startGuard();
-    break;
-  }
+std::shared_ptr<void> plugIn(Desk& desk, std::string& problem) {
+  auto plugs = std::make_shared<ServedDesk>(desk);
+  problem = plugs->problem();
+  if (problem.empty() && !plugs->isEmpty()) startGuard();
   return plugs;
 }
 

@@ -58,7 +58,7 @@ class Run {
     }
     std::string problem;
     plugs_ = plugIn(desk_, problem);
-    if (plugs_ == nullptr) return problem;
+    if (!problem.empty()) return problem;
     for (const auto& camera : desk_.cameras()) {
       if (camera->spec().transport == Transport::wifi) continue;
       tell(camera->id() + "  " + camera->spec().name);
@@ -104,7 +104,7 @@ class Run {
 
   const Options& options_;
   Desk desk_;
-  std::unique_ptr<Plugs> plugs_;
+  std::shared_ptr<void> plugs_;
   std::deque<WifiService> services_;
   HttpPort page_;
 };

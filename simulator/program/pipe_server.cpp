@@ -1,95 +1,66 @@
 #include "simulator/program/pipe_server.h"
 
 #include <array>
+#include <thread>
 
+#include "simulator/fronts/pipe_client.h"
 #include "simulator/program/front_requests.h"
 
 namespace qvx::simulator {
 
-namespace {
-
-// An event for one operation at a time.
-struct PendingOperation {
-  PendingOperation() { overlapped.hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr); }
-  ~PendingOperation() { CloseHandle(overlapped.hEvent); }
-  PendingOperation(const PendingOperation&) = delete;
-  PendingOperation& operator=(const PendingOperation&) = delete;
-
-  OVERLAPPED overlapped{};
-};
-
-}  // namespace
-
 PipeServer::PipeServer(PluggedCamera& camera, const std::wstring& pipe)
-    : camera_(camera),
-      path_(L"\\\\.\\pipe\\" + pipe),
-      closing_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
-  // The first instance is there before anyone learns of the pipe.
-  acceptor_ = std::thread([this, first = createInstance()] { accept(first); });
+    : camera_(camera), path_(pathOfPipe(pipe)) {
+  listen();
 }
 
 PipeServer::~PipeServer() {
   close();
-  acceptor_.join();
   std::unique_lock lock(guard_);
-  ended_.wait(lock, [this] { return connections_ == 0; });
-  CloseHandle(closing_);
+  ended_.wait(lock, [this] { return instances_ == 0; });
 }
 
-HANDLE PipeServer::createInstance() const {
-  return CreateNamedPipeW(path_.c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED,
-                          PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE | PIPE_REJECT_REMOTE_CLIENTS,
-                          PIPE_UNLIMITED_INSTANCES, mostReplyBytes, mostRequestBytes, 0, nullptr);
-}
-
-// Waits for an operation's end, or for that of the server; returns whether it is done.
-bool PipeServer::finish(HANDLE instance, OVERLAPPED& operation, BOOL done, DWORD& size) const {
-  if (!done && GetLastError() != ERROR_IO_PENDING) return GetLastError() == ERROR_PIPE_CONNECTED;
-  const std::array<HANDLE, 2> events = {closing_, operation.hEvent};
-  if (WaitForMultipleObjects(events.size(), events.data(), FALSE, INFINITE) == WAIT_OBJECT_0) {
-    CancelIoEx(instance, &operation);
+// Makes an instance of the pipe for one more client, who finds it there from now on.
+void PipeServer::listen() {
+  Handle instance(
+      CreateNamedPipeW(path_.c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED,
+                       PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE | PIPE_REJECT_REMOTE_CLIENTS,
+                       PIPE_UNLIMITED_INSTANCES, mostReplyBytes, mostRequestBytes, 0, nullptr));
+  if (instance.get() == INVALID_HANDLE_VALUE) return;
+  {
+    const std::lock_guard lock(guard_);
+    ++instances_;
   }
-  return GetOverlappedResult(instance, &operation, &size, TRUE) != FALSE;
-}
-
-void PipeServer::accept(HANDLE instance) {
-  for (PendingOperation operation; instance != INVALID_HANDLE_VALUE; instance = createInstance()) {
-    DWORD size = 0;
-    ResetEvent(operation.overlapped.hEvent);
-    const BOOL connected = ConnectNamedPipe(instance, &operation.overlapped);
-    if (!finish(instance, operation.overlapped, connected, size)) break;
-    {
-      const std::lock_guard lock(guard_);
-      ++connections_;
-    }
-    std::thread([this, instance] { serve(instance); }).detach();
-  }
-  CloseHandle(instance);
+  std::thread([this, instance = std::move(instance)]() mutable {
+    serve(instance.get());
+    instance.reset();
+    const std::lock_guard lock(guard_);
+    --instances_;
+    ended_.notify_all();
+  }).detach();
 }
 
 void PipeServer::serve(HANDLE instance) {
-  PendingOperation operation;
+  const Handle event = makeEvent();
+  const std::array<HANDLE, 2> events = {closing_.get(), event.get()};
+  OVERLAPPED operation{};
+  operation.hEvent = event.get();
+  const auto await = [&](BOOL done) { return finish(instance, operation, done, events, INFINITE); };
+
+  await(ConnectNamedPipe(instance, &operation));
+  if (WaitForSingleObject(closing_.get(), 0) == WAIT_OBJECT_0) return;
+  listen();
   std::array<std::uint8_t, mostRequestBytes> request{};
   for (;;) {
-    DWORD size = 0;
-    if (!finish(instance, operation.overlapped,
-                ReadFile(instance, request.data(), request.size(), nullptr, &operation.overlapped),
-                size)) {
-      break;
-    }
-    const std::string reply = answerFront(camera_, {request.data(), size});
+    const auto asked =
+        await(ReadFile(instance, request.data(), request.size(), nullptr, &operation));
+    if (!asked) return;
+    const std::string reply = answerFront(camera_, {request.data(), *asked});
     if (!camera_.isPluggedIn() ||
-        !finish(instance, operation.overlapped,
-                WriteFile(instance, reply.data(), static_cast<DWORD>(reply.size()), nullptr,
-                          &operation.overlapped),
-                size)) {
-      break;
+        !await(WriteFile(instance, reply.data(), static_cast<DWORD>(reply.size()), nullptr,
+                         &operation))) {
+      return;
     }
   }
-  CloseHandle(instance);
-  const std::lock_guard lock(guard_);
-  --connections_;
-  ended_.notify_all();
 }
 
 }  // namespace qvx::simulator

@@ -12,7 +12,7 @@ namespace qvx::simulator {
 
 namespace {
 
-// One process at a time plugs in or out, whatever becomes of it meanwhile.
+// One thread of all processes at a time plugs in or out, whatever becomes of it meanwhile.
 class Exclusive {
  public:
   Exclusive() { WaitForSingleObject(mutex_.get(), limit_ms); }
@@ -24,18 +24,9 @@ class Exclusive {
   const Handle mutex_{CreateMutexW(nullptr, FALSE, L"qvx-simulator-plugs")};
 };
 
-// Grows with time: what comes later is listed later.
-std::uint64_t nextOrder() {
-  static std::uint64_t last = 0;
-  FILETIME time;
-  GetSystemTimePreciseAsFileTime(&time);
-  const auto now = static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
-  return last = std::max(last + 1, now);
-}
-
 CameraRecord recordOf(const CameraSpec& spec) {
   CameraRecord record{};
-  record.order = nextOrder();
+  GetSystemTimePreciseAsFileTime(reinterpret_cast<FILETIME*>(&record.order));
   std::swprintf(record.pipe, std::size(record.pipe), L"qvx-simulator-%016llx", record.order);
   std::snprintf(record.name, sizeof record.name, "%s", spec.name.c_str());
   record.vendorId = spec.vendorId;
@@ -54,31 +45,23 @@ CameraRecords ofKind(const DeviceKind& kind, const CameraRecords& cameras) {
   return result;
 }
 
-void sweep() {
-  CameraRecords left, gone;
-  for (const CameraRecord& camera : listedCameras()) {
-    (isServed(camera.pipe) ? left : gone).push_back(camera);
-  }
-  for (const DeviceKind* const kind : deviceKinds) {
-    kind->takeOut(ofKind(*kind, gone), ofKind(*kind, left).empty());
-  }
-  for (const CameraRecord& camera : gone) dropFromList(camera);
-}
-
 }  // namespace
 
-std::wstring programFolder() {
-  constexpr DWORD longestPath = 4096;
+std::wstring programPath() {
+  constexpr DWORD longestPath = 32768;
   std::wstring path(longestPath, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(), longestPath));
+  return path;
+}
+
+std::wstring programFolder() {
+  const std::wstring path = programPath();
   return path.substr(0, path.rfind(L'\\') + 1);
 }
 
 std::string missing(const std::wstring& file) {
-  const bool there = GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES;
-  std::string problem = "missing: ";
-  problem += narrow(file);
-  return there ? "" : problem;
+  if (GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES) return {};
+  return std::string("missing: ").append(narrow(file));
 }
 
 std::wstring readText(const std::wstring& key, const wchar_t* name) {
@@ -96,7 +79,7 @@ bool writeText(const std::wstring& key, const wchar_t* name, const std::wstring&
 
 ServedDesk::ServedDesk(Desk& desk) : desk_(desk) {
   const Exclusive exclusive;
-  sweep();
+  sweepPlugs();
   CameraRecords cameras;
   for (const auto& camera : desk.cameras()) {
     if (camera->spec().transport != Transport::wifi) cameras.push_back(serve(*camera));
@@ -134,7 +117,14 @@ ServedDesk::~ServedDesk() {
 
 void sweepPlugs() {
   const Exclusive exclusive;
-  sweep();
+  CameraRecords left, gone;
+  for (const CameraRecord& camera : listedCameras()) {
+    (isServed(camera.pipe) ? left : gone).push_back(camera);
+  }
+  for (const DeviceKind* const kind : deviceKinds) {
+    kind->takeOut(ofKind(*kind, gone), ofKind(*kind, left).empty());
+  }
+  for (const CameraRecord& camera : gone) dropFromList(camera);
 }
 
 }  // namespace qvx::simulator

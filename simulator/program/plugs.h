@@ -23,8 +23,9 @@ struct DeviceKind {
 };
 extern const DeviceKind videoInputs, usb3Devices, hidDevices;
 
-// The folder of the running program, with a backslash at its end; what is wrong when a file is not
+// The running program and its folder, with a backslash at its end; what is wrong when a file is not
 // there.
+std::wstring programPath();
 std::wstring programFolder();
 std::string missing(const std::wstring& file);
 
@@ -42,6 +43,7 @@ class ServedDesk {
 
   // What is wrong; nothing when all are plugged in.
   const std::string& problem() const { return problem_; }
+  bool isEmpty() const { return servers_.empty(); }
 
  private:
   CameraRecord serve(PluggedCamera& camera);

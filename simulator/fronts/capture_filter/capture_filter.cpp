@@ -39,7 +39,7 @@ class CaptureFilter final : public ComObject<IBaseFilter> {
   }
   STDMETHODIMP Run(REFERENCE_TIME start) override {
     if (state_ == State_Stopped) pin_.stream().pause();
-    pin_.stream().run(start, clock_.Get());
+    pin_.stream().run(start, clock_);
     state_ = State_Running;
     return S_OK;
   }

@@ -13,24 +13,17 @@ namespace qvx::simulator {
 using Microsoft::WRL::ComPtr;
 
 // The pointer to the interface with this id, among those listed; null when it is none of them.
-template <class First, class... Others, class Object>
+template <class... Interfaces, class Object>
 void* interfaceOf(Object* object, REFIID iid) {
-  if (iid == __uuidof(First)) return static_cast<First*>(object);
-  if constexpr (sizeof...(Others) != 0) {
-    return interfaceOf<Others...>(object, iid);
-  } else {
-    return nullptr;
-  }
+  void* found = nullptr;
+  ((iid == __uuidof(Interfaces) ? found = static_cast<Interfaces*>(object) : nullptr), ...);
+  return found;
 }
 
 // Counts references from 1 and frees itself with the last.
 template <class First, class... Others>
 class ComObject : public First, public Others... {
  public:
-  ComObject() = default;
-  ComObject(const ComObject&) = delete;
-  ComObject& operator=(const ComObject&) = delete;
-
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
     *object = find(iid);
@@ -62,8 +55,6 @@ template <class First, class... Others>
 class ComPart : public First, public Others... {
  public:
   explicit ComPart(IUnknown& whole) : whole_(whole) {}
-  ComPart(const ComPart&) = delete;
-  ComPart& operator=(const ComPart&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     return whole_.QueryInterface(iid, object);

@@ -1,7 +1,6 @@
 // Stands in for the system's device enumerator: virtual cameras get the display names that Windows
 // gives to real ones. Everything else is left to the system's own.
 #include <cstdio>
-#include <map>
 
 #include "simulator/fronts/camera_list.h"
 #include "simulator/fronts/capture_filter/capture_filter.h"
@@ -28,21 +27,22 @@ std::wstring devicePathOf(const CameraRecord& camera) {
 
 class DeviceProperties final : public ComObject<IPropertyBag> {
  public:
-  explicit DeviceProperties(const CameraRecord& camera)
-      : values_{{L"FriendlyName", wide(camera.name)}, {L"DevicePath", devicePathOf(camera)}} {}
+  explicit DeviceProperties(const CameraRecord& camera) : camera_(camera) {}
 
   STDMETHODIMP Read(LPCOLESTR name, VARIANT* value, IErrorLog*) override {
-    const auto found = values_.find(name);
-    if (found == values_.end()) return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    const bool isName = name == std::wstring_view(L"FriendlyName");
+    if (!isName && name != std::wstring_view(L"DevicePath")) {
+      return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    }
     if (value->vt != VT_EMPTY && value->vt != VT_BSTR) return E_INVALIDARG;
     value->vt = VT_BSTR;
-    value->bstrVal = SysAllocString(found->second.c_str());
+    value->bstrVal = SysAllocString((isName ? wide(camera_.name) : devicePathOf(camera_)).c_str());
     return value->bstrVal == nullptr ? E_OUTOFMEMORY : S_OK;
   }
   STDMETHODIMP Write(LPCOLESTR, VARIANT*) override { return E_ACCESSDENIED; }
 
  private:
-  const std::map<std::wstring, std::wstring> values_;
+  const CameraRecord camera_;
 };
 
 // A camera's place in the enumeration: its names, and the way to open it.

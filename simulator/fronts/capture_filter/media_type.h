@@ -12,32 +12,27 @@ namespace qvx::simulator {
 
 inline constexpr REFERENCE_TIME frameTime_100ns = 666'666;
 
-inline VIDEOINFOHEADER videoInfoOf(const VideoMode& size) {
-  VIDEOINFOHEADER info{};
-  info.AvgTimePerFrame = frameTime_100ns;
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = size.width;
-  info.bmiHeader.biHeight = size.height;
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 16;
-  info.bmiHeader.biCompression = MAKEFOURCC('Y', 'U', 'Y', '2');
-  info.bmiHeader.biSizeImage = yuy2Bytes(size.width, size.height);
-  return info;
-}
-
 // The format lies in memory that whoever gets the type frees.
 inline HRESULT fillMediaType(const VideoMode& size, AM_MEDIA_TYPE& type) {
   type = {};
-  auto* const info = static_cast<VIDEOINFOHEADER*>(CoTaskMemAlloc(sizeof(VIDEOINFOHEADER)));
-  if (info == nullptr) return E_OUTOFMEMORY;
-  *info = videoInfoOf(size);
+  auto* const format = static_cast<VIDEOINFOHEADER*>(CoTaskMemAlloc(sizeof(VIDEOINFOHEADER)));
+  if (format == nullptr) return E_OUTOFMEMORY;
+  *format = {};
+  format->AvgTimePerFrame = frameTime_100ns;
+  format->bmiHeader.biSize = sizeof format->bmiHeader;
+  format->bmiHeader.biWidth = size.width;
+  format->bmiHeader.biHeight = size.height;
+  format->bmiHeader.biPlanes = 1;
+  format->bmiHeader.biBitCount = 16;
+  format->bmiHeader.biCompression = MAKEFOURCC('Y', 'U', 'Y', '2');
+  format->bmiHeader.biSizeImage = yuy2Bytes(size.width, size.height);
   type.majortype = MEDIATYPE_Video;
   type.subtype = MEDIASUBTYPE_YUY2;
   type.bFixedSizeSamples = TRUE;
-  type.lSampleSize = info->bmiHeader.biSizeImage;
+  type.lSampleSize = format->bmiHeader.biSizeImage;
   type.formattype = FORMAT_VideoInfo;
-  type.cbFormat = sizeof *info;
-  type.pbFormat = reinterpret_cast<BYTE*>(info);
+  type.cbFormat = sizeof *format;
+  type.pbFormat = reinterpret_cast<BYTE*>(format);
   return S_OK;
 }
 

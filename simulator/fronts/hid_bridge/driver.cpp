@@ -64,14 +64,14 @@ NTSTATUS answer(PIRP irp, const void* bytes, std::size_t size) {
 
 NTSTATUS transferFeature(Device& device, PIRP irp, bool set) {
   auto& packet = *static_cast<hid::TransferPacket*>(irp->UserBuffer);
-  RequestHead head{};
-  head.kind = set ? RequestKind::setFeature : RequestKind::getFeature;
-  head.number = packet.id;
-  head.wanted = set ? 0 : packet.size;
+  const RequestHead head{set ? RequestKind::setFeature : RequestKind::getFeature,
+                         packet.id,
+                         {},
+                         set ? 0 : packet.size};
   KeWaitForSingleObject(&device.turn, Executive, KernelMode, FALSE, nullptr);
   ULONG size = 0;
   const bool done =
-      device.pipe.ask(head, packet.report, set ? packet.size : 0, packet.report, head.wanted, size);
+      device.pipe.ask(head, packet.report, set ? packet.size : 0, packet.report, size);
   KeSetEvent(&device.turn, IO_NO_INCREMENT, FALSE);
   return done ? complete(irp, STATUS_SUCCESS, set ? packet.size : size)
               : complete(irp, STATUS_UNSUCCESSFUL);

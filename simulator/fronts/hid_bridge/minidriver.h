@@ -66,8 +66,6 @@ struct Descriptor {
 
 // What mingw-w64 leaves out of the kernel's header.
 extern "C" {
-NTSTATUS NTAPI ZwCreateEvent(PHANDLE event, ACCESS_MASK access, POBJECT_ATTRIBUTES attributes,
-                             EVENT_TYPE type, BOOLEAN signalled);
 NTSTATUS NTAPI ZwFsControlFile(HANDLE file, HANDLE event, PIO_APC_ROUTINE routine, PVOID context,
                                PIO_STATUS_BLOCK status, ULONG code, PVOID input, ULONG inputSize,
                                PVOID output, ULONG outputSize);
