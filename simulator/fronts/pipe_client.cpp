@@ -72,15 +72,12 @@ std::optional<PipeClient::Connection> PipeClient::connect() {
       return connection;
     }
   }
-  const auto open = [this] {
-    return CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+  HANDLE pipe = nullptr;
+  do {
+    pipe = CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                        FILE_FLAG_OVERLAPPED, nullptr);
-  };
-  HANDLE pipe = open();
-  if (pipe == INVALID_HANDLE_VALUE && GetLastError() == ERROR_PIPE_BUSY &&
-      WaitNamedPipeW(path_.c_str(), busyLimit_ms)) {
-    pipe = open();
-  }
+  } while (pipe == INVALID_HANDLE_VALUE && GetLastError() == ERROR_PIPE_BUSY &&
+           WaitNamedPipeW(path_.c_str(), busyLimit_ms));
   if (pipe == INVALID_HANDLE_VALUE) return std::nullopt;
   DWORD mode = PIPE_READMODE_MESSAGE;
   SetNamedPipeHandleState(pipe, &mode, nullptr, nullptr);

@@ -36,6 +36,12 @@ class PipeClient {
                                  std::span<std::uint8_t> reply,
                                  std::uint32_t limit_ms = transferLimit_ms);
 
+  // Bytes to the camera, or from it.
+  std::optional<std::size_t> transfer(const RequestHead& head, bool sends,
+                                      std::span<std::uint8_t> bytes) {
+    return sends ? ask(head, bytes, {}) : ask(head, {}, bytes);
+  }
+
   // For what has a fixed size.
   template <class Answer>
   std::optional<Answer> askFor(const RequestHead& head) {

@@ -19,7 +19,7 @@ enum class RequestKind : std::uint32_t {
   getFeature,    // of the id `number`
   setPicture,    // picture property `number`: a PictureValue
   getPicture,    //
-  pictureRange,  // the reply is a PictureRange
+  pictureRange,  // the reply is a PictureControl
   frame,         // a picture for video, as YUY2, in the size of the mode `number`
 };
 
@@ -50,9 +50,6 @@ constexpr std::uint32_t yuy2Bytes(std::uint32_t width, std::uint32_t height) {
 struct PictureValue {
   std::int32_t value, automatic;
 };
-struct PictureRange {
-  std::int32_t least, most, step, standard, hasAutomatic;
-};
 
 // A transfer that takes longer has failed. Real devices are given as long by their drivers.
 constexpr std::uint32_t transferLimit_ms = 3000;
@@ -65,7 +62,7 @@ struct CameraRecord {
   std::uint16_t vendorId, productId;
   Unit unit;  // not absent: it is a video input
   bool isUsb3, isHid;
-  std::uint16_t hidNumber;  // among the HID devices of its product
+  std::uint16_t number;  // among all that are plugged in
   std::uint16_t reportDescriptorSize;
   std::uint8_t reportDescriptor[64];
 };

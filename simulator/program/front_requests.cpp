@@ -25,9 +25,10 @@ Value as(std::span<const std::uint8_t> bytes) {
 }
 
 template <class Value>
-Bytes bytesOf(const Value& value) {
-  const auto* const first = reinterpret_cast<const std::uint8_t*>(&value);
-  return {first, first + sizeof value};
+bool give(const Value& value, Bytes& reply) {
+  reply.resize(sizeof value);
+  std::memcpy(reply.data(), &value, sizeof value);
+  return true;
 }
 
 // What is asked for carries its answer into the reply, which has the size that is wanted. False for
@@ -76,16 +77,12 @@ bool getPicture(CameraDevice& device, const Request& request, Bytes& reply) {
   const PictureControl* const control = controlOf(request);
   if (control == nullptr) return false;
   const auto [value, automatic] = device.camera.picture().get(*control);
-  reply = bytesOf(PictureValue{value, automatic});
-  return true;
+  return give(PictureValue{value, automatic}, reply);
 }
 
 bool pictureRange(CameraDevice& /*device*/, const Request& request, Bytes& reply) {
   const PictureControl* const control = controlOf(request);
-  if (control == nullptr) return false;
-  reply = bytesOf(PictureRange{control->least, control->most, control->step, control->standard,
-                               control->hasAutomatic});
-  return true;
+  return control != nullptr && give(*control, reply);
 }
 
 // What is an access of the camera, and how the log calls it.

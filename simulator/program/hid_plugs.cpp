@@ -19,16 +19,13 @@ constexpr wchar_t interfaces[] =
 std::wstring instanceOf(const CameraRecord& camera, wchar_t separator = L'\\') {
   wchar_t text[40];
   std::swprintf(text, std::size(text), L"VID_%04X&PID_%04X%lc%04u", camera.vendorId,
-                camera.productId, separator, camera.hidNumber);
+                camera.productId, separator, camera.number);
   return text;
 }
 
-std::wstring rootKeyOf(const CameraRecord& camera) {
-  return std::wstring(enumeration) + L"ROOT\\" + instanceOf(camera);
-}
-
-std::wstring hidKeyOf(const CameraRecord& camera) {
-  return std::wstring(enumeration) + L"HID\\" + instanceOf(camera);
+// Below "ROOT", or below "HID".
+std::wstring keyOf(const CameraRecord& camera, const wchar_t* bus) {
+  return std::wstring(enumeration) + bus + L'\\' + instanceOf(camera);
 }
 
 bool isSet(const std::wstring& key, const wchar_t* flag) {
@@ -39,7 +36,7 @@ bool isSet(const std::wstring& key, const wchar_t* flag) {
 
 bool writeDevice(const CameraRecord& camera) {
   // A child whose installation was cut short keeps this mark, and would never be listed again.
-  const std::wstring child = hidKeyOf(camera), device = rootKeyOf(camera);
+  const std::wstring child = keyOf(camera, L"HID"), device = keyOf(camera, L"ROOT");
   if (isSet(child, L"Phantom")) RegDeleteTreeW(HKEY_LOCAL_MACHINE, child.c_str());
   return RegSetKeyValueW(HKEY_LOCAL_MACHINE, (device + L"\\Device Parameters").c_str(),
                          recordValueName, REG_BINARY, &camera, sizeof camera) == ERROR_SUCCESS &&
@@ -121,7 +118,7 @@ std::string plugIn(const CameraRecords& cameras) {
 void takeOut(const CameraRecords& cameras, bool last) {
   if (cameras.empty()) return;
   for (const CameraRecord& camera : cameras) {
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, rootKeyOf(camera).c_str());
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, keyOf(camera, L"ROOT").c_str());
   }
   const Service driver = installed();
   if (driver == nullptr) return;

@@ -96,11 +96,8 @@ CameraRecord ServedDesk::serve(PluggedCamera& camera) {
       camera.with([](CameraDevice& device) { return device.hid.reportDescriptor(); });
   record.reportDescriptorSize = static_cast<std::uint16_t>(reports.size());
   std::ranges::copy(reports, record.reportDescriptor);
-  for (const CameraRecord& other : ofKind(hidDevices, listedCameras())) {
-    if (other.vendorId == record.vendorId && other.productId == record.productId) {
-      record.hidNumber = std::max<std::uint16_t>(record.hidNumber, other.hidNumber + 1);
-    }
-  }
+  const CameraRecords others = listedCameras();
+  if (!others.empty()) record.number = others.back().number + 1;
   PipeServer& server = *servers_.emplace_back(std::make_unique<PipeServer>(camera, record.pipe));
   camera.onHearing = [&camera, &server] {
     if (!camera.isPluggedIn()) server.close();

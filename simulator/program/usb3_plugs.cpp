@@ -8,16 +8,13 @@ namespace {
 constexpr wchar_t ownKey[] = L"Software\\qvx-simulator";
 constexpr wchar_t installedValue[] = L"InstalledLibusbK";  // the stand-in is ours to take away
 
-std::wstring systemLibrary() {
-  wchar_t folder[MAX_PATH];
-  return std::wstring(folder, GetSystemDirectoryW(folder, MAX_PATH)) + L"\\libusbK.dll";
-}
-
 // A genuine library stays, and so does a stand-in that a process still has loaded. Where one lies
 // beside the program, that is meant.
 std::string install(const CameraRecords& /*cameras*/) {
   if (missing(programFolder() + L"libusbK.dll").empty()) return {};
-  const std::wstring standIn = programFolder() + L"usb3\\libusbK.dll", place = systemLibrary();
+  wchar_t folder[MAX_PATH];
+  const std::wstring system(folder, GetSystemDirectoryW(folder, MAX_PATH)),
+      place = system + L"\\libusbK.dll", standIn = programFolder() + L"usb3\\libusbK.dll";
   if (std::string problem = missing(standIn); !problem.empty()) return problem;
   const bool ours = !readText(ownKey, installedValue).empty();
   const bool copied = CopyFileW(standIn.c_str(), place.c_str(), !ours) != FALSE;

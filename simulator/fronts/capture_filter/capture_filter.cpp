@@ -10,10 +10,6 @@ namespace qvx::simulator {
 
 namespace {
 
-// {957935F7-A643-4C53-8BA7-F561BB42D7B5}
-constexpr CLSID captureFilterClass = {
-    0x957935F7, 0xA643, 0x4C53, {0x8B, 0xA7, 0xF5, 0x61, 0xBB, 0x42, 0xD7, 0xB5}};
-
 class CaptureFilter final : public ComObject<IBaseFilter> {
  public:
   CaptureFilter(PipeClient& camera, const CameraRecord& record)
@@ -22,8 +18,9 @@ class CaptureFilter final : public ComObject<IBaseFilter> {
         topology_(*this, camera, record.unit),
         hasTopology_(record.unit != Unit::plain) {}
 
+  // As for real cameras.
   STDMETHODIMP GetClassID(CLSID* id) override {
-    *id = captureFilterClass;
+    *id = CLSID_Proxy;
     return S_OK;
   }
 

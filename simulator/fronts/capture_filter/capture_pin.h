@@ -72,12 +72,7 @@ class CapturePin final : public ComPart<IPin, IAMStreamConfig, IKsPropertySet> {
     *direction = PINDIR_OUTPUT;
     return S_OK;
   }
-  STDMETHODIMP QueryId(LPWSTR* id) override {
-    *id = static_cast<LPWSTR>(CoTaskMemAlloc(sizeof name));
-    if (*id == nullptr) return E_OUTOFMEMORY;
-    std::copy(std::begin(name), std::end(name), *id);
-    return S_OK;
-  }
+  STDMETHODIMP QueryId(LPWSTR* id) override { return SHStrDupW(name, id); }
   STDMETHODIMP QueryAccept(const AM_MEDIA_TYPE* type) override {
     return sizeOf(*type, sizes_) != nullptr ? S_OK : S_FALSE;
   }

@@ -59,11 +59,7 @@ class CameraMoniker final : public ComObject<IMoniker> {
     return handOut(new DeviceProperties(camera_), iid, object);
   }
   STDMETHODIMP GetDisplayName(IBindCtx*, IMoniker*, LPOLESTR* name) override {
-    const std::wstring text = L"@device:pnp:" + devicePathOf(camera_);
-    *name = static_cast<LPOLESTR>(CoTaskMemAlloc((text.size() + 1) * sizeof(wchar_t)));
-    if (*name == nullptr) return E_OUTOFMEMORY;
-    *std::copy(text.begin(), text.end(), *name) = L'\0';
-    return S_OK;
+    return SHStrDupW((L"@device:pnp:" + devicePathOf(camera_)).c_str(), name);
   }
 
   // What a moniker also has to have, but nobody asks of a device's.

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <windows.h>
+// DirectShow's header would keep a part of this one back.
+#include <shlwapi.h>
+
 #include <dshow.h>
 #include <ks.h>
 #include <ksmedia.h>

@@ -61,25 +61,16 @@ class Topology final : public ComPart<IKsTopologyInfo, IKsControl> {
     if (node >= nodeCount()) return failure(ERROR_INVALID_PARAMETER);
     if (!has(node, property->Set)) return failure(ERROR_SET_NOT_FOUND);
 
-    RequestHead head{RequestKind::getProperty, property->Id,
-                     std::bit_cast<RequestKey>(property->Set)};
-    const std::span bytes(static_cast<std::uint8_t*>(data), dataSize);
-    std::optional<std::size_t> moved;
-    switch (property->Flags & ~KSPROPERTY_TYPE_TOPOLOGY) {
-      case KSPROPERTY_TYPE_SETSUPPORT:
-        return S_OK;
-      case KSPROPERTY_TYPE_SET:
-        head.kind = RequestKind::setProperty;
-        moved = camera_.ask(head, bytes, {});
-        break;
-      case KSPROPERTY_TYPE_GET:
-        moved = camera_.ask(head, {}, bytes);
-        *returned = static_cast<ULONG>(moved.value_or(0));
-        break;
-      default:
-        return failure(ERROR_NOT_SUPPORTED);
-    }
-    return moved ? S_OK : failure(ERROR_GEN_FAILURE);
+    const ULONG type = property->Flags & ~KSPROPERTY_TYPE_TOPOLOGY;
+    const bool sets = type == KSPROPERTY_TYPE_SET;
+    if (type == KSPROPERTY_TYPE_SETSUPPORT) return S_OK;
+    if (!sets && type != KSPROPERTY_TYPE_GET) return failure(ERROR_NOT_SUPPORTED);
+    const RequestHead head{sets ? RequestKind::setProperty : RequestKind::getProperty, property->Id,
+                           std::bit_cast<RequestKey>(property->Set)};
+    const auto moved = camera_.transfer(head, sets, {static_cast<std::uint8_t*>(data), dataSize});
+    if (!moved) return failure(ERROR_GEN_FAILURE);
+    *returned = static_cast<ULONG>(*moved);
+    return S_OK;
   }
   STDMETHODIMP KsMethod(PKSMETHOD, ULONG, LPVOID, ULONG, ULONG*) override { return E_NOTIMPL; }
   STDMETHODIMP KsEvent(PKSEVENT, ULONG, LPVOID, ULONG, ULONG*) override { return E_NOTIMPL; }

@@ -4,6 +4,7 @@
 #include "simulator/fronts/capture_filter/com_object.h"
 #include "simulator/fronts/capture_filter/kernel_streaming.h"
 #include "simulator/fronts/pipe_client.h"
+#include "simulator/model/picture_controls.h"
 
 namespace qvx::simulator {
 
@@ -13,13 +14,13 @@ class VideoProcAmp final : public ComPart<IAMVideoProcAmp> {
 
   STDMETHODIMP GetRange(long property, long* least, long* most, long* step, long* standard,
                         long* flags) override {
-    const auto range = camera_.askFor<PictureRange>(head(RequestKind::pictureRange, property));
+    const auto range = camera_.askFor<PictureControl>(head(RequestKind::pictureRange, property));
     if (!range) return E_PROP_ID_UNSUPPORTED;
     *least = range->least;
     *most = range->most;
     *step = range->step;
     *standard = range->standard;
-    *flags = VideoProcAmp_Flags_Manual | (range->hasAutomatic != 0 ? VideoProcAmp_Flags_Auto : 0);
+    *flags = VideoProcAmp_Flags_Manual | (range->hasAutomatic ? VideoProcAmp_Flags_Auto : 0);
     return S_OK;
   }
 

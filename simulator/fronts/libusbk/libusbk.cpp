@@ -129,10 +129,8 @@ BOOL WINAPI UsbK_ControlTransfer(void* handle, UsbSetup setup, std::uint8_t* buf
   if (handle == nullptr) return FALSE;
   RequestHead head{RequestKind::control};
   std::memcpy(head.key.data(), &setup, sizeof setup);
-  const std::span<std::uint8_t> data(buffer, length), none;
   const bool reads = (setup.requestType & toHost) != 0;
-  const auto moved =
-      static_cast<PipeClient*>(handle)->ask(head, reads ? none : data, reads ? data : none);
+  const auto moved = static_cast<PipeClient*>(handle)->transfer(head, !reads, {buffer, length});
   if (!moved) return FALSE;
   *transferred = static_cast<std::uint32_t>(reads ? *moved : length);
   return TRUE;
