@@ -30,6 +30,10 @@ class FocusLens {
   // How far the lens stands from its zero position, in units of the lens controller; 0 without a
   // lens.
   double offset() const { return offset_; }
+  double zero() const { return zero_; }  // as the lens controller counts
+
+  // Moves it past its drivers.
+  void moveTo(double offset) { offset_ = offset; }
 
   // What the drivers were told last: the position, and the coil's value, negative for backward.
   std::uint8_t position() const { return position_; }

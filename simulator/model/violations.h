@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "simulator/model/text.h"
@@ -29,9 +30,10 @@ class Violations {
     return index < lines_.size() ? std::string_view(lines_[index]) : std::string_view();
   }
 
-  void clear() {
-    lines_.clear();
+  // The texts; they are forgotten here.
+  std::vector<std::string> take() {
     count_ = 0;
+    return std::exchange(lines_, {});
   }
 
  private:

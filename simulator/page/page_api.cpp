@@ -1,13 +1,12 @@
 #include "simulator/page/page_api.h"
 
-#include <json/json.h>
-
 #include <map>
+#include <sstream>
 #include <thread>
 
 #include "page_html.h"
 #include "simulator/page/page_controls.h"
-#include "simulator/scene/view.h"
+#include "simulator/program/live_picture.h"
 
 namespace qvx::simulator {
 
@@ -16,7 +15,6 @@ namespace {
 using httplib::DataSink;
 using httplib::Request;
 using httplib::Response;
-using namespace std::chrono_literals;
 
 enum Status { done = 204, wrong = 400, forbidden = 403, missing = 404 };
 
@@ -25,20 +23,13 @@ void refuse(Response& response, Status status, const std::string& reason) {
   response.set_content(reason, "text/plain");
 }
 
-// ---- Who may ask. A page from elsewhere cannot read an answer, but it could send changes; and
-// with a name that it makes point to this machine it could even read.
-
-bool isAddress(std::string host) {
-  host.resize(host.find_last_of(':') < host.size() ? host.find_last_of(':') : host.size());
-  return host == "localhost" || host.find_first_not_of("0123456789.") == std::string::npos;
-}
-
+// A page from elsewhere cannot read an answer, but it could send changes; and with a name that it
+// makes point to this machine it could even read.
 bool isAllowed(const Request& request, Response& response) {
-  const std::string host = request.get_header_value("Host");
-  const bool isChange = request.method != "GET";
-  if (!isAddress(host)) {
+  const std::string host = request.get_header_value("Host"), name = host.substr(0, host.find(':'));
+  if (name != "localhost" && name.find_first_not_of("0123456789.") != std::string::npos) {
     refuse(response, forbidden, "Call this page by the address of the machine.");
-  } else if (isChange && request.get_header_value("Origin") != "http://" + host) {
+  } else if (request.method != "GET" && request.get_header_value("Origin") != "http://" + host) {
     refuse(response, forbidden, "Only this page itself changes a camera.");
   }
   return response.status != forbidden;
@@ -50,32 +41,6 @@ std::string textOf(const Json::Value& value) {
   Json::StreamWriterBuilder writer;
   writer["indentation"] = "";
   return Json::writeString(writer, value);
-}
-
-std::string event(const char* name, const Json::Value& value) {
-  return "event: " + std::string(name) + "\ndata: " + textOf(value) + "\n\n";
-}
-
-Json::Value entryOf(const Control& control) {
-  Json::Value entry;
-  entry["group"] = control.group;
-  entry["key"] = control.key;
-  entry["label"] = control.label;
-  entry["value"] = control.value;
-  entry["min"] = control.least;
-  entry["max"] = control.most;
-  entry["step"] = control.step;
-  entry["standard"] = control.standard;
-  for (const char* const option : control.options) entry["options"].append(option);
-  return entry;
-}
-
-Json::Value lightOf(const View& view, const Illumination& lights) {
-  Json::Value light;
-  for (const double lit : view.quadrants) light["quadrants"].append(std::min(lit, 1.0));
-  light["axial"] = lights.axial();
-  light["aim"] = lights.aim();
-  return light;
 }
 
 Json::Value stateOf(PluggedCamera& camera) {
@@ -90,16 +55,12 @@ Json::Value stateOf(PluggedCamera& camera) {
     state["height"] = device.camera.video().mode().height;
     const View view = viewOf(device.camera);
     state["field_um"] = view.fieldWidth_um;
-    state["light"] = lightOf(view, device.camera.controller().lights());
-    for (const Control& control : controlsOf(device)) state["controls"].append(entryOf(control));
+    const Illumination& lights = device.camera.controller().lights();
+    for (const double lit : view.quadrants) state["lamps"].append(std::min(lit, 1.0));
+    for (const double lit : {lights.axial(), lights.aim()}) state["lamps"].append(lit);
+    for (Control& control : controlsOf(device)) state["controls"].append(control.described);
   });
   return state;
-}
-
-Json::Value statesOf(Desk& desk) {
-  Json::Value all(Json::arrayValue);
-  for (const auto& camera : desk.cameras()) all.append(stateOf(*camera));
-  return all;
 }
 
 Json::Value entryOf(const Access& access) {
@@ -112,52 +73,51 @@ Json::Value entryOf(const Access& access) {
   return entry;
 }
 
-// One listener: what it has been told already.
-class Events {
- public:
-  explicit Events(Desk& desk) : desk_(desk) {}
-
-  // Waits for news, and sends them; false when the listener has gone.
-  bool send(DataSink& sink) {
-    std::string news = rounds_ == 0 ? introduction() : "";
-    if (rounds_ != 0) {
-      std::this_thread::sleep_for(40ms);
-      seen_ = desk_.awaitChange(seen_, 60ms);
-    }
-    for (const auto& camera : desk_.cameras()) news += newsOf(*camera);
-    if (++rounds_ % 16 == 0) news += ":\n\n";  // finds out whether anybody listens
-    return news.empty() || sink.write(news.data(), news.size());
-  }
-
- private:
-  std::string introduction() {
-    const Json::Value all = statesOf(desk_);
-    for (const Json::Value& state : all) states_[state["id"].asString()] = textOf(state);
-    return event("cameras", all);
-  }
-
-  std::string newsOf(PluggedCamera& camera) {
-    std::string news;
-    const Json::Value state = stateOf(camera);
-    std::string text = textOf(state);
-    if (states_[camera.id()] != text) news += event("state", state);
-    states_[camera.id()] = std::move(text);
-    Json::Value accesses;
-    for (const Access& access : camera.accessesAfter(told_[camera.id()])) {
-      accesses["entries"].append(entryOf(access));
-      told_[camera.id()] = access.number;
-    }
-    if (accesses.empty()) return news;
-    accesses["id"] = camera.id();
-    return news + event("accesses", accesses);
-  }
-
-  Desk& desk_;
-  std::uint64_t seen_ = 0;
-  unsigned rounds_ = 0;
-  std::map<std::string, std::string> states_;
-  std::map<std::string, std::uint64_t> told_;  // the number of the last access
+// What a listener has been told of a camera.
+struct Told {
+  std::string state;
+  std::uint64_t accesses = 0;
 };
+
+// Nothing when there is no news.
+std::string newsOf(PluggedCamera& camera, Told& told) {
+  Json::Value news = stateOf(camera);
+  const std::string last = std::exchange(told.state, textOf(news));
+  const std::vector<Access> accesses = camera.accessesAfter(told.accesses);
+  if (last == told.state && accesses.empty()) return {};
+  for (const Access& access : accesses) news["accesses"].append(entryOf(access));
+  if (!accesses.empty()) told.accesses = accesses.back().number;
+  return "data: " + textOf(news) + "\n\n";
+}
+
+void sendEvents(Desk& desk, Response& response) {
+  const auto sendNext = [&desk, told = std::map<std::string, Told>()](std::size_t,
+                                                                      DataSink& sink) mutable {
+    std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    std::string news = ":\n\n";  // finds out whether anybody listens
+    for (const auto& camera : desk.cameras()) news += newsOf(*camera, told[camera->id()]);
+    return sink.write(news.data(), news.size());
+  };
+  response.set_chunked_content_provider("text/event-stream", sendNext);
+}
+
+// The page comes with the states, so that it is whole at once. No name in them ends its script.
+void sendPage(Desk& desk, Response& response) {
+  constexpr std::string_view file = pageHtml, none = "[]";
+  constexpr std::size_t place = file.find("[]</script>");
+  Json::Value states(Json::arrayValue);
+  for (const auto& camera : desk.cameras()) states.append(stateOf(*camera));
+  std::string text = textOf(states);
+  for (std::size_t at = 0; (at = text.find('<', at)) != std::string::npos;) {
+    text.replace(at, 1, "\\u003c");
+  }
+  response.set_header("Content-Security-Policy",
+                      "default-src 'none'; img-src 'self' data:; connect-src 'self'; style-src "
+                      "'unsafe-inline'; script-src 'unsafe-inline'; frame-ancestors 'none'");
+  response.set_header("Cache-Control", "no-cache");
+  response.set_content(std::string(file).replace(place, none.size(), text),
+                       "text/html; charset=utf-8");
+}
 
 // ---- What the page changes
 
@@ -169,7 +129,7 @@ bool change(PluggedCamera& camera, const std::string& key, const Json::Value& va
   }
   return value.isNumeric() && camera.with([&](CameraDevice& device) {
     for (const Control& control : controlsOf(device)) {
-      if (control.key != key) continue;
+      if (control.described["key"] != key) continue;
       control.turnTo(value.asDouble());
       return true;
     }
@@ -178,12 +138,11 @@ bool change(PluggedCamera& camera, const std::string& key, const Json::Value& va
 }
 
 void takeChanges(PluggedCamera& camera, const std::string& text, Response& response) {
-  Json::CharReaderBuilder builder;
-  Json::CharReaderBuilder::strictMode(&builder.settings_);
-  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+  Json::CharReaderBuilder reader;
+  Json::CharReaderBuilder::strictMode(&reader.settings_);
+  std::istringstream body(text);
   Json::Value changes;
-  if (!reader->parse(text.data(), text.data() + text.size(), &changes, nullptr) ||
-      !changes.isObject()) {
+  if (!Json::parseFromStream(reader, body, &changes, nullptr) || !changes.isObject()) {
     return refuse(response, wrong, "This is no JSON object.");
   }
   response.status = done;
@@ -193,61 +152,33 @@ void takeChanges(PluggedCamera& camera, const std::string& text, Response& respo
   }
 }
 
-// ---- The routes
-
-// The page comes with the states, so that it is whole at once. No name in them ends its script.
-std::string pageOf(Desk& desk) {
-  constexpr std::string_view file = pageHtml, none = "[]";
-  constexpr std::size_t place = file.find("[]</script>");
-  std::string page(file.substr(0, place));
-  for (const char character : textOf(statesOf(desk))) {
-    character == '<' ? page.append("\\u003c") : page.append(1, character);
-  }
-  return page.append(file.substr(place + none.size()));
-}
-
-void sendPage(Desk& desk, Response& response) {
-  response.set_header("Content-Security-Policy",
-                      "default-src 'none'; img-src 'self' data:; connect-src 'self'; style-src "
-                      "'unsafe-inline'; script-src 'unsafe-inline'; frame-ancestors 'none'");
-  response.set_header("Cache-Control", "no-cache");
-  response.set_content(pageOf(desk), "text/html; charset=utf-8");
-}
-
-void sendEvents(Desk& desk, Response& response) {
-  response.set_chunked_content_provider(
-      "text/event-stream", [events = std::make_shared<Events>(desk)](std::size_t, DataSink& sink) {
-        return events->send(sink);
-      });
-}
-
 }  // namespace
 
 bool isForPage(const Request& request) {
-  return request.target == "/" || request.path.starts_with("/cameras/");
+  return request.path.starts_with("/cameras/");
 }
 
 void addPageRoutes(httplib::Server& server, Desk& desk) {
-  using Action = std::function<void(PluggedCamera&, const Request&, Response&)>;
-  const auto onCamera = [&desk](const Action& action) {
-    return [&desk, action](const Request& request, Response& response) {
+  const auto allowed = [&desk](auto answer) {
+    return [&desk, answer](const Request& request, Response& response) {
+      if (isAllowed(request, response)) answer(desk, response);
+    };
+  };
+  const auto onCamera = [&desk](auto answer) {
+    return [&desk, answer](const Request& request, Response& response) {
       PluggedCamera* const camera = desk.find(request.matches[1].str());
       if (!isAllowed(request, response)) return;
       if (camera == nullptr) return refuse(response, missing, "There is no such camera.");
-      action(*camera, request, response);
+      answer(*camera, request, response);
     };
   };
-  server.Get("/", [&desk](const Request& request, Response& response) {
-    if (isAllowed(request, response)) sendPage(desk, response);
-  });
-  server.Get("/cameras/events", [&desk](const Request& request, Response& response) {
-    if (isAllowed(request, response)) sendEvents(desk, response);
-  });
-  server.Get("/cameras/([^/]+)/stream", onCamera([](auto& camera, const auto&, auto& response) {
+  server.Get("/", allowed(sendPage));
+  server.Get("/cameras/events", allowed(sendEvents));
+  server.Get("/cameras/([^/]+)/stream", onCamera([](auto& camera, auto&, auto& response) {
                constexpr int leastWidth = 320, mostWidth = 800;
                sendStream(camera, leastWidth, mostWidth, response);
              }));
-  server.Post("/cameras/([^/]+)", onCamera([](auto& camera, const auto& request, auto& response) {
+  server.Post("/cameras/([^/]+)", onCamera([](auto& camera, auto& request, auto& response) {
                 takeChanges(camera, request.body, response);
               }));
 }

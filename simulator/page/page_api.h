@@ -7,7 +7,7 @@
 
 namespace qvx::simulator {
 
-// Whether a request belongs to the page rather than to a Wi-Fi camera that shares the server.
+// Whether only the page asks for this: its home a Wi-Fi camera may share.
 bool isForPage(const httplib::Request& request);
 
 // Adds the page's routes to a server. The desk must outlive it.

@@ -1,9 +1,9 @@
 // What a person may turn on a camera.
 #pragma once
 
+#include <json/json.h>
+
 #include <functional>
-#include <span>
-#include <string>
 #include <vector>
 
 #include "simulator/program/desk.h"
@@ -11,11 +11,10 @@
 namespace qvx::simulator {
 
 struct Control {
-  const char* group;  // the part of the page that it belongs to
-  std::string key, label;
-  double value, least, most, step, standard;
+  // For the page: group (its part of the page), key, label, value, min, max, step, standard; and
+  // options, the names of its values from 0.
+  Json::Value described;
   std::function<void(double)> set;
-  std::span<const char* const> options = {};  // the names of its values, from 0
 
   // To the nearest that it takes.
   void turnTo(double wanted) const;

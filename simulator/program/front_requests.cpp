@@ -5,6 +5,8 @@
 #include <cstring>
 #include <optional>
 
+#include "simulator/program/live_picture.h"
+
 namespace qvx::simulator {
 
 namespace {
@@ -165,7 +167,7 @@ Reply frame(PluggedCamera& camera, const RequestHead& head) {
   for (const VideoMode& mode : videoModesFor(camera.spec().productId)) {
     const std::uint32_t size = yuy2Bytes(mode.width, mode.height);
     if (static_cast<std::uint32_t>(mode.command) != head.number || size > head.wanted) continue;
-    const Picture picture = camera.live.picture(camera, mode.width, mode.height);
+    const Picture picture = pictureOf(camera, mode.width, mode.height);
     reply.bytes.reserve(size);
     for (std::size_t i = 0; i < picture.rgb.size(); i += 6)
       appendYuy2(reply.bytes, &picture.rgb[i]);

@@ -4,9 +4,7 @@
 #include <httplib.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 
@@ -14,9 +12,8 @@ namespace qvx::simulator {
 
 class HttpPort {
  public:
-  // While `isDeaf` holds, connections are refused.
-  explicit HttpPort(std::function<bool()> isDeaf = [] { return false; });
-  ~HttpPort();
+  HttpPort();
+  ~HttpPort();  // waits for answers under way
   HttpPort(const HttpPort&) = delete;
   HttpPort& operator=(const HttpPort&) = delete;
 
@@ -25,25 +22,20 @@ class HttpPort {
   bool start(const std::string& address, int port);
   int port() const { return port_; }
 
-  // To be called when the answer of `isDeaf` may have changed; any thread may.
+  // To be called when `isDeaf` may have become true; any thread may.
   void reconsider();
 
-  // Stops and waits for answers under way.
-  void stop();
-
+  // To be set up before the start.
   httplib::Server server;
+  std::function<bool()> isDeaf = [] { return false; };  // while it holds, connections are refused
 
  private:
   bool bind();
   void listen();
 
-  const std::function<bool()> isDeaf_;
   std::string address_;
   int port_ = 0;
-  std::mutex guard_;
-  std::condition_variable changed_;
-  bool stopping_ = false;
-  std::atomic<bool> listening_ = false;
+  std::atomic<bool> stopping_ = false, bound_ = false;
   std::thread listener_;
 };
 

@@ -13,8 +13,6 @@ using namespace qvx::simulator;
 
 enum ExitStatus { ended = 0, notPluggedIn = 1, wrongOption = 2, programNotStarted = 97 };
 
-constexpr Endpoint usualPage = {"127.0.0.1", 8064};
-
 int fail(const std::string& problem, ExitStatus status) {
   std::fprintf(stderr, "qvx-simulator: %s\n", problem.c_str());
   return status;
@@ -24,13 +22,21 @@ std::string urlOf(const std::string& address, int port) {
   return "http://" + address + ":" + std::to_string(port) + "/";
 }
 
+std::string taken(const std::string& address, int port) {
+  return "cannot listen on " + address + ":" + std::to_string(port);
+}
+
+void print(const std::string& line) {
+  std::printf("%s\n", line.c_str());
+  std::fflush(stdout);
+}
+
 void logAccess(const PluggedCamera& camera, const Access& access, bool whole) {
-  if (whole) {
-    std::printf("%10.3f s  %s %4llu  %s\n", static_cast<double>(access.time_ms) / 1000.0,
-                camera.id().c_str(), static_cast<unsigned long long>(access.number),
-                access.text.c_str());
-    std::fflush(stdout);
-  }
+  char start[64];
+  std::snprintf(start, sizeof start, "%10.3f s  %s %4llu  ",
+                static_cast<double>(access.time_ms) / 1000.0, camera.id().c_str(),
+                static_cast<unsigned long long>(access.number));
+  if (whole) print(start + access.text);
   for (const std::string& violation : access.violations) {
     std::fprintf(stderr, "violation: %s: %s\n", camera.id().c_str(), violation.c_str());
   }
@@ -50,20 +56,20 @@ class Run {
   // What cannot be had; nothing when all is there.
   std::string start() {
     for (const auto& camera : desk_.cameras()) {
-      if (camera->spec().transport != Transport::wifi) continue;
-      WifiService& service = services_.emplace_back(*camera, desk_);
-      if (!service.start(options_.address)) return taken(options_.address, camera->spec().port);
-      tell(camera->id() + "  " + camera->spec().name + "  " +
-           urlOf(options_.address, service.port()));
+      std::string line = camera->id() + "  " + camera->spec().name;
+      if (camera->spec().transport == Transport::wifi) {
+        HttpPort& port = ports_.emplace_back();
+        serveWifiCamera(port, *camera, desk_);
+        if (!port.start(options_.address, camera->spec().port)) {
+          return taken(options_.address, camera->spec().port);
+        }
+        line += "  " + urlOf(options_.address, port.port());
+      }
+      tell(line);
     }
     std::string problem;
     plugs_ = plugIn(desk_, problem);
-    if (!problem.empty()) return problem;
-    for (const auto& camera : desk_.cameras()) {
-      if (camera->spec().transport == Transport::wifi) continue;
-      tell(camera->id() + "  " + camera->spec().name);
-    }
-    return startPage();
+    return problem.empty() && !options_.noPage ? startPage() : problem;
   }
 
   int go() {
@@ -79,33 +85,27 @@ class Run {
   ~Run() { desk_.close(); }
 
  private:
-  static std::string taken(const std::string& address, int port) {
-    return "cannot listen on " + address + ":" + std::to_string(port);
-  }
-
   // What a program prints is its own.
   void tell(const std::string& line) const {
-    if (!options_.program.empty()) return;
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
+    if (options_.program.empty()) print(line);
   }
 
   // Several runs stand beside each other: the usual port may be another's.
   std::string startPage() {
-    if (options_.noPage) return {};
+    const std::string& address = options_.pageAddress;
     addPageRoutes(page_.server, desk_);
-    const Endpoint& wanted = options_.page ? *options_.page : usualPage;
-    const bool started = page_.start(wanted.address, wanted.port) ||
-                         (!options_.page && page_.start(wanted.address, 0));
-    if (!started) return taken(wanted.address, wanted.port);
-    tell("page  " + urlOf(wanted.address, page_.port()));
+    if (!page_.start(address, options_.pagePort) &&
+        (options_.pageIsAsked || !page_.start(address, 0))) {
+      return taken(address, options_.pagePort);
+    }
+    tell("page  " + urlOf(address, page_.port()));
     return {};
   }
 
   const Options& options_;
   Desk desk_;
   std::shared_ptr<void> plugs_;
-  std::deque<WifiService> services_;
+  std::deque<HttpPort> ports_;  // of Wi-Fi cameras
   HttpPort page_;
 };
 
@@ -120,9 +120,9 @@ int run(const Options& options) {
 }  // namespace
 
 int qvx::simulator::simulate(std::span<const std::string> arguments) {
-  const auto parsed = optionsFrom(arguments);
-  if (const auto* const wrong = std::get_if<std::string>(&parsed)) return fail(*wrong, wrongOption);
-  const Options& options = std::get<Options>(parsed);
+  Options options;
+  const std::string wrong = optionsFrom(arguments, options);
+  if (!wrong.empty()) return fail(wrong, wrongOption);
   if (options.help) {
     std::printf("%s%s", helpText, cameraSpecHelp);
     return ended;

@@ -1,5 +1,7 @@
 #include "simulator/program/options.h"
 
+#include <httplib.h>
+
 #include <algorithm>
 #include <set>
 
@@ -36,77 +38,72 @@ Examples:
 
 namespace {
 
-bool isAddress(std::string_view text) {
-  constexpr std::uint32_t mostOfByte = 255;
-  for (int dots = 3; dots >= 0; --dots) {
-    const bool separated = text.find('.') != std::string_view::npos;
-    if (separated != (dots > 0) || !numberFrom(takePart(text, '.'), 0, mostOfByte)) return false;
-  }
-  return true;
+bool isAddress(const std::string& text) {
+  in_addr address;
+  return inet_pton(AF_INET, text.c_str(), &address) == 1;
 }
 
 bool takeAddress(std::string_view text, Options& options) {
   options.address = text;
-  return isAddress(text);
+  return isAddress(options.address);
 }
 
 bool takePage(std::string_view text, Options& options) {
-  const std::string address(takePart(text, ':'));
+  options.pageIsAsked = true;
+  options.pageAddress = takePart(text, ':');
   const auto port = numberFrom(text, 0, 0xFFFF);
-  if (port) options.page = {address, static_cast<int>(*port)};
-  return port && isAddress(address);
+  options.pagePort = static_cast<int>(port.value_or(0));
+  return port && isAddress(options.pageAddress);
 }
 
-constexpr struct {
-  std::string_view name;
-  bool (*take)(std::string_view, Options&);
-  std::string_view expected;
-} valued[] = {
-    {"--page", takePage, "ADDRESS:PORT, such as 127.0.0.1:8064"},
-    {"--address", takeAddress, "an IPv4 address"},
-};
+template <bool Options::*flag>
+bool setFlag(std::string_view, Options& options) {
+  return options.*flag = true;
+}
 
-constexpr struct {
-  std::string_view name;
-  bool Options::*flag;
-} flags[] = {
-    {"--log", &Options::log},
-    {"--no-page", &Options::noPage},
-    {"--unplug", &Options::unplug},
-    {"--help", &Options::help},
+constexpr struct Known {
+  std::string_view name, expected;  // of its value; nothing when it takes none
+  bool (*take)(std::string_view value, Options& options);
+} knownOptions[] = {
+    {"--log", "", setFlag<&Options::log>},
+    {"--page", "ADDRESS:PORT, such as 127.0.0.1:8064", takePage},
+    {"--no-page", "", setFlag<&Options::noPage>},
+    {"--address", "an IPv4 address", takeAddress},
+    {"--unplug", "", setFlag<&Options::unplug>},
+    {"--help", "", setFlag<&Options::help>},
 };
 
 using Arguments = std::span<const std::string>;
 
-std::string takeCamera(const std::string& text, Options& options) {
-  std::string problem;
-  const auto spec = cameraSpecFrom(text, problem);
-  if (spec) options.cameras.push_back(*spec);
-  return problem;
-}
-
-// Reads one option and moves past it; returns what is wrong.
+// Each reads what the arguments begin with and moves past it; returns what is wrong.
 std::string takeOption(Arguments& arguments, Options& options) {
   const std::string name = arguments.front();
   arguments = arguments.subspan(1);
-  for (const auto& [known, flag] : flags) {
-    if (known != name) continue;
-    options.*flag = true;
-    return {};
-  }
-  for (const auto& [known, take, expected] : valued) {
-    if (known != name) continue;
-    const std::string value = arguments.empty() ? "" : arguments.front();
-    if (!take(value, options)) {
-      return name + ": expected " + std::string(expected) + ", not \"" + value + "\"";
-    }
-    arguments = arguments.subspan(1);
-    return {};
-  }
-  return "unknown option \"" + name + "\"; see --help";
+  const auto* const known = std::ranges::find(knownOptions, name, &Known::name);
+  if (known == std::end(knownOptions)) return "unknown option \"" + name + "\"; see --help";
+  const bool hasValue = !known->expected.empty() && !arguments.empty();
+  const std::string value = hasValue ? arguments.front() : "";
+  arguments = arguments.subspan(hasValue ? 1 : 0);
+  if (known->take(value, options)) return {};
+  return name + ": expected " + std::string(known->expected) + ", not \"" + value + "\"";
 }
 
-std::string fitting(const Options& options) {
+std::string takeCamera(Arguments& arguments, Options& options) {
+  std::string problem;
+  const auto spec = cameraSpecFrom(arguments.front(), problem);
+  if (spec) options.cameras.push_back(*spec);
+  arguments = arguments.subspan(1);
+  return problem;
+}
+
+std::string takeProgram(Arguments& arguments, Options& options) {
+  options.program.assign(arguments.begin() + 1, arguments.end());
+  arguments = {};
+  return options.program.empty() ? "no program given after --" : "";
+}
+
+// What the options as a whole lack.
+std::string lackOf(const Options& options) {
   if (options.help || (options.unplug && options.cameras.empty())) return {};
   if (options.cameras.empty()) return "no camera given; see --help";
   std::set<std::uint16_t> ports;
@@ -121,25 +118,14 @@ std::string fitting(const Options& options) {
 
 }  // namespace
 
-std::variant<Options, std::string> optionsFrom(Arguments arguments) {
-  Options options;
+std::string optionsFrom(Arguments arguments, Options& options) {
   std::string wrong;
   while (!arguments.empty() && wrong.empty()) {
-    if (arguments.front() == "--") {
-      options.program.assign(arguments.begin() + 1, arguments.end());
-      if (options.program.empty()) wrong = "no program given after --";
-      break;
-    }
-    if (arguments.front().starts_with("-")) {
-      wrong = takeOption(arguments, options);
-    } else {
-      wrong = takeCamera(arguments.front(), options);
-      arguments = arguments.subspan(1);
-    }
+    const std::string& word = arguments.front();
+    const auto take = word == "--" ? takeProgram : word.starts_with('-') ? takeOption : takeCamera;
+    wrong = take(arguments, options);
   }
-  if (wrong.empty()) wrong = fitting(options);
-  if (!wrong.empty()) return wrong;
-  return options;
+  return wrong.empty() ? lackOf(options) : wrong;
 }
 
 }  // namespace qvx::simulator

@@ -1,84 +1,72 @@
 #include "simulator/program/wifi_service.h"
 
 #include "simulator/page/page_api.h"
+#include "simulator/program/live_picture.h"
 
 namespace qvx::simulator {
 
 namespace {
 
+using httplib::Request;
+using httplib::Response;
 using Handled = httplib::Server::HandlerResponse;
 
-constexpr std::string_view streamTarget = "/?action=stream";
+enum Status { ok = 200, methodNotAllowed = 405, unavailable = 503 };
 
-Reply answer(CameraDevice& device, const httplib::Request& request) {
-  constexpr int ok = 200, methodNotAllowed = 405;
-  if (request.target == streamTarget) return {true, {}, 0, "stream", ok, {}};
-  WifiAnswer answer = request.method == "GET"
-                          ? device.wifi.get(request.target)
-                          : WifiAnswer{methodNotAllowed, "text/plain", "405: GET only\n",
-                                       "unknown method " + request.method};
-  return {true,          std::move(answer.body),       0, std::move(answer.description),
-          answer.status, std::move(answer.contentType)};
+constexpr std::string_view homePage = "/", streamTarget = "/?action=stream";
+
+// Clients look for the camera by its home page: an access of the camera, which its faults spoil,
+// though the page answers it.
+WifiAnswer answerOf(CameraDevice& device, const Request& request) {
+  if (request.method != "GET") {
+    return {methodNotAllowed, "text/plain", "405: GET only\n", "unknown method " + request.method};
+  }
+  if (request.target == homePage) return {ok, "text/html", "home page", "home page"};
+  if (request.target == streamTarget) return {ok, "text/plain", "stream", "stream"};
+  return device.wifi.get(request.target);
 }
 
 // Fewer bytes than announced, and then the connection closes.
-void sendPart(Reply& reply, httplib::Response& response) {
+void sendPart(const Reply& reply, const std::string& contentType, Response& response) {
   response.set_content_provider(
-      reply.announced, reply.contentType,
-      [part = std::move(reply.bytes)](std::size_t, std::size_t, httplib::DataSink& sink) {
+      reply.announced, contentType,
+      [part = reply.bytes](std::size_t, std::size_t, httplib::DataSink& sink) {
         sink.write(part.data(), part.size());
         return false;
       });
 }
 
+Handled serve(PluggedCamera& camera, const Request& request, Response& response) {
+  constexpr int asItIs = 0xFFFF;
+  WifiAnswer answer;
+  const Reply reply = camera.carry([&](CameraDevice& device) {
+    answer = answerOf(device, request);
+    return Reply{true, answer.body, answer.description};
+  });
+  const bool isWhole = reply.done && reply.bytes == answer.body && answer.status == ok;
+  if (isWhole && request.target == homePage) return Handled::Unhandled;
+  response.status = reply.done ? answer.status : unavailable;
+  if (isWhole && request.target == streamTarget) {
+    sendStream(camera, asItIs, asItIs, response);
+  } else if (reply.announced != 0) {
+    sendPart(reply, answer.contentType, response);
+  } else {
+    response.set_content(reply.bytes, answer.contentType);
+  }
+  return Handled::Handled;
+}
+
 }  // namespace
 
-WifiService::WifiService(PluggedCamera& camera, Desk& desk)
-    : camera_(camera), http_([&camera] { return camera.isDeaf(); }) {
-  camera.onHearing = [this] { http_.reconsider(); };
+void serveWifiCamera(HttpPort& port, PluggedCamera& camera, Desk& desk) {
+  port.isDeaf = [&camera] { return camera.isDeaf(); };
+  camera.onHearing = [&port] { port.reconsider(); };
   // Clients leave their side of a connection open. It must not hold a thread after the answer.
-  http_.server.set_keep_alive_max_count(1);
-  addPageRoutes(http_.server, desk);
-  http_.server.set_pre_routing_handler(
-      [this](const httplib::Request& request, httplib::Response& response) {
-        if (request.target == "/" ? comesHome(response) : isForPage(request)) {
-          return Handled::Unhandled;
-        }
-        if (request.target != "/") serve(request, response);
-        return Handled::Handled;
-      });
-}
-
-WifiService::~WifiService() {
-  camera_.close();
-  http_.stop();
-}
-
-// Clients look for the camera by its home page: an access of the camera, which its faults spoil,
-// though the page answers it.
-bool WifiService::comesHome(httplib::Response& response) {
-  const std::string whole = "home page";
-  Reply reply = camera_.carry(
-      [&whole](CameraDevice&) { return Reply{true, whole, 0, whole, 200, "text/html"}; });
-  const bool unspoiled = reply.bytes == whole;
-  if (!unspoiled) send(reply, response);
-  return unspoiled;
-}
-
-void WifiService::serve(const httplib::Request& request, httplib::Response& response) {
-  Reply reply = camera_.carry([&](CameraDevice& device) { return answer(device, request); });
-  if (reply.done && request.target == streamTarget) {
-    constexpr int asItIs = 0xFFFF;
-    return sendStream(camera_, asItIs, asItIs, response);
-  }
-  send(reply, response);
-}
-
-void WifiService::send(Reply& reply, httplib::Response& response) {
-  constexpr int unavailable = 503;
-  response.status = reply.done ? reply.status : unavailable;
-  if (reply.bytes.size() < reply.announced) return sendPart(reply, response);
-  response.set_content(reply.bytes, reply.contentType);
+  port.server.set_keep_alive_max_count(1);
+  addPageRoutes(port.server, desk);
+  port.server.set_pre_routing_handler([&camera](const Request& request, Response& response) {
+    return isForPage(request) ? Handled::Unhandled : serve(camera, request, response);
+  });
 }
 
 }  // namespace qvx::simulator

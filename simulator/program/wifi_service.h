@@ -6,22 +6,8 @@
 
 namespace qvx::simulator {
 
-class WifiService {
- public:
-  // Requests that the page claims are not the camera's.
-  WifiService(PluggedCamera& camera, Desk& desk);
-  ~WifiService();
-
-  bool start(const std::string& address) { return http_.start(address, camera_.spec().port); }
-  int port() const { return http_.port(); }
-
- private:
-  bool comesHome(httplib::Response& response);
-  void serve(const httplib::Request& request, httplib::Response& response);
-  static void send(Reply& reply, httplib::Response& response);
-
-  PluggedCamera& camera_;
-  HttpPort http_;
-};
+// Makes a port that has not started yet answer as the camera. What it asks for of the page answers
+// for all cameras of the desk.
+void serveWifiCamera(HttpPort& port, PluggedCamera& camera, Desk& desk);
 
 }  // namespace qvx::simulator

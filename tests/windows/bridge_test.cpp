@@ -21,7 +21,7 @@ TEST(BridgeCamera, IsFoundReadHeardAndUnplugged) {
   EXPECT_TRUE(measures(0, 63)) << GetMAG(0);
   EXPECT_GE(presses, 1u);
   EXPECT_LE(presses, 1 + (GetTickCount64() - start_ms) / 2000);
-  cameras[0].setZoom({20, 20, 0});
+  cameras[0].with([](auto& device) { device.camera.setZoom({20, 20, 0}); });
   EXPECT_TRUE(measures(0, 20)) << GetMAG(0);
   EXPECT_EQ(cameras.violations(0), "");
 

@@ -24,7 +24,7 @@ TEST(HidCamera, IsFoundAmongForeignDevicesReadAndHeard) {
   EXPECT_TRUE(measures(0, 40)) << GetMAG(0);
   EXPECT_GE(presses, 1);
   EnablePressKey(0);
-  cameras[0].setZoom({20, 20, 0});
+  cameras[0].with([](auto& device) { device.camera.setZoom({20, 20, 0}); });
   EXPECT_TRUE(measures(0, 20)) << GetMAG(0);
   EXPECT_EQ(cameras.violations(0), "");
 }

@@ -132,7 +132,7 @@ TEST(Violations, AreAllCountedWhenTheListIsFull) {
   EXPECT_EQ(violations.count(), 40U);
   EXPECT_EQ(violations[31], "number 0x1F");
   EXPECT_EQ(violations[32], "");
-  violations.clear();
+  violations.take();
   EXPECT_EQ(violations[0], "");
 }
 

@@ -42,11 +42,12 @@ std::vector<std::string> filesIn(const std::string& stream) {
 TEST(Stream, FlowsToEachClientUntilClientCameraOrProgramIsGone) {
   Desk desk;
   std::string problem;
-  PluggedCamera& camera = desk.plugIn(*cameraSpecFrom("wifi:09D0,port=0", problem));
-  std::optional<WifiService> service(std::in_place, camera, desk);
-  ASSERT_TRUE(service->start("127.0.0.1"));
+  PluggedCamera& camera = desk.plugIn(*cameraSpecFrom("wifi:09D0", problem));
+  std::optional<HttpPort> port(std::in_place);
+  serveWifiCamera(*port, camera, desk);
+  ASSERT_TRUE(port->start("127.0.0.1", 0));
   const auto begin = [&](int pictures) {
-    return std::async(std::launch::async, streamFrom, service->port(), pictures);
+    return std::async(std::launch::async, streamFrom, port->port(), pictures);
   };
   auto endless = begin(1'000'000), one = begin(2), other = begin(2);
   for (auto* const client : {&one, &other}) {
@@ -59,7 +60,7 @@ TEST(Stream, FlowsToEachClientUntilClientCameraOrProgramIsGone) {
     EXPECT_NE(files[0], files[1]);  // its noise
   }
   EXPECT_EQ(camera.accessesAfter(0).size(), 3U);
-  service.reset();
+  port.reset();
   EXPECT_GE(filesIn(endless.get()).size(), 2U);
 }
 

@@ -21,10 +21,8 @@ namespace {
 std::string parse(const std::string& line, Options& options) {
   std::istringstream words(line);
   const std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
-  const auto parsed = optionsFrom(arguments);
-  if (const auto* const wrong = std::get_if<std::string>(&parsed)) return *wrong;
-  options = std::get<Options>(parsed);
-  return "";
+  options = {};
+  return optionsFrom(arguments, options);
 }
 
 TEST(SimulatorOptions, AreTakenOrRefused) {
@@ -46,7 +44,7 @@ TEST(SimulatorOptions, AreTakenOrRefused) {
   EXPECT_EQ(usb.setup.firmware, BridgeFirmware::wide);
   EXPECT_EQ(usb.name, "A");
   EXPECT_EQ(options.address, "127.0.0.9");
-  EXPECT_EQ(options.page->port, 80);
+  EXPECT_EQ(options.pagePort, 80);
   EXPECT_TRUE(options.log);
   EXPECT_EQ(options.program, (std::vector<std::string>{"x", "--log"}));
   for (const char* const line : {"",
@@ -121,22 +119,22 @@ constexpr char readFeatures[] =
     "/?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=8388608";
 
 struct Running {
-  explicit Running(const std::string& more = "") : service(plugIn(more), desk) {
-    EXPECT_TRUE(service.start("127.0.0.1"));
-  }
-  PluggedCamera& plugIn(const std::string& more) {
+  explicit Running(const std::string& more = "") {
     std::string problem;
-    return desk.plugIn(*cameraSpecFrom("wifi:0970,port=0" + more, problem));
+    serveWifiCamera(port, desk.plugIn(*cameraSpecFrom("wifi:0970" + more, problem)), desk);
+    EXPECT_TRUE(port.start("127.0.0.1", 0));
   }
+  ~Running() { desk.close(); }
+
   Desk desk;
-  WifiService service;
+  HttpPort port;
 };
 
 TEST(WifiService, ClosesEveryConnectionOfAClientThatNeverDoes) {
   Running running;
-  LeavingClient client(running.service.port());
+  LeavingClient client(running.port.port());
   for (int i = 0; i < 50; ++i) ASSERT_TRUE(client.get(readFeatures).ends_with("\r\n\r\nres:86"));
-  EXPECT_FALSE(HttpPort().start("127.0.0.1", running.service.port())) << "shares its port";
+  EXPECT_FALSE(HttpPort().start("127.0.0.1", running.port.port())) << "shares its port";
 }
 
 TEST(WifiService, GoesWrongFromTheRequestOn) {
@@ -152,7 +150,7 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.fault);
     Running running(std::string(",fault=") + expected.fault);
-    LeavingClient client(running.service.port());
+    LeavingClient client(running.port.port());
     EXPECT_TRUE(client.get(readFeatures).ends_with("res:86"));
     const std::string second = client.get(readFeatures);
     EXPECT_TRUE(second.ends_with(expected.ending));
@@ -165,7 +163,7 @@ TEST(WifiService, RecoversAndLosesWrites) {
   const std::string lightOn = "/?action=commandcontrol&dest=0plugin=0&id=1031&group=4&value=1";
   Running running(",fault=refuse:2");
   PluggedCamera& camera = *running.desk.cameras()[0];
-  LeavingClient client(running.service.port());
+  LeavingClient client(running.port.port());
   client.get(readFeatures);
   EXPECT_EQ(client.get(readFeatures), "refused");
   camera.setFault({Fault::loses, 1, 1});
@@ -184,7 +182,7 @@ TEST(WifiService, RecoversAndLosesWrites) {
 
 TEST(WifiService, EndsWhileItIsSilent) {
   auto running = std::make_unique<Running>(",fault=stall:600s");
-  const int port = running->service.port();
+  const int port = running->port.port();
   std::thread client([port] { LeavingClient(port).get("/"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   running.reset();
