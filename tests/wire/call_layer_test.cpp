@@ -9,6 +9,7 @@
 #include "etlib2/etLib2.h"
 #include "platform/workers.h"
 #include "tests/support/cameras.h"
+#include "tests/support/effort.h"
 #include "trace/trace.h"
 
 namespace qvx::tests {
@@ -301,7 +302,8 @@ TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
 
 class CallLayerThreads : public CallLayer {
  protected:
-  static constexpr int threads = 8, roundsPerThread = 1250;
+  static constexpr int threads = 8;
+  const int roundsPerThread = 125 * effort();
 
   CallLayerThreads() {
     machine().videoInputs.push_back(bridgeInput(other, "2"));
@@ -330,7 +332,7 @@ class CallLayerThreads : public CallLayer {
 
 TEST_F(CallLayerThreads, LoseNoReply) {
   std::atomic<int> lost = 0;
-  runThreads([&lost](int thread) {
+  runThreads([this, &lost](int thread) {
     for (int i = 0; i < roundsPerThread; ++i)
       lost += round(static_cast<std::uint32_t>(thread & 1), i) ? 0 : 1;
   });
@@ -341,8 +343,8 @@ TEST_F(CallLayerThreads, LoseNoReply) {
 
 // What is called while the library is closed fails; nothing else does, and nothing stays open.
 TEST_F(CallLayerThreads, SurviveOpeningAndClosing) {
-  runThreads([](int thread) {
-    for (int i = 0; i < roundsPerThread / 25; ++i) {
+  runThreads([this](int thread) {
+    for (int i = 0; i < roundsPerThread / 5; ++i) {
       if (thread == 0) etLib2_Init();
       if (thread == 1) etLib2_Release();
       if (thread > 1) round(static_cast<std::uint32_t>(thread & 1), i);

@@ -215,6 +215,7 @@ int expectedFor(const char* oneLess, int argument) {
 TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
   std::map<qvx_long, int> timesOff;
   plug(0x9E0);
+  machine().workersInline = true;
   for (int value = 0; value <= 1125; ++value) {
     SetExposureValue(0, value);
     if (value < 1125) {

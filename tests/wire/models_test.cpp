@@ -108,9 +108,10 @@ TEST_F(Arguments, OfAnyValueAreHarmless) {
 
 using Registers = std::map<int, int>;
 using Digests = std::map<int, std::uint32_t>;  // by block
+constexpr int others = -1;                     // all blocks without cameras
 
-// What all 4096 product ids give and are told, with every register value that a rule looks at: a
-// digest per block of 16 ids tells which ids a change is felt by. Workers run on the caller's
+// What product ids give and are told, with every register value that a rule looks at: a digest per
+// block of 16 ids tells which ids a change is felt by. Workers run on the caller's
 // thread: one of their own for each access would take minutes.
 class Sweep : public CameraTest {
  protected:
@@ -134,19 +135,20 @@ class Sweep : public CameraTest {
 
   void add(std::uint32_t value) { digest = (digest ^ value) * 16777619; }
 
-  // Blocks that are not listed give the same as block 0. Older models look at no light register,
-  // so that two cameras of them do.
+  // Blocks that are not listed have no camera: their first and their last id give all the same.
+  // Older models look at no light register, so that two cameras of them do.
   void expect(const Digests& listed, const std::vector<Registers>& newer,
               const std::vector<Registers>& older, const std::function<void()>& call) {
     for (int block = 0; block < 256; ++block) {
       digest = 2166136261;  // FNV-1a
-      for (int pid = 16 * block; pid < 16 * (block + 1); ++pid) {
+      const bool isListed = listed.count(block) != 0;
+      for (int pid = 16 * block; pid < 16 * (block + 1); pid += isListed ? 1 : 15) {
         for (const Registers& registers : block >= 0x96 && block <= 0x9E ? newer : older) {
           prepare = [&] { program(pid, registers); };
           call();
         }
       }
-      EXPECT_EQ(digest, listed.at(listed.count(block) != 0 ? block : 0))
+      EXPECT_EQ(digest, listed.at(isListed ? block : others))
           << "product ids 0x" << std::hex << block << "0 on: {0x" << block << ", 0x" << digest
           << '}';
     }
@@ -193,11 +195,11 @@ TEST_F(Sweep, LedsOfUsbCameras) {
       }
     }
   }
-  const Digests listed = {{0x00, 0x29AF6B45}, {0x87, 0xB2A7C5C5}, {0x88, 0x8BEA3325},
-                          {0x89, 0xB08BAEF1}, {0x91, 0x91DE9FA9}, {0x92, 0x3647CD19},
-                          {0x96, 0x8633CDED}, {0x97, 0x87725B95}, {0x98, 0x2BAF25A3},
-                          {0x99, 0x9B4F9913}, {0x9A, 0x723743C5}, {0x9B, 0x6E745120},
-                          {0x9C, 0x74714535}, {0x9D, 0x8767A4B5}, {0x9E, 0x57D5A745}};
+  const Digests listed = {{others, 0x94DA0815}, {0x87, 0xB2A7C5C5}, {0x88, 0x8BEA3325},
+                          {0x89, 0xB08BAEF1},   {0x91, 0x91DE9FA9}, {0x92, 0x3647CD19},
+                          {0x96, 0x8633CDED},   {0x97, 0x87725B95}, {0x98, 0x2BAF25A3},
+                          {0x99, 0x9B4F9913},   {0x9A, 0x723743C5}, {0x9B, 0x6E745120},
+                          {0x9C, 0x74714535},   {0x9D, 0x8767A4B5}, {0x9E, 0x57D5A745}};
   expectLeds(listed, 0, combinations);
 }
 
@@ -208,11 +210,11 @@ TEST_F(Sweep, LedsOfWifiCameras) {
       combinations.push_back({{0x80, features}, {0x83, kind}, {0x84, 0}});
     }
   }
-  const Digests listed = {{0x00, 0x960E09C5}, {0x87, 0x9DC041E5}, {0x88, 0x3A623FE5},
-                          {0x89, 0x7A17E925}, {0x91, 0x91313C0D}, {0x92, 0xC9F91D45},
-                          {0x96, 0xADBA6066}, {0x97, 0xDF26214E}, {0x98, 0xB20B2545},
-                          {0x99, 0x6BF43556}, {0x9A, 0xFBFAB845}, {0x9B, 0x42A31CBA},
-                          {0x9C, 0x4C564FC5}, {0x9D, 0xC618A745}, {0x9E, 0xCC988445}};
+  const Digests listed = {{others, 0xE774BB45}, {0x87, 0x9DC041E5}, {0x88, 0x3A623FE5},
+                          {0x89, 0x7A17E925},   {0x91, 0x91313C0D}, {0x92, 0xC9F91D45},
+                          {0x96, 0xADBA6066},   {0x97, 0xDF26214E}, {0x98, 0xB20B2545},
+                          {0x99, 0x6BF43556},   {0x9A, 0xFBFAB845}, {0x9B, 0x42A31CBA},
+                          {0x9C, 0x4C564FC5},   {0x9D, 0xC618A745}, {0x9E, 0xCC988445}};
   expectLeds(listed, 90, combinations);
 }
 
@@ -222,13 +224,13 @@ TEST_F(Sweep, FeatureWords) {
     combinations.push_back({{0x80, reg80}, {0x83, 4}});
   }
   combinations.push_back({{0x80, 0xD7}, {0x83, 5}});
-  const Digests listed = {{0x00, 0x02187E45}, {0x61, 0xA338E08D}, {0x71, 0xDA9D4705},
-                          {0x81, 0x04331BF5}, {0x82, 0x4F8D9F35}, {0x84, 0xA2D800B5},
-                          {0x86, 0xC6972345}, {0x87, 0xDA29850D}, {0x88, 0xBA053D8D},
-                          {0x89, 0x6D2020ED}, {0x91, 0x28FC9735}, {0x92, 0x4E7D75AD},
-                          {0x96, 0x44831684}, {0x97, 0x826B026A}, {0x98, 0xAF391961},
-                          {0x99, 0x4A5EC046}, {0x9A, 0xECC6FC35}, {0x9B, 0x9E9F2B5C},
-                          {0x9C, 0x93D78E39}, {0x9D, 0x952C2AED}, {0x9E, 0x93D78E39}};
+  const Digests listed = {{others, 0xB9FEE455}, {0x61, 0xA338E08D}, {0x71, 0xDA9D4705},
+                          {0x81, 0x04331BF5},   {0x82, 0x4F8D9F35}, {0x84, 0xA2D800B5},
+                          {0x86, 0xC6972345},   {0x87, 0xDA29850D}, {0x88, 0xBA053D8D},
+                          {0x89, 0x6D2020ED},   {0x91, 0x28FC9735}, {0x92, 0x4E7D75AD},
+                          {0x96, 0x44831684},   {0x97, 0x826B026A}, {0x98, 0xAF391961},
+                          {0x99, 0x4A5EC046},   {0x9A, 0xECC6FC35}, {0x9B, 0x9E9F2B5C},
+                          {0x9C, 0x93D78E39},   {0x9D, 0x952C2AED}, {0x9E, 0x93D78E39}};
   expectResults(listed, combinations, [] { return std::vector<qvx_long>{GetConfig(90)}; });
 }
 
@@ -241,9 +243,11 @@ TEST_F(Sweep, LensLimits) {
       {{0xCA, 255}, {0xC2, 0}, {0x5F, 12}, {0x5E, 255}},
       {{0xCA, 255}, {0xC2, 1}, {0x5F, 0}, {0x5E, 9}},
   };
-  const Digests listed = {{0x00, 0x411C9485}, {0x91, 0x8749FC45}, {0x98, 0x8FF28905},
-                          {0x99, 0x0D4C13C5}, {0x9B, 0xE46321F3}, {0x9C, 0x0D4C13C5},
-                          {0x9E, 0x26674605}};
+  const Digests listed = {{others, 0x3411BC5D}, {0x87, 0x411C9485}, {0x88, 0x411C9485},
+                          {0x89, 0x411C9485},   {0x91, 0x8749FC45}, {0x92, 0x411C9485},
+                          {0x96, 0x411C9485},   {0x97, 0x411C9485}, {0x98, 0x8FF28905},
+                          {0x99, 0x0D4C13C5},   {0x9A, 0x411C9485}, {0x9B, 0xE46321F3},
+                          {0x9C, 0x0D4C13C5},   {0x9D, 0x411C9485}, {0x9E, 0x26674605}};
   expectResults(listed, combinations, [] {
     std::vector<qvx_long> limits(4);
     GetLensPosLimits(90, &limits[0], &limits[1]);
