@@ -12,7 +12,7 @@ namespace qvx {
 
 namespace {
 
-std::uint32_t readOverUsb3(std::uint32_t reg) {
+std::uint32_t readSensorOverUsb3(std::uint32_t reg) {
   sendUsb3(Usb3Selector::sensorRead, {chip::sensor78.address, highByte(reg), lowByte(reg)});
   return fetchUsb3(Usb3Selector::sensorRead);
 }
@@ -72,7 +72,7 @@ int readSensor34(int deviceNumber, std::uint32_t reg) {
 
 std::uint32_t ReadFrom90x(int deviceNumber, std::uint32_t reg) {
   if (deviceNumber == wifiDeviceIndex) return ReadEmpia_Sensor(reg);
-  if (isVK73xxxSeries(nPid)) return readOverUsb3(reg);
+  if (isVK73xxxSeries(nPid)) return readSensorOverUsb3(reg);
   return readOverBridge(deviceNumber, chip::sensor78, reg, BusSpeed::standard);
 }
 
