@@ -20,5 +20,6 @@ add_custom_command(
   WORKING_DIRECTORY ${httplib_source}
   DEPENDS ${httplib_script} ${httplib_source}/httplib.h)
 add_library(httplib STATIC ${httplib_parts}/httplib.cc)
+target_compile_options(httplib PRIVATE -O1) # the optimiser would take longer than for all of ours
 target_include_directories(httplib SYSTEM PUBLIC ${httplib_parts})
 target_link_libraries(httplib PUBLIC ws2_32)

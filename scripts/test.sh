@@ -3,7 +3,7 @@
 # The output of every stage stays in build/logs; that of a failing one is shown.
 source "$(dirname "$0")/common.sh"
 
-stages=(format scripts native tsan fuzz windows demo docs package)
+stages=(format scripts build fuzz package windows demo native tsan docs)
 
 stage_format() {
   git ls-files -z '*.h' '*.c' '*.cpp' | xargs -0 clang-format-14 --dry-run -Werror
@@ -13,8 +13,11 @@ stage_scripts() {
   git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck -x -P SCRIPTDIR && scripts/check_rooms.py
 }
 
+# What is built for Windows, and the cameras as programs of this machine: most stages use both.
+stage_build() { build_preset windows && build_preset simulator qvx-simulator; }
+
 build_and_test() {
-  build_preset "$1" && ctest --preset "$1" -j "$jobs" --no-tests=error
+  build_preset "$1" && ctest --preset "$1" -j "${2:-$jobs}" --no-tests=error
 }
 
 # Address- and UndefinedBehaviorSanitizer, and clang-tidy while the library compiles.
@@ -22,17 +25,18 @@ stage_native() { build_and_test native; }
 
 stage_tsan() { build_and_test tsan; }
 
-# A minute of what scripts/fuzz.sh does for as long as it is given.
-stage_fuzz() { scripts/fuzz.sh 60; }
+# Half a minute of what scripts/fuzz.sh does for as long as it is given.
+stage_fuzz() { scripts/fuzz.sh 30; }
 
-# Under Wine, with the programs that use the installed package, and a camera beside it.
-stage_windows() { build_preset simulator qvx-simulator && build_and_test windows; }
+# Under Wine, with the programs that use the installed package, and a camera beside it. Most of it is
+# waiting.
+stage_windows() { stage_build && build_and_test windows $((2 * jobs)); }
 
 stage_demo() { scripts/demo.sh; }
 
 # The documents' samples, tables and links.
 stage_docs() {
-  build_preset native && build_preset simulator && build_preset windows && python3 scripts/docs/check.py
+  stage_build && build_preset native && python3 scripts/docs/check.py
 }
 
 # What is shipped, tried as its users do, and made once more in another folder.
@@ -61,8 +65,7 @@ run_stage() {
   echo "$stage $(count_tests "$log" $status) $((SECONDS - start))" >"$logs/$stage.result"
 }
 
-# Beside the stages that follow, with what processor time those leave: they wait more than they
-# compute.
+# Beside the stages that follow, with what processor time those leave.
 run_beside() {
   (
     renice -n 19 "$BASHPID" >/dev/null
@@ -89,8 +92,13 @@ for stage in "${stages[@]}"; do
   declare -F "stage_$stage" >/dev/null || fail "no stage \"$stage\""
 done
 scripts/setup.sh test || { echo "0 passed, 1 failed"; exit 1; }
+# What several presets compile alike is compiled once.
+export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=$PWD/build/ccache
 for stage in "${stages[@]}"; do
-  if [ "$stage" = fuzz ]; then run_beside fuzz; else run_stage "$stage"; fi
+  case $stage in
+    fuzz | package) run_beside "$stage" ;;
+    *) run_stage "$stage" ;;
+  esac
 done
 wait
 tell_results

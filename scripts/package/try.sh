@@ -51,11 +51,11 @@ if [ -n "$alone" ]; then
   { ip link set lo up && ip address add "$built_in/32" dev lo; } || fail "no network"
   with_camera --address "$built_in" wifi:0998,zoom=63 -- bin/qvxctl.exe --device 90 info
 fi
-with_camera wifi:0998,zoom=63,port=8081 -- bin/qvxctl.exe --camera 127.0.0.1:8081 selftest
+with_camera wifi:0998,zoom=63,port=8091 -- bin/qvxctl.exe --camera 127.0.0.1:8091 selftest
 with_camera usb:0970 -- bin/qvxctl.exe --device 0 info
 build_example
-export QVX64_WIFI_CAMERA=127.0.0.1:8081
-with_camera wifi:0998,zoom=1:200/2s,button=1s,port=8081 -- built/microscope.exe 2 still.jpg
+export QVX64_WIFI_CAMERA=127.0.0.1:8091
+with_camera wifi:0998,zoom=1:200/2s,button=1s,port=8091 -- built/microscope.exe 2 still.jpg
 for line in magnification button "still in"; do
   grep -q "^$line" try.log || fail "the example did not tell \"$line\""
 done

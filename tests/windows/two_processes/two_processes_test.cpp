@@ -154,7 +154,7 @@ TEST_F(TwoProcesses, KilledAtAnyMomentNeitherHangNorMixTheirBytes) {
   SimulatedCameras cameras(texts);
   shared().parent = GetCurrentProcessId();
   for (int i = 0; i < processCount; ++i) startWorker(i);
-  disturb(numberFrom("QVX_SECONDS", 60));
+  disturb(numberFrom("QVX_SECONDS", 30));
   expectAllEnd();
   EXPECT_EQ(shared().mistakes, 0u) << shared().mistake;
   expectMuchWasDone();
