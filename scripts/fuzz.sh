@@ -1,16 +1,19 @@
 #!/usr/bin/env bash
-# Fuzzes the library with made-up calls, arguments and devices: fuzz.sh [seconds], 600 by default
+# Fuzzes the library with made-up calls, arguments and devices: fuzz.sh [seconds [seed]], 600 by
+# default. With a seed the inputs are the same every time, as far as the seconds reach.
 # Exit code 1 when an input breaks it, or when all inputs together reach too few lines of src.
 # Inputs that broke it stay in build/fuzz/run, and so does the corpus as it has grown.
 source "$(dirname "$0")/common.sh"
 
 seconds=${1:-600}
+seed=${2:-0}
 least_coverage=95
 fuzzer=build/fuzz/tests/fuzz/qvx_fuzz
 run=build/fuzz/run
 corpus=tests/fuzz/corpus
 
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || fail "\"$seconds\" is no number of seconds"
+[[ $seed =~ ^[0-9]+$ ]] || fail "\"$seed\" is no seed"
 scripts/setup.sh test || exit 1
 for tool in clang++-14 llvm-profdata-14 llvm-cov-14; do
   command -v "$tool" >/dev/null || fail "$tool is missing (packages clang-14 and llvm-14)"
@@ -25,7 +28,7 @@ cp "$corpus"/* "$run/corpus"
 
 # Most time goes into keeping account of allocations: less of it means more executions.
 export ASAN_OPTIONS=malloc_context_size=2:quarantine_size_mb=16
-common=(-timeout=10 -artifact_prefix="$run/")
+common=(-timeout=60 -artifact_prefix="$run/")
 
 # The lines of src that the inputs of a folder reach, in percent.
 coverage() {
@@ -39,12 +42,15 @@ coverage() {
     awk '$1 == "TOTAL" { sub("%", "", $10); print $10 }'
 }
 
-# One process per core; they learn from each other through the corpus. Leaks show at the end.
+# One process per core; they learn from each other through the corpus, unless they have a seed. Leaks
+# show at the end.
 fuzz() {
-  local i processes=() status=0
+  local i processes=() status=0 learn=1
+  [ "$seed" -eq 0 ] || learn=0
   for ((i = 0; i < jobs; i++)); do
     LLVM_PROFILE_FILE=$run/fuzz-$i.raw "$fuzzer" "${common[@]}" -max_total_time="$seconds" \
-      -max_len=400 -len_control=20 -detect_leaks=0 -print_final_stats=1 "$run/corpus" >"$run/fuzz-$i.log" 2>&1 &
+      -seed=$((seed > 0 ? seed + i : 0)) -reload=$learn -max_len=400 -len_control=20 -detect_leaks=0 \
+      -print_final_stats=1 "$run/corpus" >"$run/fuzz-$i.log" 2>&1 &
     processes+=($!)
   done
   for i in "${!processes[@]}"; do

@@ -143,7 +143,8 @@ void callEverything(int chosenIndex, std::span<const Kept> rows) {
     const bool elsewhere = chosenIndex != wifiIndex && std::strcmp(call.name, "GetWiFiImage") == 0;
     if (!elsewhere) report += callOften(call, chosenIndex, keptBy(call.name, rows));
   }
-  testing::internal::GetCapturedStdout();
+  const std::string printed = testing::internal::GetCapturedStdout();
+  if (testing::Test::HasFailure()) report = printed + report;
   std::fputs(report.c_str(), stdout);
 }
 
