@@ -13,7 +13,7 @@ namespace {
 constexpr struct {
   qvx_long bit;
   std::string_view name;
-} features[] = {
+} knownFeatures[] = {
     {QVX_FEATURE_LENS, "focus lens"},
     {QVX_FEATURE_MAGNIFICATION, "magnification"},
     {QVX_FEATURE_QUADRANTS, "dimmable quadrants"},
@@ -32,7 +32,7 @@ std::string hexadecimal(qvx_long word) {
 
 void printJson(qvx_long word) {
   std::vector<std::string> names;
-  for (const auto& feature : features) {
+  for (const auto& feature : knownFeatures) {
     if ((word & feature.bit) != 0) names.push_back(json::text(feature.name));
   }
   printLine(json::object({{"config", json::number(word)}, {"features", json::array(names)}}));
@@ -40,7 +40,7 @@ void printJson(qvx_long word) {
 
 void printText(qvx_long word) {
   printLine("Feature word  " + hexadecimal(word));
-  for (const auto& feature : features) {
+  for (const auto& feature : knownFeatures) {
     if ((word & feature.bit) == 0) continue;
     printLine("  " + hexadecimal(feature.bit) + "  " + std::string(feature.name));
   }

@@ -31,6 +31,10 @@ std::string text(std::string_view text) {
   return value + '"';
 }
 
+std::string textOrNull(std::string_view value) {
+  return value.empty() ? null : text(value);
+}
+
 std::string number(double number) {
   return std::isfinite(number) ? digits(number) : null;
 }

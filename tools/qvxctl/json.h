@@ -14,7 +14,8 @@ inline constexpr char null[] = "null";
 using Member = std::pair<std::string, std::string>;  // a name and a JSON value
 
 std::string text(std::string_view text);
-std::string number(double number);  // null when not finite: JSON has no such number
+std::string textOrNull(std::string_view text);  // null when empty
+std::string number(double number);              // null when not finite: JSON has no such number
 template <std::integral T>
 std::string number(T number) {
   return std::to_string(number);

@@ -74,7 +74,7 @@ void useTrace(const std::string& text) {
   SetEnvironmentVariableW(L"QVX64_TRACE", path.c_str());
 }
 
-constexpr Option options[] = {
+constexpr Option knownOptions[] = {
     {"--device", "N", "",
      "the camera: 0 to 7, 90 for Wi-Fi, -1 (default) to let the library choose",
      [](Options& all, const std::string& value) { all.device = indexIn(value); }},
@@ -101,9 +101,9 @@ constexpr Option options[] = {
 };
 
 const Option& optionNamed(const std::string& name) {
-  const auto* const found =
-      std::ranges::find_if(options, [&name](const Option& option) { return option.name == name; });
-  if (found == std::end(options)) {
+  const auto* const found = std::ranges::find_if(
+      knownOptions, [&name](const Option& option) { return option.name == name; });
+  if (found == std::end(knownOptions)) {
     throw Failure(ExitCode::badUsage, "unknown option " + quoted(name) + "; see qvxctl --help");
   }
   return *found;
@@ -177,7 +177,7 @@ class Parser {
 }  // namespace
 
 std::span<const Option> optionTable() {
-  return options;
+  return knownOptions;
 }
 
 Options parseOptions(const std::vector<std::string>& words) {

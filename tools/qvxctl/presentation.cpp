@@ -13,16 +13,12 @@ std::string formatted(const char* pattern, Values... values) {
   return text;
 }
 
-std::string textOrNull(const std::string& text) {
-  return text.empty() ? json::null : json::text(text);
-}
-
 }  // namespace
 
 std::vector<json::Member> membersOf(const Camera& camera) {
   return {{"index", json::number(camera.index)},
-          {"name", textOrNull(camera.name)},
-          {"path", textOrNull(camera.path)},
+          {"name", json::textOrNull(camera.name)},
+          {"path", json::textOrNull(camera.path)},
           {"product_id", camera.productId ? json::number(*camera.productId) : json::null}};
 }
 

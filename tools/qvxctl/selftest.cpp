@@ -56,15 +56,11 @@ std::string_view nameOf(Outcome outcome) {
   return outcomeNames[static_cast<std::size_t>(outcome)];
 }
 
-std::string textOrNull(const std::string& text) {
-  return text.empty() ? json::null : json::text(text);
-}
-
 std::string jsonOf(const Finding& finding) {
   return json::object({{"step", json::text(finding.step)},
                        {"outcome", json::text(nameOf(finding.outcome))},
-                       {"set", textOrNull(finding.set)},
-                       {"read", textOrNull(finding.read)}});
+                       {"set", json::textOrNull(finding.set)},
+                       {"read", json::textOrNull(finding.read)}});
 }
 
 std::string textOf(const Finding& finding) {

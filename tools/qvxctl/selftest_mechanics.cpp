@@ -6,6 +6,7 @@
 #include "cameras.h"
 #include "message_loop.h"
 #include "presentation.h"
+#include "presses.h"
 #include "readings.h"
 #include "selftest.h"
 
@@ -22,12 +23,6 @@ Finding sendEach(const char* step, const Model& camera, void (*set)(int, qvx_lon
     append(text, value);
   }
   return sent(step, text);
-}
-
-int presses = 0;
-
-void countPress() {
-  ++presses;
 }
 
 }  // namespace

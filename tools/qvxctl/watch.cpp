@@ -8,6 +8,7 @@
 #include "message_loop.h"
 #include "output.h"
 #include "presentation.h"
+#include "presses.h"
 #include "qvx64/api.h"
 
 namespace qvxctl {
@@ -154,13 +155,6 @@ class MagnificationReport {
   Measurement shown_{}, latest_{};
   Clock::time_point since_;
 };
-
-// The library calls back without saying anything: presses are counted, and reported by the loop.
-int presses = 0;
-
-void countPress() {
-  ++presses;
-}
 
 class ButtonReport {
  public:
