@@ -33,7 +33,8 @@ class Soak : public testing::TestWithParam<int> {
   Rig rig;
 };
 
-// Ticks of the two timers: a press of the button every two seconds, and the zoom ring never at rest.
+// Ticks of the two timers: a press of the button every two seconds, and the zoom ring never at
+// rest.
 class SoakTicks : public Soak {
  protected:
   static constexpr int ticksPerPress = 8, releasedAt = 3;
