@@ -135,8 +135,8 @@ std::string headInWords(const char* name, const RequestHead& head) {
 
 template <class Transfer>
 Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& request) {
-  std::vector<std::string> happened;
-  device.camera.tap().tell = [&happened](std::string line) { happened.push_back(std::move(line)); };
+  std::string happened;
+  device.camera.tap().tell = [&happened](const std::string& line) { happened += "  " + line; };
   Bytes bytes(request.head.wanted);
   Reply reply;
   reply.done = transfer.carry(device, request, bytes);
@@ -145,7 +145,7 @@ Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& re
   if (reply.done) reply.bytes.assign(bytes.begin(), bytes.end());
   const auto moved = bytes.empty() ? request.bytes : std::span<const std::uint8_t>(bytes);
   reply.text += !reply.done ? ": refused" : moved.empty() ? "" : ": " + shortHex(moved);
-  for (const std::string& line : happened) (reply.text += "  ") += line;
+  reply.text += happened;
   return reply;
 }
 

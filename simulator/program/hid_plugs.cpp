@@ -47,10 +47,9 @@ bool writeDevice(const CameraRecord& camera) {
 template <class Condition>
 bool await(Condition condition) {
   constexpr DWORD pause_ms = 10, limit_ms = 20'000;
-  const ULONGLONG start = GetTickCount64();
-  while (!condition()) {
-    if (GetTickCount64() - start > limit_ms) return false;
-    Sleep(pause_ms);
+  const ULONGLONG end_ms = GetTickCount64() + limit_ms;
+  for (; !condition(); Sleep(pause_ms)) {
+    if (GetTickCount64() > end_ms) return false;
   }
   return true;
 }
