@@ -11,15 +11,12 @@ namespace qvx::simulator {
 
 namespace {
 
-using simulator::HttpAnswer;
-using simulator::world;
-
 constexpr std::uint64_t longStall_ms = 1000;  // two make up the time a camera access may take
 constexpr std::size_t readCapacity = 8192;
 
 // A few bytes say enough: the last of them fills the reply. One pattern stands for memory that is
 // exhausted on the way.
-void answer(Input& input, std::span<std::uint8_t> reply, std::uint8_t sent = 0) {
+void answer(Input& input, Room reply, std::uint8_t sent = 0) {
   constexpr std::array<std::uint8_t, 4> exhausted = {0xFF, 0, 0xFF, 0};
   std::array<std::uint8_t, 4> head{};
   for (std::uint8_t& byte : head) byte = input.registerValue(sent);
@@ -28,58 +25,37 @@ void answer(Input& input, std::span<std::uint8_t> reply, std::uint8_t sent = 0) 
   std::copy_n(head.begin(), std::min(head.size(), reply.size()), reply.begin());
 }
 
-class Node final : public simulator::PropertyNode {
+// What it was sent last may come back.
+class MadeUpCamera final : public CameraPort {
  public:
-  explicit Node(Input& input) : input_(input), sets_(input.number(0, 7)) {}
+  // A bit for each property set that it supports.
+  explicit MadeUpCamera(Input& input, int sets = 0) : input_(input), sets_(sets) {}
 
-  bool supports(const simulator::PropertySetId& set) override {
-    constexpr const simulator::PropertySetId* known[] = {
-        &simulator::bridgeRegisterSet, &simulator::bridgeCommandSet, &simulator::bridgeVariant1Set};
+  bool supports(const PropertySetId& set) override {
+    constexpr const PropertySetId* known[] = {&bridgeRegisterSet, &bridgeCommandSet,
+                                              &bridgeVariant1Set};
     for (unsigned i = 0; i < std::size(known); ++i) {
       if (*known[i] == set) return (static_cast<unsigned>(sets_) >> i & 1) != 0;
     }
     return false;
   }
-  bool set(const simulator::PropertySetId&, std::uint32_t,
-           std::span<const std::uint8_t> bytes) override {
+  bool setProperty(const PropertySetId&, std::uint32_t, Bytes bytes) override {
     sent_ = bytes[1 % bytes.size()];  // the first byte that is not a code
     return true;
   }
-  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> bytes) override {
+  bool getProperty(const PropertySetId&, std::uint32_t, Room bytes) override {
     answer(input_, bytes, sent_);
     return true;
   }
-
- private:
-  Input& input_;
-  int sets_;
-  std::atomic<std::uint8_t> sent_ = 0;
-};
-
-class Reports final : public simulator::FeatureDevice {
- public:
-  explicit Reports(Input& input) : input_(input) {}
-
-  bool set(std::span<const std::uint8_t> report) override {
+  bool setFeature(Bytes report) override {
     sent_ = report[1];  // behind the report id
     return true;
   }
-  bool get(std::span<std::uint8_t> report) override {
+  bool getFeature(Room report) override {
     answer(input_, report, sent_);
     return true;
   }
-
- private:
-  Input& input_;
-  std::atomic<std::uint8_t> sent_ = 0;
-};
-
-class Endpoint final : public simulator::ControlEndpoint {
- public:
-  explicit Endpoint(Input& input) : input_(input) {}
-
-  std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
-                                      std::span<std::uint8_t> buffer) override {
+  std::optional<std::size_t> transfer(const UsbSetup& setup, Room buffer) override {
     if (setup.requestType < 0x80) return buffer.size();
     answer(input_, buffer);
     const std::uint8_t outcome = input_.byte();
@@ -90,6 +66,8 @@ class Endpoint final : public simulator::ControlEndpoint {
 
  private:
   Input& input_;
+  int sets_;
+  std::atomic<std::uint8_t> sent_ = 0;
 };
 
 std::vector<std::string> pieces(const std::string& text, std::size_t length) {
@@ -101,8 +79,8 @@ std::vector<std::string> pieces(const std::string& text, std::size_t length) {
 }  // namespace
 
 Machine::Machine(Input& input) : input_(input) {
-  simulator::resetWorld();
-  simulator::World& machine = world();
+  resetWorld();
+  World& machine = world();
   machine.keepsJournal = false;
   machine.workersInline = true;
   machine.permits = [this] { return permits(); };
@@ -144,20 +122,22 @@ std::wstring Machine::path() {
   return path;
 }
 
-simulator::VideoInput Machine::videoInput() {
-  simulator::VideoInput input{path(), L"Microscope", {}, nullptr, !input_.oneIn(8)};
+VideoInput Machine::videoInput() {
+  VideoInput input{path(), L"Microscope", {}, nullptr, !input_.oneIn(8)};
   if (input_.oneIn(8)) input.name = std::nullopt;
   const int nodes = input_.number(0, 3);
   for (int i = 0; i < nodes; ++i) {
-    input.nodes.push_back(input_.oneIn(4) ? nullptr : std::make_shared<Node>(input_));
+    const bool isOther = input_.oneIn(4);
+    input.nodes.push_back(isOther ? nullptr
+                                  : std::make_shared<MadeUpCamera>(input_, input_.number(0, 7)));
   }
   if (!input_.oneIn(4)) input.picture = &picture_;
   return input;
 }
 
-simulator::HidInterface Machine::hidInterface(std::size_t number) {
-  simulator::HidInterface interface {
-    "hid#" + std::to_string(number), 2, {0x87, 0x93, 0x97}, std::make_shared<Reports>(input_)
+HidInterface Machine::hidInterface(std::size_t number) {
+  HidInterface interface {
+    "hid#" + std::to_string(number), 2, {0x87, 0x93, 0x97}, std::make_shared<MadeUpCamera>(input_)
   };
   if (input_.oneIn(4)) interface.device = nullptr;
   if (input_.oneIn(4)) interface.featureItems = input_.number<std::size_t>(0, 4);
@@ -166,11 +146,11 @@ simulator::HidInterface Machine::hidInterface(std::size_t number) {
   return interface;
 }
 
-simulator::UsbDevice Machine::usbDevice() {
+UsbDevice Machine::usbDevice() {
   constexpr std::size_t textLengths[] = {4, 0, 255, 256, 1000};
   constexpr std::size_t pipeCounts[] = {2, 0, 1, 300};
   const auto text = [&] { return std::string(input_.oneOf(textLengths), '%'); };
-  simulator::UsbDevice device;
+  UsbDevice device;
   device.vendorId = input_.oneIn(8) ? 0 : 0x3C7E;
   device.productId = productId();
   device.instance = text();
@@ -178,13 +158,13 @@ simulator::UsbDevice Machine::usbDevice() {
   device.maker = text();
   device.pipes.resize(input_.oneOf(pipeCounts), {0x81, 2, 255, 65535});
   device.opens = !input_.oneIn(4);
-  if (!input_.oneIn(4)) device.endpoint = std::make_shared<Endpoint>(input_);
+  if (!input_.oneIn(4)) device.endpoint = std::make_shared<MadeUpCamera>(input_);
   return device;
 }
 
 void Machine::furnish() {
   constexpr std::size_t counts[] = {1, 0, 2, 10}, hidCounts[] = {1, 0, 2, 30};
-  simulator::World& machine = world();
+  World& machine = world();
   machine.wifi = nullptr;
   if (!input_.oneIn(4)) machine.wifi = [this](const std::string& url) { return answerTo(url); };
   machine.videoInputs.clear();

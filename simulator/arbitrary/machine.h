@@ -29,10 +29,10 @@ class Machine {
   bool isLate();
   int productId();
   std::wstring path();
-  simulator::VideoInput videoInput();
-  simulator::HidInterface hidInterface(std::size_t number);
-  simulator::UsbDevice usbDevice();
-  simulator::HttpAnswer answerTo(const std::string& url);
+  VideoInput videoInput();
+  HidInterface hidInterface(std::size_t number);
+  UsbDevice usbDevice();
+  HttpAnswer answerTo(const std::string& url);
   std::string bodyFor(const std::string& url);
   std::string controlDocument();
   std::string deviceList();
@@ -41,7 +41,7 @@ class Machine {
   Input& input_;
   Mood mood_ = Mood::well;
   std::thread::id applicationThread_ = std::this_thread::get_id();
-  simulator::PictureControls picture_;
+  PictureControls picture_;
 };
 
 }  // namespace qvx::simulator

@@ -5,11 +5,11 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <span>
+#include <map>
+#include <optional>
 
-#include "simulator/model/bridge_chip_commands.h"
 #include "simulator/model/camera.h"
+#include "simulator/model/eeprom.h"
 
 namespace qvx::simulator {
 
@@ -35,83 +35,77 @@ struct BridgeSetup {
   BridgeFirmware firmware = BridgeFirmware::oneShot;
 };
 
-enum class I2cBus : std::uint8_t { eeprom = 1, camera = 2 };
+// A custom command of the camera's firmware: segment lighting, the latched touch button, and the
+// parameters of automatic exposure. The firmware answers with as many bytes.
+constexpr std::size_t bridgeCommandSize = 32;
 
 class BridgeChip {
  public:
+  // First byte of a custom command: a function that the camera's body offers, or 0.
+  enum Function : std::uint8_t {
+    parameters = 0x00,    // bytes 0 to 2: parameter, 3: count (always 1), 4: value
+    segmentRing = 0xF2,   // byte 1: 1 switches on; reply byte 2: 1 when on
+    segmentPower = 0xF3,  // likewise
+    touchButton = 0xF5,   // byte 2: 1 acknowledges; reply byte 2: 1 when pressed since
+  };
+
   BridgeChip(const BridgeSetup& setup, Camera& camera);
   BridgeChip(const BridgeChip&) = delete;
   BridgeChip& operator=(const BridgeChip&) = delete;
 
-  // Puts a device on a bus, at its address in 8-bit form. It must outlive the chip. Legacy
-  // transfers do not tell sub-address from data: the device's own length decides (0 to 2). False
-  // when all places are taken.
-  bool attach(I2cBus bus, std::uint8_t slave, std::uint8_t subAddressLength, I2cDevice& device);
-
   // The button on the camera's body.
-  void pressButton();
-  void releaseButton();
+  void touch(bool touched);
 
   BridgeFirmware firmware() const { return setup_.firmware; }
-  BridgeCommands& commands() { return commands_; }
-  void writeCommand(const BridgeCommandData& request);
-  Violations& violations() { return violations_; }
+  Violations& violations() { return camera_.violations(); }
 
   // For tests: a register's value, little-endian, read without a trace. 0 when there is none.
   std::uint32_t peek(std::uint16_t address) const;
+  bool segmentMode() const { return flags_.at(segmentRing) != 0 && flags_.at(segmentPower) != 0; }
 
   // For the decoders. A register that does not exist reads 0 and takes no value.
-  void readRegister(std::uint16_t address, std::span<std::uint8_t> value);
-  void writeRegister(std::uint16_t address, std::span<const std::uint8_t> value);
+  void readRegister(std::uint16_t address, Room value);
+  void writeRegister(std::uint16_t address, Bytes value);
 
   // I2C transfers; each returns whether the slave acknowledged. Without a sub-address a read goes
   // on where the last transfer with one pointed.
-  bool writeI2c(std::uint8_t slave, std::span<const std::uint8_t> subAddress,
-                std::span<const std::uint8_t> data);
-  bool readI2c(std::uint8_t slave, std::span<const std::uint8_t> subAddress,
-               std::span<std::uint8_t> data);
+  bool writeI2c(std::uint8_t slave, Bytes subAddress, Bytes data);
+  bool readI2c(std::uint8_t slave, Bytes subAddress, Room data);
 
-  // The legacy forms: bytes without a boundary, and the outcome in the status register.
-  void writeI2cLegacy(std::uint8_t slave, std::span<const std::uint8_t> bytes);
-  bool readI2cLegacy(std::uint8_t slave, std::span<std::uint8_t> data);
+  // The legacy forms: bytes without a boundary between sub-address and data, which the slave's own
+  // length of sub-addresses decides, and the outcome in the status register.
+  void writeI2cLegacy(std::uint8_t slave, Bytes bytes);
+  void readI2cLegacy(std::uint8_t slave, Room data);
+
+  // Does what the flags of the command say. Cleared flags leave everything as it is.
+  void writeCommand(Bytes command);
+  // What the camera answers; changes nothing.
+  void readCommand(Bytes command, Room reply);
 
  private:
-  static constexpr std::size_t mostRegisterBytes = 4;
-  static constexpr std::size_t mostSubAddressBytes = 2;
-  static constexpr std::size_t mostDevices = 10;
-
   struct Register {
-    std::uint16_t address;
-    std::uint8_t length;
-    bool writable;
-    std::array<std::uint8_t, mostRegisterBytes> value;
+    std::vector<std::uint8_t> value;
+    bool writable = false;
   };
-  struct Attachment {
-    I2cBus bus;
-    std::uint8_t slave, subAddressLength;
-    I2cDevice* device;
-    std::array<std::uint8_t, mostSubAddressBytes> pointer;
-  };
+  using Pointer = std::vector<std::uint8_t>;  // what the last sub-address said
 
-  void tell(const char* verb, std::uint16_t address, const char* arrow,
-            std::span<const std::uint8_t> value) const;
   void refresh();
-  bool hasBusSwitch() const;
-  I2cBus selectedBus() const;
-  Register* find(std::uint16_t address);
   Register* findForAccess(std::uint16_t address, std::size_t length);
+  void tell(bool isWrite, std::uint16_t address, Bytes value) const;
   void setBit(std::uint16_t address, std::uint8_t bit, bool on);
-  Attachment* answering(std::uint8_t slave);
-  bool point(Attachment& attachment, std::span<const std::uint8_t> subAddress);
-  void reportLegacyTransfer(bool acknowledged);
+  std::optional<BusPlace> answering(std::uint8_t slave);
+  bool point(const BusPlace& place, Bytes subAddress);
+  std::uint8_t* meantBy(Bytes command);
 
   BridgeSetup setup_;
-  std::array<Register, 7> registers_;
-  std::array<Attachment, mostDevices> devices_{};
-  std::size_t deviceCount_ = 0;
+  std::map<std::uint16_t, Register> registers_;
+  std::map<std::uint8_t, Pointer> pointers_;  // of the slaves
   Camera& camera_;
-  Violations& violations_;
-  BridgeCommands commands_;
+  Eeprom eeprom_;
+  std::map<std::uint8_t, std::uint8_t> flags_{
+      {segmentRing, 0}, {segmentPower, 0}, {touchButton, 0}};
+  // Brightness target, lower and upper bound of automatic exposure.
+  std::array<std::uint8_t, 3> parameters_{0x40, 0x30, 0x50};
 };
 
 }  // namespace qvx::simulator

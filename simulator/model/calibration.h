@@ -24,10 +24,16 @@ enum class CalibrationForm {
 
 struct Calibration {
   CalibrationForm form;
+  // As controllers say it: a client looks at the degree first, and at the kind when there is none.
+  std::uint8_t degree, kind;
+  void (*storePoints)(const Calibration& calibration, Registers& registers);
   std::array<double, 4> coefficients;  // of the powers of the encoder position, constant first
   std::array<double, 4> positions;     // of the stored points, ascending; the ring's stops are the
                                        // first and the last
 };
+
+// The one that cameras with this form are given at the factory.
+const Calibration& calibrationFor(CalibrationForm form);
 
 // The encoder counts quarters of a unit.
 constexpr int quartersPerUnit = 4;

@@ -2,20 +2,36 @@
 // move its time; it reads no clock.
 #pragma once
 
-#include <cstdint>
-#include <vector>
+#include <functional>
 
-#include "simulator/model/bus_tap.h"
 #include "simulator/model/controller.h"
 #include "simulator/model/gpio.h"
 #include "simulator/model/lens.h"
 #include "simulator/model/picture_controls.h"
 #include "simulator/model/sensor.h"
 #include "simulator/model/video_modes.h"
-#include "simulator/model/violations.h"
 #include "simulator/model/zoom_ring.h"
 
 namespace qvx::simulator {
+
+// A device's place on an I2C bus.
+struct BusPlace {
+  std::uint8_t address;  // in its 8-bit write form
+  std::uint8_t subAddressLength;
+  I2cDevice* device;
+};
+
+// A tap on a camera's bus: hears in words what passes, and can lose the writes.
+struct BusTap {
+  std::function<void(std::string)> tell;
+  bool losesWrites = false;  // they are acknowledged all the same
+};
+
+// "read  bridge 0x0085 -> 0x80"
+std::string inWords(bool isWrite, const std::string& target, Bytes data);
+// "read  controller 0x80 -> 0x56  feature register"
+std::string inWords(bool isWrite, std::uint8_t address, Bytes subAddress, Bytes data,
+                    bool acknowledged);
 
 // Automatic exposure of a sensor that leaves it to the camera's firmware.
 struct FirmwareExposure {
@@ -31,8 +47,12 @@ class Camera {
 
   std::uint16_t productId() const { return productId_; }
 
-  // What answers at an address of the I2C bus (8-bit write form), null for nothing.
-  I2cDevice* deviceAt(std::uint8_t address);
+  // What answers at an address of the I2C bus, if anything.
+  std::optional<BusPlace> placeAt(std::uint8_t address) const;
+
+  // Accesses under the tap; each returns whether the device acknowledged.
+  bool write(const BusPlace& place, Bytes subAddress, Bytes data) const;
+  bool read(const BusPlace& place, Bytes subAddress, Room data) const;
 
   // Moves the camera's clock, and the zoom ring with it. Times count from power-up and never go
   // back.
@@ -82,7 +102,7 @@ class Camera {
   PictureControls picture_;
   VideoOutput video_;
   BusTap tap_;
-  std::vector<TappedDevice> bus_;
+  std::vector<BusPlace> bus_;
 };
 
 }  // namespace qvx::simulator

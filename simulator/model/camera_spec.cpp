@@ -7,12 +7,9 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr Word<Transport> transports[] = {
-    {"wifi", Transport::wifi},
-    {"usb", Transport::usb},
-    {"hid", Transport::hid},
-    {"usb3", Transport::usb3},
-};
+using Text = std::string_view;
+
+constexpr Text transportNames[] = {"wifi", "usb", "hid", "usb3"};
 
 constexpr Word<Unit> units[] = {
     {"bridge", Unit::bridge}, {"variant1", Unit::variant1}, {"foreign", Unit::foreign},
@@ -44,72 +41,74 @@ bool assign(Target& target, const std::optional<Value>& value) {
   return value.has_value();
 }
 
-// "3C7E:0970", or the product id alone.
-bool takeIds(std::string_view text, CameraSpec& spec) {
-  constexpr int hexadecimal = 16;
-  constexpr std::uint32_t most = 0xFFFF;
-  if (text.find(':') != std::string_view::npos &&
-      !assign(spec.vendorId, numberFrom(takePart(text, ':'), 0, most, hexadecimal))) {
-    return false;
-  }
-  return assign(spec.productId, numberFrom(text, 1, most, hexadecimal));
+bool takeName(Text text, CameraSpec& spec) {
+  spec.name = text;
+  return !text.empty();
+}
+
+bool takeZoom(Text text, CameraSpec& spec) {
+  return assign(spec.zoom, zoomMotionFrom(text)) &&
+         productFor(spec.productId).magnification != CalibrationForm::none;
 }
 
 enum : unsigned { onWifi = 1, onUsb = 2, onHid = 4, onUsb3 = 8, onVideo = 14, everywhere = 15 };
 
-struct Option {
-  std::string_view name;
+constexpr struct {
+  Text form, meaning;
   unsigned transports;  // of cameras that have it
-  bool (*take)(std::string_view text, CameraSpec& spec);
-};
-
-constexpr Option options[] = {
-    {"name", everywhere,
-     [](std::string_view text, CameraSpec& spec) {
-       spec.name = text;
-       return !text.empty();
-     }},
-    {"zoom", everywhere,
-     [](std::string_view text, CameraSpec& spec) {
-       return assign(spec.zoom, zoomMotionFrom(text)) &&
-              productFor(spec.productId).magnification != CalibrationForm::none;
-     }},
-    {"button", everywhere,
-     [](std::string_view text, CameraSpec& spec) {
+  bool (*take)(Text text, CameraSpec& spec);
+} options[] = {
+    {"name=TEXT", "its name", everywhere, takeName},
+    {"zoom=Z", "63 stands at x63; 1:200/10s turns from x1 to x200 in 10 s and back", everywhere,
+     takeZoom},
+    {"button=2s", "touches its button every 2 s", everywhere,
+     [](Text text, CameraSpec& spec) {
        return assign(spec.buttonPeriod_ms, duration_msFrom(text));
      }},
-    {"fault", everywhere,
-     [](std::string_view text, CameraSpec& spec) { return assign(spec.fault, faultFrom(text)); }},
-    {"port", onWifi,
-     [](std::string_view text, CameraSpec& spec) {
-       return assign(spec.port, numberFrom(text, 0, 0xFFFF));
-     }},
-    {"chip", onUsb | onHid,
-     [](std::string_view text, CameraSpec& spec) {
-       return assign(spec.setup.family, valueOf(text, chips));
-     }},
-    {"firmware", onUsb | onHid,
-     [](std::string_view text, CameraSpec& spec) {
+    {"fault=FAULT", "what goes wrong, see below", everywhere,
+     [](Text text, CameraSpec& spec) { return assign(spec.fault, faultFrom(text)); }},
+    {"port=N", "wifi: TCP port (default 8080); 0 takes any free one", onWifi,
+     [](Text text, CameraSpec& spec) { return assign(spec.port, numberFrom(text, 0, 0xFFFF)); }},
+    {"chip=C", "usb, hid: generation of its bridge chip: 0, 2, or 2-hid (2 on HID only)",
+     onUsb | onHid,
+     [](Text text, CameraSpec& spec) { return assign(spec.setup.family, valueOf(text, chips)); }},
+    {"firmware=F", "usb, hid: one-shot, wide or narrow, newest to oldest", onUsb | onHid,
+     [](Text text, CameraSpec& spec) {
        return assign(spec.setup.firmware, valueOf(text, firmwares));
      }},
-    {"unit", onVideo,
-     [](std::string_view text, CameraSpec& spec) {
-       return assign(spec.unit, valueOf(text, units));
-     }},
-    {"reports", onHid,
-     [](std::string_view text, CameraSpec& spec) {
-       return assign(spec.reports, valueOf(text, reportKinds));
-     }},
+    {"unit=U",
+     "its extension unit: bridge, variant1, foreign, none, or plain (not even\n"
+     "                  a topology); absent: no video interface",
+     onVideo, [](Text text, CameraSpec& spec) { return assign(spec.unit, valueOf(text, units)); }},
+    {"reports=R", "hid: its feature reports: bridge, extra, without-block, none", onHid,
+     [](Text text, CameraSpec& spec) { return assign(spec.reports, valueOf(text, reportKinds)); }},
 };
 
-bool takeOption(std::string_view text, CameraSpec& spec) {
-  if (text.find('=') == std::string_view::npos) return false;
-  const std::string_view name = takePart(text, '=');
+// "3C7E:0970", or the product id alone.
+bool takeIds(Text text, CameraSpec& spec) {
+  constexpr int hexadecimal = 16;
+  const bool foreign = text.find(':') != Text::npos;
+  if (foreign && !assign(spec.vendorId, numberFrom(takePart(text, ':'), 0, 0xFFFF, hexadecimal))) {
+    return false;
+  }
+  return assign(spec.productId, numberFrom(text, 1, 0xFFFF, hexadecimal));
+}
+
+bool takeOption(Text text, CameraSpec& spec) {
+  const Text name = text.substr(0, text.find('=') + 1);
   const unsigned transport = 1U << static_cast<unsigned>(spec.transport);
-  for (const Option& option : options) {
-    if (option.name == name) return (option.transports & transport) != 0 && option.take(text, spec);
+  for (const auto& option : options) {
+    if (name.empty() || !option.form.starts_with(name)) continue;
+    return (option.transports & transport) != 0 && option.take(text.substr(name.size()), spec);
   }
   return false;
+}
+
+bool takeTransport(Text name, CameraSpec& spec) {
+  const auto* const found = std::find(std::begin(transportNames), std::end(transportNames), name);
+  spec.transport = static_cast<Transport>(found - transportNames);
+  if (spec.transport == Transport::usb) spec.unit = Unit::bridge;
+  return found != std::end(transportNames);
 }
 
 std::string pidText(std::uint16_t productId) {
@@ -118,57 +117,40 @@ std::string pidText(std::uint16_t productId) {
 
 }  // namespace
 
-std::optional<CameraSpec> cameraSpecFrom(std::string_view text, std::string& problem) {
-  const std::string whole(text);
+std::optional<CameraSpec> cameraSpecFrom(Text text, std::string& problem) {
+  problem = '"' + std::string(text) + "\": ";
   CameraSpec spec;
-  const bool known = assign(spec.transport, valueOf(takePart(text, ':'), transports));
-  if (spec.transport == Transport::usb) spec.unit = Unit::bridge;
-  std::string_view part = takePart(text, ',');
-  bool good = known && takeIds(part, spec);
+  if (!takeTransport(takePart(text, ':'), spec)) {
+    problem += "a camera begins with wifi:, usb:, hid: or usb3:";
+    return std::nullopt;
+  }
+  Text part = takePart(text, ',');
+  bool good = takeIds(part, spec);
   while (good && !text.empty()) {
     part = takePart(text, ',');
     good = takeOption(part, spec);
   }
-  if (!good) {
-    problem =
-        "\"" + whole + "\": " +
-        (known ? "not understood, or not what such a camera has: \"" + std::string(part) + "\""
-               : "a camera begins with wifi:, usb:, hid: or usb3:");
-    return std::nullopt;
-  }
+  problem += "not understood, or not what such a camera has: \"" + std::string(part) + '"';
+  if (!good) return std::nullopt;
+  problem.clear();
   if (spec.name.empty()) spec.name = "Simulated microscope " + pidText(spec.productId);
   return spec;
 }
 
 std::string shortNameOf(const CameraSpec& spec) {
-  return std::string(wordFor(spec.transport, transports)) + "-" + pidText(spec.productId);
+  return std::string(transportNames[static_cast<std::size_t>(spec.transport)]) + "-" +
+         pidText(spec.productId);
 }
 
-const char cameraSpecHelp[] =
-    R"(A camera is written wifi:PID, usb:PID, hid:PID or usb3:PID, its product id in
-hexadecimal (or VID:PID for one of another maker), and then any of
-  ,name=TEXT      its name
-  ,zoom=Z         63 stands at x63; 1:200/10s turns from x1 to x200 in 10 s and back
-  ,button=2s      touches its button every 2 s
-  ,fault=FAULT    what goes wrong, see below
-  ,port=N         wifi: TCP port (default 8080); 0 takes any free one
-  ,chip=C         usb, hid: its bridge chip is of generation 0, 2, or 2-hid
-                  (2 on its HID interface only)
-  ,firmware=F     usb, hid: one-shot, wide or narrow, newest to oldest
-  ,unit=U         usb: its extension unit: bridge, variant1, foreign, none, or
-                  plain (not even a topology); absent: no video interface
-  ,reports=R      hid: its feature reports: bridge, extra, without-block, none
-
-A fault is KIND, KIND:N (from the N-th access on) or KIND:N+M (M of them):
-  refuse          accesses are refused
-  stall:600ms     they are answered so late
-  empty           replies are empty
-  half            half of each reply comes
-  junk            replies are bytes of all kinds
-  no-marker       replies are filler
-  lose            writes are acknowledged and not done
-  unplug          the camera is gone
-  none            all is well
-)";
+std::string cameraSpecHelp() {
+  std::string help =
+      "A camera is written wifi:PID, usb:PID, hid:PID or usb3:PID, its product id in\n"
+      "hexadecimal (or VID:PID for one of another maker), and then any of\n";
+  for (const auto& option : options) {
+    help += helpLine("," + std::string(option.form), option.meaning);
+  }
+  return help + "\nA fault is KIND, KIND:N (from the N-th access on) or KIND:N+M (M of them):\n" +
+         faultHelp();
+}
 
 }  // namespace qvx::simulator

@@ -6,9 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/model/bridge_chip_hid.h"
+#include "simulator/model/hid_function.h"
 #include "simulator/model/fault.h"
 #include "simulator/model/property_sets.h"
+#include "simulator/model/zoom_ring.h"
 
 namespace qvx::simulator {
 
@@ -18,13 +19,13 @@ enum class Transport : std::uint8_t { wifi, usb, hid, usb3 };
 struct CameraSpec {
   Transport transport = Transport::wifi;
   std::uint16_t vendorId = 0x3C7E, productId = 0;
-  std::string name;
+  std::string name = {};
   Unit unit = Unit::plain;
   HidReports reports = HidReports::bridge;
-  BridgeSetup setup;
-  std::optional<ZoomMotion> zoom;
+  BridgeSetup setup = {};
+  std::optional<ZoomMotion> zoom = {};
   std::uint32_t buttonPeriod_ms = 0;
-  Fault fault;
+  Fault fault = {};
   std::uint16_t port = 8080;  // of a Wi-Fi camera; 0 takes any free one
 };
 
@@ -35,6 +36,6 @@ std::optional<CameraSpec> cameraSpecFrom(std::string_view text, std::string& pro
 std::string shortNameOf(const CameraSpec& spec);
 
 // What the text may hold, for a program's help.
-extern const char cameraSpecHelp[];
+std::string cameraSpecHelp();
 
 }  // namespace qvx::simulator

@@ -1,7 +1,5 @@
 #include "simulator/model/controller.h"
 
-#include "simulator/model/product.h"
-
 namespace qvx::simulator {
 
 namespace {
@@ -25,25 +23,66 @@ bool voiceCoil(const Product& product) {
   return product.lens == Lens::voiceCoil;
 }
 
+enum Access : bool { read, readWrite };
+
 // Which registers there are. Those for a part that a camera lacks are there and erased, except what
 // drives the part.
-constexpr struct {
+constexpr struct Block {
   std::uint8_t first, last;
-  RegisterAccess access;
-  bool (*exists)(const Product&);
+  const char* meaning;
+  Access access = read;
+  bool (*exists)(const Product&) = always;
 } blocks[] = {
-    {reg::modelByte, reg::encoderFraction, RegisterAccess::read, always},
-    {reg::lightLevel, reg::lightSwitch, RegisterAccess::readWrite, lightsOnController},
-    {reg::lensDirection, reg::lensDirection, RegisterAccess::readWrite, voiceCoil},
-    {reg::quadrant1Level, reg::quadrant4Level, RegisterAccess::readWrite, dimmableQuadrants},
-    {reg::threePoints, reg::threePointsEnd, RegisterAccess::read, always},
-    {reg::lensZeroAt50, reg::lensZeroAt50, RegisterAccess::read, always},
-    {reg::fineOffsetBackward, reg::fineOffsetForward, RegisterAccess::read, always},
-    {reg::fourPointsY, reg::fourPointsEnd, RegisterAccess::read, always},
-    {reg::features, reg::reserved81, RegisterAccess::read, always},
-    {reg::lightingKind, reg::lightingBoard, RegisterAccess::read, always},
-    {reg::opticsKind, reg::calibrationDegree, RegisterAccess::read, always},
-    {reg::lensDriverKind, reg::lensDriverKind, RegisterAccess::read, always},
+    {reg::modelByte, reg::modelByte, "model byte"},
+    {reg::encoderPosition, reg::encoderPosition, "zoom encoder: position"},
+    {reg::encoderFraction, reg::encoderFraction, "zoom encoder: quarters of the position"},
+    {reg::lightLevel, reg::lightLevel, "light level", readWrite, lightsOnController},
+    {reg::lightSwitch, reg::lightSwitch, "light switch", readWrite, lightsOnController},
+    {reg::lensDirection, reg::lensDirection, "lens direction", readWrite, voiceCoil},
+    {reg::quadrant1Level, reg::quadrant4Level, "level of one light quadrant", readWrite,
+     dimmableQuadrants},
+    {reg::threePoints, reg::threePointsEnd, "calibration by three points, or the lens's zero"},
+    {reg::lensZeroAt50, reg::lensZeroAt50, "lens: zero position"},
+    {reg::fineOffsetBackward, reg::fineOffsetForward, "lens: fine offset"},
+    {reg::fourPointsY, reg::fourPointsX - 1, "calibration by four points: magnifications"},
+    {reg::fourPointsX, reg::fourPointsEnd, "calibration by four points: positions"},
+    {reg::features, reg::features, "feature register"},
+    {reg::reserved81, reg::reserved81, "reserved"},
+    {reg::lightingKind, reg::lightingKind, "lighting kind"},
+    {reg::lightingBoard, reg::lightingBoard, "lighting board"},
+    {reg::opticsKind, reg::opticsKind, "optics kind"},
+    {reg::reservedC1, reg::reservedC1, "reserved"},
+    {reg::wideLensRange, reg::wideLensRange, "lens: wide range"},
+    {reg::calibrationKind, reg::calibrationKind, "calibration kind"},
+    {reg::reservedC4, reg::reservedC4, "reserved"},
+    {reg::calibrationDegree, reg::calibrationDegree, "calibration degree"},
+    {reg::lensDriverKind, reg::lensDriverKind, "lens driver"},
+};
+
+const Block* blockOf(std::uint8_t reg) {
+  for (const Block& block : blocks) {
+    if (reg >= block.first && reg <= block.last) return &block;
+  }
+  return nullptr;
+}
+
+constexpr struct {
+  std::uint8_t reg, value;
+  const char* meaning;
+} namedValues[] = {
+    {reg::lensDirection, 1, "lens direction: forward"},
+    {reg::lensDirection, 2, "lens direction: backward"},
+    {reg::lightingKind, 4, "lighting kind: ring with dimmable quadrants"},
+    {reg::calibrationKind, 1, "calibration: three points in hundredths"},
+    {reg::calibrationKind, 2, "calibration: stored coefficients, kind 2"},
+    {reg::calibrationKind, 3, "calibration: stored coefficients, kind 3"},
+    {reg::calibrationKind, 4, "calibration: stored coefficients, kind 4"},
+    {reg::calibrationDegree, 1, "calibration: line through two points"},
+    {reg::calibrationDegree, 2, "calibration: parabola through three points"},
+    {reg::calibrationDegree, 3, "calibration: cubic through four points"},
+    {reg::calibrationDegree, erased, "calibration: of the kind that register 0xC3 says"},
+    {reg::lensDriverKind, 1, "lens driver: position register"},
+    {reg::lensDriverKind, 2, "lens driver: voice coil"},
 };
 
 // The lens as the controller describes it. The voice coil rests at the middle of a byte.
@@ -57,86 +96,68 @@ constexpr struct {
     {Lens::voiceCoil, reg::lensZeroAt50, 128, 2, 0, 12},
 };
 
-void storeLens(Lens fitted, Registers& values) {
-  for (const auto& lens : lenses) {
-    if (lens.lens != fitted) continue;
-    values[lens.zeroRegister] = lens.zero;
-    values[reg::lensDriverKind] = lens.driverKind;
-    values[reg::wideLensRange] = lens.wideRange;
-    values[reg::fineOffsetForward] = lens.fineOffsetForward;
-  }
-}
-
-void storeWorkingRegisters(Registers& values) {
-  constexpr std::uint8_t allLightsOff = 0x10, forward = 1, brightest = 31;
-  values[reg::encoderPosition] = 0;
-  values[reg::encoderFraction] = 0;
-  values[reg::lightLevel] = 0;
-  values[reg::lightSwitch] = allLightsOff;
-  values[reg::lensDirection] = forward;
-  for (std::size_t quadrant = reg::quadrant1Level; quadrant <= reg::quadrant4Level; ++quadrant) {
-    values[quadrant] = brightest;
-  }
-}
-
-void grantAccess(const Product& product, std::array<RegisterAccess, 256>& access) {
-  for (const auto& block : blocks) {
-    if (!block.exists(product)) continue;
-    for (std::size_t i = block.first; i <= block.last; ++i) access[i] = block.access;
-  }
-}
-
-bool isDirection(std::uint8_t value) {
-  return value == 1 || value == 2;
-}
-
 }  // namespace
 
-ControllerContents controllerFor(std::uint16_t productId) {
-  const Product& product = productFor(productId);
-  ControllerContents contents{};
-  contents.values.fill(erased);
-  contents.values[reg::modelByte] = static_cast<std::uint8_t>(productId);
-  contents.values[reg::features] = product.features;
-  contents.values[reg::lightingKind] = product.lights.kind;
-  contents.values[reg::lightingBoard] = product.lights.board;
-  contents.values[reg::opticsKind] = product.opticsKind;
-  storeWorkingRegisters(contents.values);
-  storeLens(product.lens, contents.values);
-  store(calibrationFor(product.magnification), contents.values);
-  grantAccess(product, contents.access);
-  return contents;
+std::string meaningOf(std::uint8_t reg, std::uint8_t value) {
+  for (const auto& row : namedValues) {
+    if (row.reg == reg && row.value == value) return row.meaning;
+  }
+  const Block* const block = blockOf(reg);
+  return block == nullptr ? "" : block->meaning;
 }
 
 Controller::Controller(std::uint16_t productId, Violations& violations)
-    : contents_(controllerFor(productId)), lights_(productId), violations_(violations) {}
+    : product_(productFor(productId)), lights_(productId), violations_(violations) {
+  program(productId);
+}
 
-bool Controller::write(std::span<const std::uint8_t> subAddress,
-                       std::span<const std::uint8_t> data) {
-  if (!isWellFormed(subAddress, data.size())) return false;
-  if (data.size() != 1) return refuse("write of several bytes from register ", subAddress[0]);
-  const std::uint8_t target = subAddress[0];
-  switch (contents_.access[target]) {
-    case RegisterAccess::none:
-      return refuse("write of unknown register ", target);
-    case RegisterAccess::read:
-      return refuse("write of read-only register ", target);
-    case RegisterAccess::readWrite:
-      break;
+void Controller::program(std::uint16_t productId) {
+  constexpr std::uint8_t allLightsOff = 0x10, forward = 1, brightest = 31;
+  values_.fill(erased);
+  values_[reg::modelByte] = static_cast<std::uint8_t>(productId);
+  values_[reg::encoderPosition] = 0;
+  values_[reg::encoderFraction] = 0;
+  values_[reg::lightLevel] = 0;
+  values_[reg::lightSwitch] = allLightsOff;
+  values_[reg::lensDirection] = forward;
+  std::fill(&values_[reg::quadrant1Level], &values_[reg::quadrant4Level] + 1, brightest);
+  values_[reg::features] = product_.features;
+  values_[reg::lightingKind] = product_.lights.kind;
+  values_[reg::lightingBoard] = product_.lights.board;
+  values_[reg::opticsKind] = product_.opticsKind;
+  for (const auto& lens : lenses) {
+    if (lens.lens != product_.lens) continue;
+    values_[lens.zeroRegister] = lens.zero;
+    values_[reg::lensDriverKind] = lens.driverKind;
+    values_[reg::wideLensRange] = lens.wideRange;
+    values_[reg::fineOffsetForward] = lens.fineOffsetForward;
   }
-  if (target == reg::lensDirection && !isDirection(data[0])) {
+  store(calibrationFor(product_.magnification), values_);
+}
+
+bool Controller::write(Bytes subAddress, Bytes data) {
+  if (!isWellFormed(subAddress, data.size())) return false;
+  const std::uint8_t target = subAddress[0];
+  if (data.size() != 1) return refuse("write of several bytes from register ", target);
+  const Block* const block = blockOf(target);
+  if (block == nullptr || !block->exists(product_)) {
+    return refuse("write of unknown register ", target);
+  }
+  if (block->access == Access::read) return refuse("write of read-only register ", target);
+  if (target == reg::lensDirection && data[0] != 1 && data[0] != 2) {
     return refuse("unknown lens direction ", data[0]);
   }
-  contents_.values[target] = data[0];
+  values_[target] = data[0];
   lights_.take(target, data[0]);
   return true;
 }
 
-bool Controller::read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) {
+bool Controller::read(Bytes subAddress, Room data) {
   if (!isWellFormed(subAddress, data.size())) return false;
   std::uint8_t source = subAddress[0];
   for (std::uint8_t& byte : data) {
-    if (contents_.access[source] == RegisterAccess::none) {
+    const Block* const block = blockOf(source);
+    if (block == nullptr || !block->exists(product_)) {
       return refuse("read of unknown register ", source);
     }
     byte = take(source++);
@@ -144,10 +165,8 @@ bool Controller::read(std::span<const std::uint8_t> subAddress, std::span<std::u
   return true;
 }
 
-bool Controller::isWellFormed(std::span<const std::uint8_t> subAddress, std::size_t dataBytes) {
-  if (subAddress.size() != 1) {
-    return refuse("bytes of register address: ", static_cast<std::uint8_t>(subAddress.size()));
-  }
+bool Controller::isWellFormed(Bytes subAddress, std::size_t dataBytes) {
+  if (subAddress.size() != 1) return refuse("bytes of register address: ", subAddress.size());
   return dataBytes != 0 || refuse("no data for register ", subAddress[0]);
 }
 
@@ -159,8 +178,9 @@ std::uint8_t Controller::take(std::uint8_t source) {
   return fraction;
 }
 
-bool Controller::refuse(std::string_view what, std::uint8_t number) {
-  violations_.add({"controller: ", what, hex(number, 2)});
+bool Controller::refuse(const char* what, std::size_t number) {
+  violations_.push_back(std::string("controller: ") + what +
+                        hex(static_cast<std::uint32_t>(number), 2));
   return false;
 }
 

@@ -1,17 +1,11 @@
 // The camera's microcontroller: one-byte registers with one-byte addresses.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
 #include <optional>
-#include <span>
-#include <string_view>
 
-#include "simulator/model/calibration.h"
 #include "simulator/model/i2c_device.h"
 #include "simulator/model/illumination.h"
-#include "simulator/model/violations.h"
+#include "simulator/model/product.h"
 
 namespace qvx::simulator {
 
@@ -55,41 +49,36 @@ enum : std::uint8_t {
 // The value of a register that was never programmed.
 constexpr std::uint8_t erased = 0xFF;
 
-enum class RegisterAccess : std::uint8_t { none, read, readWrite };
-
-// What a controller is at power-up.
-struct ControllerContents {
-  Registers values;
-  std::array<RegisterAccess, 256> access;
-};
-
-// The contents for a camera's product id. An unknown product id gets a controller of the oldest
-// kind, with nothing programmed.
-ControllerContents controllerFor(std::uint16_t productId);
+// What a register is, and where its value has a name, what it says: "calibration: line through two
+// points". Empty for a register that does not exist.
+std::string meaningOf(std::uint8_t reg, std::uint8_t value);
 
 class Controller final : public I2cDevice {
  public:
+  // At power-up. For an unknown product id it is of the oldest kind, with nothing programmed.
   Controller(std::uint16_t productId, Violations& violations);
 
   // One register address and one byte.
-  bool write(std::span<const std::uint8_t> subAddress, std::span<const std::uint8_t> data) override;
+  bool write(Bytes subAddress, Bytes data) override;
 
   // One register address; several bytes come from registers in a row.
-  bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) override;
+  bool read(Bytes subAddress, Room data) override;
 
   // The registers as the camera itself and its tests see them, without the bus's rules.
-  std::uint8_t at(std::uint8_t reg) const { return contents_.values[reg]; }
-  void set(std::uint8_t reg, std::uint8_t value) { contents_.values[reg] = value; }
+  std::uint8_t at(std::uint8_t reg) const { return values_[reg]; }
+  void set(std::uint8_t reg, std::uint8_t value) { values_[reg] = value; }
 
   // What its registers have made of the lights.
   const Illumination& lights() const { return lights_; }
 
  private:
-  bool isWellFormed(std::span<const std::uint8_t> subAddress, std::size_t dataBytes);
+  void program(std::uint16_t productId);
+  bool isWellFormed(Bytes subAddress, std::size_t dataBytes);
   std::uint8_t take(std::uint8_t source);
-  bool refuse(std::string_view what, std::uint8_t number);
+  bool refuse(const char* what, std::size_t number);
 
-  ControllerContents contents_;
+  const Product& product_;
+  Registers values_;
   Illumination lights_;
   Violations& violations_;
   // The fraction that belongs to the position read last: the ring may move between the two reads.

@@ -1,11 +1,8 @@
 // The serial EEPROM on the bridge chip's first I2C bus: two address bytes, the high one first.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
-#include <span>
 
 #include "simulator/model/i2c_device.h"
 
@@ -15,31 +12,28 @@ class Eeprom final : public I2cDevice {
  public:
   static constexpr std::uint8_t slave = 0xA0;
   static constexpr std::uint8_t subAddressLength = 2;
-  static constexpr std::size_t size = 1024;
 
   Eeprom() { bytes_.fill(0xFF); }
 
-  bool write(std::span<const std::uint8_t> subAddress,
-             std::span<const std::uint8_t> data) override {
-    const std::size_t start = startOf(subAddress);
-    if (start + data.size() > size) return false;
-    std::copy(data.begin(), data.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(start));
-    return true;
+  bool write(Bytes subAddress, Bytes data) override {
+    const Room place = placeOf(subAddress, data.size());
+    std::copy_n(data.begin(), place.size(), place.begin());
+    return place.size() == data.size();
   }
-  bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) override {
-    const std::size_t start = startOf(subAddress);
-    if (start + data.size() > size) return false;
-    std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(start), data.size(), data.begin());
-    return true;
+  bool read(Bytes subAddress, Room data) override {
+    const Room place = placeOf(subAddress, data.size());
+    std::copy(place.begin(), place.end(), data.begin());
+    return place.size() == data.size();
   }
 
  private:
-  static std::size_t startOf(std::span<const std::uint8_t> subAddress) {
-    if (subAddress.size() != subAddressLength) return size + 1;
-    return static_cast<std::size_t>(subAddress[0] << 8 | subAddress[1]);
+  // Empty beyond the end.
+  Room placeOf(Bytes subAddress, std::size_t count) {
+    const std::size_t start = static_cast<std::size_t>(subAddress[0] << 8 | subAddress[1]);
+    return start + count <= bytes_.size() ? Room(bytes_).subspan(start, count) : Room();
   }
 
-  std::array<std::uint8_t, size> bytes_;
+  std::array<std::uint8_t, 1024> bytes_;
 };
 
 }  // namespace qvx::simulator

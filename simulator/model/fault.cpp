@@ -6,11 +6,25 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr Word<Fault::Kind> kinds[] = {
-    {"none", Fault::none},       {"refuse", Fault::fails}, {"stall", Fault::stalls},
-    {"empty", Fault::empties},   {"half", Fault::halves},  {"junk", Fault::junks},
-    {"no-marker", Fault::fills}, {"lose", Fault::loses},   {"unplug", Fault::unplugs},
+// As they are written, the first part being the word, and what they do.
+constexpr struct {
+  Fault::Kind kind;
+  std::string_view form, effect;
+} kinds[] = {
+    {Fault::fails, "refuse", "accesses are refused"},
+    {Fault::stalls, "stall:600ms", "they are answered so late"},
+    {Fault::empties, "empty", "replies are empty"},
+    {Fault::halves, "half", "half of each reply comes"},
+    {Fault::junks, "junk", "replies are bytes of all kinds"},
+    {Fault::fills, "no-marker", "replies are filler"},
+    {Fault::loses, "lose", "writes are acknowledged and not done"},
+    {Fault::unplugs, "unplug", "the camera is gone"},
+    {Fault::none, "none", "all is well"},
 };
+
+std::string_view wordOf(std::string_view form) {
+  return takePart(form, ':');
+}
 
 // "3" or "3+2": the first operation, and how many.
 bool takeRange(std::string_view text, Fault& fault) {
@@ -28,31 +42,35 @@ bool takeRange(std::string_view text, Fault& fault) {
 
 std::optional<Fault> faultFrom(std::string_view text) {
   if (text.ends_with(':')) return std::nullopt;
-  const auto kind = valueOf(takePart(text, ':'), kinds);
-  if (!kind) return std::nullopt;
-  Fault fault{.kind = *kind};
-  if (fault.kind == Fault::stalls) {
-    const auto stall_ms = duration_msFrom(takePart(text, ':'));
-    if (!stall_ms) return std::nullopt;
-    fault.stall_ms = *stall_ms;
+  const std::string_view word = takePart(text, ':');
+  for (const auto& row : kinds) {
+    if (wordOf(row.form) != word) continue;
+    Fault fault{.kind = row.kind};
+    if (fault.kind == Fault::stalls) {
+      const auto stall_ms = duration_msFrom(takePart(text, ':'));
+      if (!stall_ms) break;
+      fault.stall_ms = *stall_ms;
+    }
+    if (text.empty() || (fault.kind != Fault::none && takeRange(text, fault))) return fault;
   }
-  if (text.empty() || (fault.kind != Fault::none && takeRange(text, fault))) return fault;
   return std::nullopt;
 }
 
 std::string textOf(const Fault& fault) {
-  std::string text(wordFor(fault.kind, kinds));
-  const auto add = [&text](char mark, std::uint64_t number) {
-    text += mark;
-    text += std::to_string(number);
-  };
-  if (fault.kind == Fault::stalls) {
-    add(':', fault.stall_ms);
-    text += "ms";
+  std::string text;
+  for (const auto& row : kinds) {
+    if (row.kind == fault.kind) text = wordOf(row.form);
   }
-  if (fault.first != 1 || fault.count != Fault::forever) add(':', fault.first);
-  if (fault.count != Fault::forever) add('+', fault.count);
+  if (fault.kind == Fault::stalls) text += ":" + std::to_string(fault.stall_ms) + "ms";
+  if (fault.first != 1 || fault.count != Fault::forever) text += ":" + std::to_string(fault.first);
+  if (fault.count != Fault::forever) text += "+" + std::to_string(fault.count);
   return text;
+}
+
+std::string faultHelp() {
+  std::string help;
+  for (const auto& row : kinds) help += helpLine(row.form, row.effect);
+  return help;
 }
 
 Fault FaultCounter::next(Operation operation) {

@@ -45,6 +45,7 @@ struct Fault {
 // fourth. Nothing for anything else.
 std::optional<Fault> faultFrom(std::string_view text);
 std::string textOf(const Fault& fault);
+std::string faultHelp();
 
 // A fault on its way through the operations.
 class FaultCounter {

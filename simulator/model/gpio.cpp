@@ -8,17 +8,17 @@ Gpio::Gpio(std::uint16_t productId, Violations& violations)
 std::optional<std::uint8_t> Gpio::read(std::uint8_t port) {
   if (port == lightPort) return lights_;
   if (port == buttonPort) return buttonLevels();
-  violations_.add({"gpio: read of unknown port ", hex(port, 1)});
+  violations_.push_back("gpio: read of unknown port " + hex(port, 1));
   return std::nullopt;
 }
 
 bool Gpio::write(std::uint8_t port, std::uint8_t mask, std::uint8_t levels) {
   if (mask == 0 || (mask & ~outputsOf(port)) != 0) {
-    violations_.add({"gpio: no outputs on port ", hex(port, 1), ": pins ", hex(mask, 2)});
+    violations_.push_back("gpio: no outputs on port " + hex(port, 1) + ": pins " + hex(mask, 2));
     return false;
   }
   if ((levels & ~mask) != 0) {
-    violations_.add({"gpio: levels ", hex(levels, 2), " outside the mask ", hex(mask, 2)});
+    violations_.push_back("gpio: levels " + hex(levels, 2) + " outside the mask " + hex(mask, 2));
     return false;
   }
   if (port == lightPort) lights_ = static_cast<std::uint8_t>((lights_ & ~mask) | levels);
@@ -26,12 +26,9 @@ bool Gpio::write(std::uint8_t port, std::uint8_t mask, std::uint8_t levels) {
   return true;
 }
 
-void Gpio::pressButton() {
-  touched_ = latched_ = true;
-}
-
-void Gpio::releaseButton() {
-  touched_ = false;
+void Gpio::touch(bool touched) {
+  touched_ = touched;
+  latched_ = latched_ || touched;
 }
 
 std::uint8_t Gpio::outputsOf(std::uint8_t port) const {

@@ -1,10 +1,9 @@
 // The camera's pins: the lights on port 0, the touch button on port 1.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 
-#include "simulator/model/violations.h"
+#include "simulator/model/i2c_device.h"
 
 namespace qvx::simulator {
 
@@ -33,8 +32,7 @@ class Gpio {
   std::uint8_t lights() const { return lights_; }
   void setLights(std::uint8_t levels) { lights_ = levels & lightPins; }
 
-  void pressButton();
-  void releaseButton();
+  void touch(bool touched);
   bool buttonIsTouched() const { return touched_; }
 
  private:

@@ -1,17 +1,22 @@
 // What stands on a camera's I2C bus. The models know nothing of the transport that reaches them.
 #pragma once
 
-#include <cstdint>
-#include <span>
+#include <string>
+#include <vector>
+
+#include "simulator/model/bytes.h"
 
 namespace qvx::simulator {
+
+// What a client did that a real camera's maker would call a mistake, a line each: registers that do
+// not exist, wrong lengths, pins that are inputs. The camera goes on; a test fails at its end.
+using Violations = std::vector<std::string>;
 
 class I2cDevice {
  public:
   // Each returns whether the device acknowledged the sub-address and every byte.
-  virtual bool write(std::span<const std::uint8_t> subAddress,
-                     std::span<const std::uint8_t> data) = 0;
-  virtual bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) = 0;
+  virtual bool write(Bytes subAddress, Bytes data) = 0;
+  virtual bool read(Bytes subAddress, Room data) = 0;
 
  protected:
   ~I2cDevice() = default;

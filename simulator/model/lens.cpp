@@ -1,13 +1,8 @@
 #include "simulator/model/lens.h"
 
-#include "simulator/model/product.h"
-
 namespace qvx::simulator {
 
 namespace {
-
-// The lens controller knows its one position under these registers, and without any.
-constexpr std::uint8_t positionRegisters[] = {0x00, 0x40, 0x50};
 
 std::uint8_t zeroOf(Lens lens, const Controller& controller) {
   const bool at40 = lens == Lens::zeroAt40 || lens == Lens::zeroAt40Wide;
@@ -15,11 +10,9 @@ std::uint8_t zeroOf(Lens lens, const Controller& controller) {
                             : controller_register::lensZeroAt50);
 }
 
-bool isPositionRegister(std::uint8_t reg) {
-  for (const std::uint8_t known : positionRegisters) {
-    if (reg == known) return true;
-  }
-  return false;
+// The lens controller knows its one position under these registers, and without any.
+bool isPosition(Bytes reg) {
+  return reg.empty() || (reg.size() == 1 && (reg[0] == 0x00 || reg[0] == 0x40 || reg[0] == 0x50));
 }
 
 }  // namespace
@@ -27,38 +20,32 @@ bool isPositionRegister(std::uint8_t reg) {
 FocusLens::FocusLens(std::uint16_t productId, const Controller& controller, Violations& violations)
     : controller_(controller),
       violations_(violations),
-      hasLens_(productFor(productId).lens != Lens::none),
-      hasCoil_(productFor(productId).lens == Lens::voiceCoil),
-      zero_(zeroOf(productFor(productId).lens, controller)),
+      kind_(productFor(productId).lens),
+      zero_(zeroOf(kind_, controller)),
       position_(zero_),
       lensController_(*this, &FocusLens::takePosition),
       voiceCoil_(*this, &FocusLens::takeCoilWord) {}
 
 I2cDevice* FocusLens::driverAt(std::uint8_t address) {
-  if (address == lensControllerAddress && hasLens_) return &lensController_;
-  if (address == voiceCoilAddress && hasCoil_) return &voiceCoil_;
+  if (address == lensControllerAddress && isFitted()) return &lensController_;
+  if (address == voiceCoilAddress && kind_ == Lens::voiceCoil) return &voiceCoil_;
   return nullptr;
 }
 
-bool FocusLens::takePosition(std::span<const std::uint8_t> reg,
-                             std::span<const std::uint8_t> data) {
-  if (data.size() != 1)
-    return refuse("bytes of position: ", static_cast<std::uint32_t>(data.size()));
-  if (reg.size() > 1 || (reg.size() == 1 && !isPositionRegister(reg[0]))) {
-    return refuse("unknown register ", reg[0]);
-  }
+bool FocusLens::takePosition(Bytes reg, Bytes data) {
+  if (data.size() != 1) return refuse("bytes of position: ", data.size());
+  if (!isPosition(reg)) return refuse("unknown register ", reg[0]);
   position_ = data[0];
   offset_ = static_cast<double>(position_) - static_cast<double>(zero_);
   return true;
 }
 
 // The value's ten bits stand above a nibble that is always 1; the two bits above them are ignored.
-bool FocusLens::takeCoilWord(std::span<const std::uint8_t> first,
-                             std::span<const std::uint8_t> second) {
+bool FocusLens::takeCoilWord(Bytes first, Bytes second) {
   constexpr unsigned mark = 1, valueBits = 0x3FF;
   constexpr std::uint8_t backward = 2;
   if (first.size() != 1 || second.size() != 1) {
-    return refuse("bytes of coil word: ", static_cast<std::uint32_t>(first.size() + second.size()));
+    return refuse("bytes of coil word: ", first.size() + second.size());
   }
   if ((second[0] & 0x0F) != mark) return refuse("coil word without its mark: ", second[0]);
   const unsigned word = static_cast<unsigned>(first[0]) << 8 | second[0];
@@ -69,14 +56,13 @@ bool FocusLens::takeCoilWord(std::span<const std::uint8_t> first,
   return true;
 }
 
-bool FocusLens::refuse(std::string_view what, std::uint32_t number) {
-  violations_.add({"lens: ", what, hex(number, 2)});
+bool FocusLens::refuse(const char* what, std::size_t number) {
+  violations_.push_back(std::string("lens: ") + what + hex(static_cast<std::uint32_t>(number), 2));
   return false;
 }
 
-bool FocusLens::Driver::read(std::span<const std::uint8_t> /*subAddress*/,
-                             std::span<std::uint8_t> data) {
-  return lens_.refuse("read of bytes: ", static_cast<std::uint32_t>(data.size()));
+bool FocusLens::Driver::read(Bytes /*subAddress*/, Room data) {
+  return lens_.refuse("read of bytes: ", data.size());
 }
 
 }  // namespace qvx::simulator

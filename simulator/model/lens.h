@@ -2,13 +2,7 @@
 // cameras a voice coil that takes a 10-bit value, its direction being in the microcontroller.
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <string_view>
-
 #include "simulator/model/controller.h"
-#include "simulator/model/i2c_device.h"
-#include "simulator/model/violations.h"
 
 namespace qvx::simulator {
 
@@ -25,7 +19,7 @@ class FocusLens {
   // The driver at an address of the I2C bus, null for one that the camera does not have.
   I2cDevice* driverAt(std::uint8_t address);
 
-  bool isFitted() const { return hasLens_; }
+  bool isFitted() const { return kind_ != Lens::none; }
 
   // How far the lens stands from its zero position, in units of the lens controller; 0 without a
   // lens.
@@ -43,28 +37,25 @@ class FocusLens {
   // A driver takes bytes and gives none.
   class Driver final : public I2cDevice {
    public:
-    using Take = bool (FocusLens::*)(std::span<const std::uint8_t>, std::span<const std::uint8_t>);
+    using Take = bool (FocusLens::*)(Bytes, Bytes);
 
     Driver(FocusLens& lens, Take take) : lens_(lens), take_(take) {}
-    bool write(std::span<const std::uint8_t> subAddress,
-               std::span<const std::uint8_t> data) override {
-      return (lens_.*take_)(subAddress, data);
-    }
-    bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) override;
+    bool write(Bytes subAddress, Bytes data) override { return (lens_.*take_)(subAddress, data); }
+    bool read(Bytes subAddress, Room data) override;
 
    private:
     FocusLens& lens_;
     Take take_;
   };
 
-  bool takePosition(std::span<const std::uint8_t> reg, std::span<const std::uint8_t> data);
-  bool takeCoilWord(std::span<const std::uint8_t> first, std::span<const std::uint8_t> second);
-  bool refuse(std::string_view what, std::uint32_t number);
+  bool takePosition(Bytes reg, Bytes data);
+  bool takeCoilWord(Bytes first, Bytes second);
+  bool refuse(const char* what, std::size_t number);
 
   const Controller& controller_;
   Violations& violations_;
-  bool hasLens_, hasCoil_;
-  std::uint8_t zero_ = 0, position_ = 0;
+  Lens kind_;
+  std::uint8_t zero_, position_;
   int coilSteps_ = 0;
   double offset_ = 0;
   Driver lensController_, voiceCoil_;

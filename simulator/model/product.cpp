@@ -69,20 +69,6 @@ constexpr bool ascending() {
 }
 static_assert(ascending(), "every product id stands in one row at most");
 
-// Stored points come out even, so that what a client computes from them is the same curve. Rings
-// reach from below x6 to x195 at least.
-constexpr Calibration calibrations[] = {
-    {line, {-4, 0.8}, {6.25, 106.25, 206.25, 255}},
-    {parabola, {-4.75, 0.44, 0.0016}, {12.5, 100, 200, 250}},
-    {cubic, {-27.4, 0.52, 0.0008, 0.0000032}, {50, 100, 150, 250}},
-    {bytes, {-0.45, 0.28, 0.002}, {5, 105, 205, 255}},
-    {hundredths, {-2.43, 0.336, 0.0032}, {10, 110, 240, 255}},
-    {floats2, {1, 0.3, 0.002}, {0, 100, 200, 250}},
-    {floats3, {1, 1.2, -0.0016}, {0, 100, 200, 250}},
-    {floats4, {-1.5, 0.5, 0.00125}, {5, 100, 200, 255}},
-    {none, {}, {}},
-};
-
 constexpr Product oldest = {0x0000, 0xFFFF, noFeatures, none, Lens::none, onPins};
 
 }  // namespace
@@ -92,12 +78,6 @@ const Product& productFor(std::uint16_t productId) {
     if (productId >= product.first && productId <= product.last) return product;
   }
   return oldest;
-}
-
-const Calibration& calibrationFor(CalibrationForm form) {
-  const Calibration* calibration = calibrations;
-  while (calibration->form != none && calibration->form != form) ++calibration;
-  return *calibration;
 }
 
 }  // namespace qvx::simulator

@@ -45,7 +45,4 @@ struct Product {
 
 const Product& productFor(std::uint16_t productId);
 
-// The calibration that cameras with this form are given at the factory.
-const Calibration& calibrationFor(CalibrationForm form);
-
 }  // namespace qvx::simulator

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 namespace qvx::simulator {
 
@@ -23,6 +24,9 @@ struct PropertySetId {
 
   bool operator==(const PropertySetId&) const = default;
 };
+
+// A property as a log calls it, by the first field of its set: "5A215226/26".
+std::string inWords(const PropertySetId& set, std::uint32_t selector);
 
 // The sets of the bridges. A bridge of variant 1 knows only its own.
 inline constexpr PropertySetId bridgeRegisterSet = {

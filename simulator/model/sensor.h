@@ -1,30 +1,48 @@
 // The camera's image sensor: one-byte registers, with addresses of one or two bytes.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <span>
-#include <string_view>
+#include <map>
 
 #include "simulator/model/i2c_device.h"
-#include "simulator/model/violations.h"
 
 namespace qvx::simulator {
 
-struct SensorRegister {
-  std::uint16_t address;
-  std::uint8_t atPowerUp;
+class Camera;
+class Sensor;
+
+// How a kind of sensor is exposed, in its registers.
+struct SensorExposure {
+  using Addresses = std::vector<std::uint16_t>;  // of several bytes, the highest first
+
+  Addresses counted;
+  int partsPerLine;  // that are counted; -1: counts the lines of the frame that are not exposed
+  Addresses added;   // to that: more lines, or those of the frame
+  std::uint32_t usuallyAdded;
+  double usualLines;  // the right exposure in usual light
+  double mostLines;   // that a person would want
+  // Bit 0 tells whether exposure is automatic; register 0: the camera's firmware does it.
+  std::uint16_t automaticRegister;
+  std::uint8_t automatic, manual;
+  std::uint16_t targetRegister;
+  double usualTarget;  // of automatic exposure: gives the right exposure
+
+  double lines(const Sensor& sensor) const;
+  void setLines(Sensor& sensor, std::uint32_t lines) const;
+  bool isAutomatic(const Camera& camera) const;
+  void setAutomatic(Camera& camera, bool on) const;
+  double target(const Camera& camera) const;
 };
 
 struct SensorKind {
   std::uint8_t slave;  // in its 8-bit write form
   std::uint8_t addressBytes;
-  std::span<const SensorRegister> registers;
+  std::map<std::uint16_t, std::uint8_t> registers;  // at power-up
+  SensorExposure exposure;
 };
 
 // Null for a product id whose sensor is not known.
 const SensorKind* sensorFor(std::uint16_t productId);
+const SensorExposure* exposureFor(std::uint16_t productId);
 
 class Sensor final : public I2cDevice {
  public:
@@ -33,8 +51,8 @@ class Sensor final : public I2cDevice {
   bool answersAt(std::uint8_t slave) const { return kind_ != nullptr && kind_->slave == slave; }
 
   // One register address, the high byte first, and one byte.
-  bool write(std::span<const std::uint8_t> subAddress, std::span<const std::uint8_t> data) override;
-  bool read(std::span<const std::uint8_t> subAddress, std::span<std::uint8_t> data) override;
+  bool write(Bytes subAddress, Bytes data) override;
+  bool read(Bytes subAddress, Room data) override;
 
   // The registers as the camera itself and its tests see them. A register that the sensor does not
   // have reads 0 and takes no value.
@@ -42,14 +60,11 @@ class Sensor final : public I2cDevice {
   void set(std::uint16_t address, std::uint8_t value);
 
  private:
-  static constexpr std::size_t mostRegisters = 12;
-
-  std::size_t indexOf(std::uint16_t address) const;
-  std::size_t indexForAccess(std::span<const std::uint8_t> subAddress, std::size_t dataBytes);
-  std::size_t refuse(std::string_view what, std::uint32_t number, int digits);
+  std::uint8_t* findForAccess(Bytes subAddress, std::size_t dataBytes);
+  std::uint8_t* refuse(const char* what, std::uint32_t number, int digits);
 
   const SensorKind* kind_;
-  std::array<std::uint8_t, mostRegisters> values_{};
+  std::map<std::uint16_t, std::uint8_t> values_;
   Violations& violations_;
 };
 

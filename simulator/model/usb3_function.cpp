@@ -1,6 +1,7 @@
 #include "simulator/model/usb3_function.h"
 
-#include <algorithm>
+#include <array>
+#include <cstdio>
 
 namespace qvx::simulator {
 
@@ -24,124 +25,81 @@ constexpr std::uint8_t buttonCode = 0x13;
 
 }  // namespace
 
-std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup,
-                                                  std::span<std::uint8_t> buffer) {
-  const std::size_t length = std::min<std::size_t>(setup.length, buffer.size());
-  const auto data = buffer.first(length);
-  bool done = false;
-  if (setup.requestType == fromDevice && setup.request == getDescriptor &&
-      setup.value == deviceDescriptor) {
-    return describe(data);
-  }
-  if (setup.index == vendorEntity && setup.requestType == toInterface &&
-      setup.request == setCurrent) {
-    done = set(setup.value, data);
-  } else if (setup.index == vendorEntity && setup.requestType == fromInterface &&
-             setup.request == getCurrent) {
-    done = get(setup.value, data);
-  }
-  if (!done) {
-    camera_.violations().add({"usb 3: request that the camera does not have"});
-    return std::nullopt;
-  }
-  return length;
+std::string inWords(const UsbSetup& setup) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%02X %02X %04X %04X %u", setup.requestType, setup.request,
+                setup.value, setup.index, setup.length);
+  return text;
 }
 
-bool Usb3Function::set(std::uint16_t selector, std::span<const std::uint8_t> data) {
-  if (selector == writeOnBusControl) return writeOnBus(data);
-  if (selector == sensorReadControl) return chooseSensorRegister(data);
-  if (selector == lensDriverControl) return writeToLens(data);
-  if (selector == lensPositionControl) return moveLens(data);
-  if (selector == buttonSampleControl) return armButton(data);
-  if (selector == buttonAcknowledgeControl) return !data.empty() && data[0] == buttonCode;
-  if (selector != controllerReadControl || data.size() != 2 || data[0] != controllerAddress) {
-    return false;
+std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup, Room buffer) {
+  const Room data = buffer.first(std::min<std::size_t>(setup.length, buffer.size()));
+  const auto is = [&setup](RequestType type, Request request) {
+    return setup.requestType == type && setup.request == request;
+  };
+  if (is(fromDevice, getDescriptor) && setup.value == deviceDescriptor) return describe(data);
+  const bool toCamera = setup.index == vendorEntity;
+  if (toCamera && is(toInterface, setCurrent) && set(setup.value, data)) return data.size();
+  if (toCamera && is(fromInterface, getCurrent) && get(setup.value, data)) return data.size();
+  camera_.violations().emplace_back("usb 3: request that the camera does not have");
+  return std::nullopt;
+}
+
+bool Usb3Function::set(std::uint16_t selector, Bytes data) {
+  if (data.empty()) return false;
+  const std::uint8_t first = data[0];  // the address on the bus, mostly
+  const std::size_t size = data.size();
+  const bool setsDirection =
+      first == controllerAddress && size > 1 && data[1] == controller_register::lensDirection;
+  switch (selector) {
+    case buttonAcknowledgeControl:
+      return first == buttonCode;
+    case buttonSampleControl:
+      asked_.erase(selector);
+      return size == 1 && first == buttonCode && ask(selector, data);
+    case controllerReadControl:
+      return size == 2 && first == controllerAddress && ask(selector, data);
+    case sensorReadControl:
+      return size == 3 && camera_.sensor().answersAt(first) && ask(selector, data);
+    case writeOnBusControl:
+      return (size == 3 || size == 4) && writeOnBus(data);
+    case lensDriverControl:  // for what moves a voice coil
+      return size == 3 && (first == voiceCoilAddress || setsDirection) && writeOnBus(data);
+    case lensPositionControl:
+      return size == 2 && first == lensControllerAddress && writeOnBus(data);
+    default:
+      return false;
   }
-  controllerRegister_ = data[1];
+}
+
+bool Usb3Function::ask(std::uint16_t selector, Bytes data) {
+  asked_[selector].assign(data.begin(), data.end());
   return true;
 }
 
-bool Usb3Function::get(std::uint16_t selector, std::span<std::uint8_t> data) {
-  if (selector == sensorReadControl) return readSensor(data);
-  if (selector == buttonSampleControl) return sampleButton(data);
-  if (selector != controllerReadControl || data.size() != 1 || !controllerRegister_) return false;
-  const std::uint8_t reg = *controllerRegister_;
-  controllerRegister_.reset();
-  return camera_.deviceAt(controllerAddress)->read({&reg, 1}, data);
+bool Usb3Function::get(std::uint16_t selector, Room data) {
+  if (data.size() != 1 || !asked_.contains(selector)) return false;
+  const std::vector<std::uint8_t> asked = asked_.extract(selector).mapped();
+  if (selector == buttonSampleControl) {
+    data[0] = camera_.gpio().buttonIsTouched() ? 1 : 0;
+    return true;
+  }
+  const auto place = camera_.placeAt(asked[0]);
+  return place && camera_.read(*place, Bytes(asked).subspan(1), data);
 }
 
-// {address, register, value}; a sensor's register has two bytes.
-bool Usb3Function::writeOnBus(std::span<const std::uint8_t> data) {
-  if (data.size() != 3 && data.size() != 4) return false;
-  I2cDevice* const device = camera_.deviceAt(data[0]);
-  return device != nullptr && device->write(data.subspan(1, data.size() - 2), data.last(1));
+// {address, register, value}, the register in no to two bytes.
+bool Usb3Function::writeOnBus(Bytes data) {
+  const auto place = camera_.placeAt(data[0]);
+  return place && camera_.write(*place, data.subspan(1, data.size() - 2), data.last(1));
 }
 
-// {address, register high, register low}
-bool Usb3Function::chooseSensorRegister(std::span<const std::uint8_t> data) {
-  if (data.size() != 3 || !camera_.sensor().answersAt(data[0])) return false;
-  sensorAddress_ = data[0];
-  sensorRegister_ = {data[1], data[2]};
-  return true;
-}
-
-bool Usb3Function::readSensor(std::span<std::uint8_t> data) {
-  if (data.size() != 1 || !sensorRegister_) return false;
-  const std::array<std::uint8_t, 2> reg = *sensorRegister_;
-  sensorRegister_.reset();
-  I2cDevice* const sensor = camera_.deviceAt(sensorAddress_);
-  return sensor != nullptr && sensor->read(reg, data);
-}
-
-// {address, two bytes}, for what moves a voice coil.
-bool Usb3Function::writeToLens(std::span<const std::uint8_t> data) {
-  const bool isAddressed =
-      data.size() == 3 &&
-      (data[0] == voiceCoilAddress ||
-       (data[0] == controllerAddress && data[1] == controller_register::lensDirection));
-  return isAddressed && writeOnBus(data);
-}
-
-// {address, position}
-bool Usb3Function::moveLens(std::span<const std::uint8_t> data) {
-  if (data.size() != 2 || data[0] != lensControllerAddress) return false;
-  I2cDevice* const device = camera_.deviceAt(data[0]);
-  return device != nullptr && device->write({}, data.last(1));
-}
-
-bool Usb3Function::armButton(std::span<const std::uint8_t> data) {
-  buttonArmed_ = data.size() == 1 && data[0] == buttonCode;
-  return buttonArmed_;
-}
-
-// 1 while it is touched.
-bool Usb3Function::sampleButton(std::span<std::uint8_t> data) {
-  if (data.size() != 1 || !buttonArmed_) return false;
-  buttonArmed_ = false;
-  data[0] = camera_.gpio().buttonIsTouched() ? 1 : 0;
-  return true;
-}
-
-std::optional<std::size_t> Usb3Function::describe(std::span<std::uint8_t> buffer) const {
+std::size_t Usb3Function::describe(Room buffer) const {
   const std::uint16_t pid = camera_.productId();
-  const std::array<std::uint8_t, 18> descriptor = {18,
-                                                   1,
-                                                   0x00,
-                                                   0x03,  // USB 3.0
-                                                   0xEF,
-                                                   0x02,
-                                                   0x01,
-                                                   9,
-                                                   0x7E,
-                                                   0x3C,
-                                                   static_cast<std::uint8_t>(pid),
-                                                   static_cast<std::uint8_t>(pid >> 8),
-                                                   0x00,
-                                                   0x01,
-                                                   1,
-                                                   2,
-                                                   0,
-                                                   1};
+  const auto low = static_cast<std::uint8_t>(pid), high = static_cast<std::uint8_t>(pid >> 8);
+  // Of USB 3.0, with the vendor id 0x3C7E.
+  const std::array<std::uint8_t, 18> descriptor = {18,   1,   0x00, 0x03, 0xEF, 0x02, 0x01, 9, 0x7E,
+                                                   0x3C, low, high, 0x00, 0x01, 1,    2,    0, 1};
   const std::size_t length = std::min(buffer.size(), descriptor.size());
   std::copy_n(descriptor.begin(), length, buffer.begin());
   return length;

@@ -2,11 +2,7 @@
 // devices on its I2C bus.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <span>
+#include <map>
 
 #include "simulator/model/camera.h"
 
@@ -17,32 +13,27 @@ struct UsbSetup {
   std::uint16_t value, index, length;
 };
 
+// "21 01 0303 0300 2"
+std::string inWords(const UsbSetup& setup);
+
 class Usb3Function {
  public:
   explicit Usb3Function(Camera& camera) : camera_(camera) {}
 
   // One control transfer; the buffer is what is sent or where the answer goes. Returns the bytes
   // moved, nothing when the camera stalls the request.
-  std::optional<std::size_t> transfer(const UsbSetup& setup, std::span<std::uint8_t> buffer);
+  std::optional<std::size_t> transfer(const UsbSetup& setup, Room buffer);
 
  private:
-  bool set(std::uint16_t selector, std::span<const std::uint8_t> data);
-  bool get(std::uint16_t selector, std::span<std::uint8_t> data);
-  std::optional<std::size_t> describe(std::span<std::uint8_t> buffer) const;
-  bool writeOnBus(std::span<const std::uint8_t> data);
-  bool writeToLens(std::span<const std::uint8_t> data);
-  bool moveLens(std::span<const std::uint8_t> data);
-  bool chooseSensorRegister(std::span<const std::uint8_t> data);
-  bool readSensor(std::span<std::uint8_t> data);
-  bool armButton(std::span<const std::uint8_t> data);
-  bool sampleButton(std::span<std::uint8_t> data);
+  bool set(std::uint16_t selector, Bytes data);
+  bool get(std::uint16_t selector, Room data);
+  bool ask(std::uint16_t selector, Bytes data);
+  bool writeOnBus(Bytes data);
+  std::size_t describe(Room buffer) const;
 
   Camera& camera_;
-  // Asked for, and not yet fetched.
-  std::optional<std::uint8_t> controllerRegister_;
-  std::optional<std::array<std::uint8_t, 2>> sensorRegister_;
-  std::uint8_t sensorAddress_ = 0;
-  bool buttonArmed_ = false;
+  // What was asked for, by selector, and not yet fetched.
+  std::map<std::uint16_t, std::vector<std::uint8_t>> asked_;
 };
 
 }  // namespace qvx::simulator

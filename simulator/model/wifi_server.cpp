@@ -1,8 +1,9 @@
 #include "simulator/model/wifi_server.h"
 
-#include <algorithm>
+#include <charconv>
+#include <cstdio>
 
-#include "simulator/model/wifi_controls.h"
+#include "simulator/model/words.h"
 
 namespace qvx::simulator {
 
@@ -10,10 +11,39 @@ namespace {
 
 constexpr int ok = 200, missing = 404, unavailable = 503;
 
-std::string text(std::initializer_list<std::string_view> parts) {
-  std::string whole;
-  for (const std::string_view part : parts) whole += part;
-  return whole;
+// The bits of an I2C command's id. Its value holds the register above 16 bits of data.
+enum I2cId : std::uint32_t {
+  i2cAddress = 0x00FF,
+  i2cDataBytes = 0x0300,
+  i2cDataBytesShift = 8,
+  i2cRegisterBytes = 0x0C00,
+  i2cRegisterBytesShift = 10,
+  i2cWrite = 0x1000,
+  i2cAllBits = 0x1FFF,
+};
+
+// Those of a GPIO command's id. Its value holds the levels.
+enum GpioId : std::uint32_t {
+  gpioMask = 0x00FF,
+  gpioPort = 0x0300,
+  gpioPortShift = 8,
+  gpioWrite = 0x0400,
+  gpioAllBits = 0x07FF,
+};
+
+// In the order of the document, with the numbers that Linux gives to video controls.
+constexpr struct {
+  std::int32_t id;
+  const char* name;
+  const PictureControl* control;
+} pictureRows[] = {
+    {0x980900, "Brightness", pictureControl(0)}, {0x980901, "Contrast", pictureControl(1)},
+    {0x980902, "Saturation", pictureControl(3)}, {0x980903, "Hue", pictureControl(2)},
+    {0x980910, "Gamma", pictureControl(5)},      {0x98091B, "Sharpness", pictureControl(4)},
+};
+
+std::string sizeOf(const VideoMode& mode) {
+  return std::to_string(mode.width) + " x " + std::to_string(mode.height);
 }
 
 WifiAnswer result(int value, std::string description) {
@@ -25,14 +55,24 @@ WifiAnswer refused(std::string description) {
   return result(-1, std::move(description));
 }
 
-std::string describe(const GpioAccess& access) {
-  const std::string number = std::to_string(access.port);
-  if (!access.isWrite) return text({"read  GPIO port ", number});
-  return text({"write GPIO port ", number, " mask ", hex(access.mask, 2), " levels ",
-               hex(access.levels, 2)});
+// In the one form that printf gives a number: no "+", no "-0", no leading zeros.
+bool takeDecimal(std::string_view& text, std::int32_t& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc{} && take(text, std::to_string(number));
 }
 
 }  // namespace
+
+// The query from its "?" to its end; nothing when any character differs. "dest=0plugin=0" stands
+// without an "&": this server never split it.
+std::optional<WifiServer::Command> WifiServer::commandFrom(std::string_view query) {
+  Command command{};
+  const bool matches = take(query, "?action=commandcontrol&dest=0plugin=0&id=") &&
+                       takeDecimal(query, command.id) && take(query, "&group=") &&
+                       takeDecimal(query, command.group) && take(query, "&value=") &&
+                       takeDecimal(query, command.value) && query.empty();
+  return matches ? std::optional(command) : std::nullopt;
+}
 
 WifiAnswer WifiServer::get(std::string_view target) {
   // The simulator puts its own page here.
@@ -41,17 +81,37 @@ WifiAnswer WifiServer::get(std::string_view target) {
   if (target == "/usbdevlist.json") return deviceList();
   if (target == "/input_0_control.json") return controls();
   if (target == "/?action=snapshot") return snapshot();
-  if (target.starts_with("/")) {
-    const auto parsed = wifiCommandFrom(target.substr(1));
-    if (parsed) return command(*parsed);
+  const std::string unknown = "unknown request " + std::string(target);
+  const auto command = take(target, "/") ? commandFrom(target) : std::nullopt;
+  if (!command) {
+    camera_.violations().push_back("wifi: " + unknown);
+    return {missing, "text/plain", "404: not found\n", unknown};
   }
-  return notFound(target);
+  constexpr struct {
+    std::int32_t group;
+    WifiAnswer (WifiServer::*answer)(const Command&);
+  } groups[] = {
+      {1, &WifiServer::picture},
+      {2, &WifiServer::videoMode},
+      {4, &WifiServer::gpio},
+      {5, &WifiServer::i2c},
+  };
+  for (const auto& [group, answer] : groups) {
+    if (group == command->group) return (this->*answer)(*command);
+  }
+  return refuse("unknown group " + hex(static_cast<std::uint32_t>(command->group), 2));
+}
+
+// What no client that knows the firmware asks.
+WifiAnswer WifiServer::refuse(const std::string& complaint) {
+  camera_.violations().push_back("wifi: " + complaint);
+  return refused(complaint);
 }
 
 // Clients do not parse this: they take the four digits that begin 25 characters after the start of
 // the vendor id's "0x3c7e". Nothing between the two may change its length.
 WifiAnswer WifiServer::deviceList() const {
-  const std::string id = text({hex(camera_.productId(), 4)});
+  const std::string id = hex(camera_.productId(), 4);
   return {ok, "application/json",
           R"([{"idVendor": "0x3c7e", "idProduct": ")" + id +
               R"(", "name": "Simulated camera"}])"
@@ -59,98 +119,102 @@ WifiAnswer WifiServer::deviceList() const {
           "product id -> " + id};
 }
 
+// Every number in it is a text.
 WifiAnswer WifiServer::controls() const {
-  return {ok, "application/json", controlDocument(camera_.picture()), "picture controls"};
+  std::string entries;
+  for (const auto& row : pictureRows) {
+    const PictureControl& control = *row.control;
+    char text[256];
+    std::snprintf(text, sizeof text,
+                  R"({"name": "%s", "id": "%d", "type": "1", "min": "%d", "max": "%d", )"
+                  R"("step": "%d", "default": "%d", "value": "%d", "dest": "0", "flags": "0", )"
+                  R"("group": "1"})",
+                  row.name, row.id, control.least, control.most, control.step, control.standard,
+                  camera_.picture().get(control).value);
+    entries += (entries.empty() ? "\n" : ",\n") + std::string(text);
+  }
+  return {ok, "application/json", "{\"controls\": [" + entries + "\n]}\n", "picture controls"};
 }
 
 WifiAnswer WifiServer::snapshot() const {
   if (!still_) return {unavailable, "text/plain", "503: no picture here\n", "still: none here"};
-  const VideoMode& mode = camera_.video().mode();
   std::string file = still_(camera_);
-  std::string description = "still of " + std::to_string(mode.width) + " x " +
-                            std::to_string(mode.height) + " pixels, " +
-                            std::to_string(file.size()) + " bytes";
-  return {ok, "image/jpeg", std::move(file), std::move(description)};
-}
-
-WifiAnswer WifiServer::notFound(std::string_view target) {
-  camera_.violations().add({"wifi: unknown request ", target});
-  return {missing, "text/plain", "404: not found\n", text({"unknown request ", target})};
-}
-
-WifiAnswer WifiServer::command(const WifiCommand& command) {
-  switch (static_cast<WifiGroup>(command.group)) {
-    case WifiGroup::picture:
-      return picture(command);
-    case WifiGroup::videoMode:
-      return videoMode(command);
-    case WifiGroup::gpio: {
-      const auto access = gpioAccessFrom(command, camera_.violations());
-      return access ? gpio(*access) : refused("GPIO command that cannot be");
-    }
-    case WifiGroup::i2c: {
-      const auto access = i2cAccessFrom(command, camera_.violations());
-      return access ? i2c(*access) : refused("I2C command that cannot be");
-    }
-  }
-  camera_.violations().add(
-      {"wifi: unknown group ", hex(static_cast<std::uint32_t>(command.group), 2)});
-  return refused("command of an unknown group");
-}
-
-WifiAnswer WifiServer::i2c(const I2cAccess& access) {
-  I2cDevice* const device = camera_.deviceAt(access.address);
-  if (device == nullptr) {
-    camera_.violations().add({"wifi: nothing on the I2C bus at ", hex(access.address, 2)});
-    return refused(inWords(access.isWrite, access.address, access.subAddress(), {}, false));
-  }
-  std::uint8_t data = access.data;
-  const bool acknowledged = access.isWrite ? device->write(access.subAddress(), {&data, 1})
-                                           : device->read(access.subAddress(), {&data, 1});
-  std::string words =
-      inWords(access.isWrite, access.address, access.subAddress(), {&data, 1}, acknowledged);
-  if (!acknowledged) return refused(std::move(words));
-  return result(access.isWrite ? 0 : data, std::move(words));
-}
-
-// Levels travel as a signed byte: a port whose highest pin is set reads as a negative number.
-WifiAnswer WifiServer::gpio(const GpioAccess& access) {
-  if (access.isWrite) {
-    if (!losesWrites() && !camera_.gpio().write(access.port, access.mask, access.levels)) {
-      return refused(describe(access) + ": refused");
-    }
-    return result(0, describe(access));
-  }
-  const auto levels = camera_.gpio().read(access.port);
-  if (!levels) return refused(describe(access) + ": no such port");
-  return result(static_cast<std::int8_t>(*levels),
-                text({describe(access), " -> ", hex(*levels, 2),
-                      access.port == buttonPort ? "  touch button" : "  lights"}));
+  const std::string description = "still of " + sizeOf(camera_.video().mode()) + " pixels, " +
+                                  std::to_string(file.size()) + " bytes";
+  return {ok, "image/jpeg", std::move(file), description};
 }
 
 // A value beyond the limits becomes the nearest one that there is.
-WifiAnswer WifiServer::picture(const WifiCommand& command) {
-  const WifiControl* const known = wifiControl(command.id);
-  if (known == nullptr) {
-    camera_.violations().add(
-        {"wifi: unknown picture control ", hex(static_cast<std::uint32_t>(command.id), 6)});
-    return refused("picture control that is not there");
+WifiAnswer WifiServer::picture(const Command& command) {
+  for (const auto& row : pictureRows) {
+    if (row.id != command.id) continue;
+    const std::int32_t value = std::clamp(command.value, row.control->least, row.control->most);
+    if (!camera_.tap().losesWrites) camera_.picture().set(*row.control, {value, false});
+    return result(0, std::string(row.name) + " <- " + std::to_string(value));
   }
-  const PictureControl& control = *known->control;
-  const std::int32_t value = std::clamp(command.value, control.least, control.most);
-  if (!losesWrites()) camera_.picture().set(control, {value, false});
-  return result(0, text({known->name, " <- ", std::to_string(value)}));
+  return refuse("unknown picture control " + hex(static_cast<std::uint32_t>(command.id), 6));
 }
 
-WifiAnswer WifiServer::videoMode(const WifiCommand& command) {
-  if (command.id != 0 || (!losesWrites() && !camera_.video().choose(command.value))) {
-    camera_.violations().add(
-        {"wifi: unknown video mode ", hex(static_cast<std::uint32_t>(command.value), 2)});
-    return refused("video mode that is not there");
+WifiAnswer WifiServer::videoMode(const Command& command) {
+  VideoOutput& video = camera_.video();
+  if (command.id != 0 || (!camera_.tap().losesWrites && !video.choose(command.value))) {
+    return refuse("unknown video mode " + hex(static_cast<std::uint32_t>(command.value), 2));
   }
-  const VideoMode& mode = camera_.video().mode();
-  return result(
-      0, "video mode <- " + std::to_string(mode.width) + " x " + std::to_string(mode.height));
+  return result(0, "video mode <- " + sizeOf(video.mode()));
+}
+
+// Levels travel as a signed byte: a port whose highest pin is set reads as a negative number.
+WifiAnswer WifiServer::gpio(const Command& command) {
+  const auto id = static_cast<std::uint32_t>(command.id);
+  const auto value = static_cast<std::uint32_t>(command.value);
+  const bool isWrite = (id & gpioWrite) != 0;
+  const auto mask = static_cast<std::uint8_t>(id & gpioMask);
+  const auto port = static_cast<std::uint8_t>((id & gpioPort) >> gpioPortShift);
+  if ((id & ~gpioAllBits) != 0) return refuse("unknown bits in GPIO id " + hex(id, 2));
+  if (!isWrite && mask != 0) return refuse("GPIO read with a mask: " + hex(id, 2));
+  if (value > (isWrite ? 0xFF : 0)) return refuse("GPIO levels that cannot be: " + hex(value, 2));
+
+  const std::string pins = "GPIO port " + std::to_string(port);
+  if (isWrite) {
+    const auto levels = static_cast<std::uint8_t>(value);
+    const std::string what =
+        "write " + pins + " mask " + hex(mask, 2) + " levels " + hex(levels, 2);
+    const bool done = camera_.tap().losesWrites || camera_.gpio().write(port, mask, levels);
+    return done ? result(0, what) : refused(what + ": refused");
+  }
+  const auto levels = camera_.gpio().read(port);
+  if (!levels) return refused("read  " + pins + ": no such port");
+  return result(static_cast<std::int8_t>(*levels),
+                "read  " + pins + " -> " + hex(*levels, 2) +
+                    (port == buttonPort ? "  touch button" : "  lights"));
+}
+
+WifiAnswer WifiServer::i2c(const Command& command) {
+  const auto id = static_cast<std::uint32_t>(command.id);
+  const auto value = static_cast<std::uint32_t>(command.value);
+  const std::uint32_t reg = value >> 16, data = value & 0xFFFF;
+  const std::uint32_t dataBytes = (id & i2cDataBytes) >> i2cDataBytesShift;
+  const std::uint32_t registerBytes = (id & i2cRegisterBytes) >> i2cRegisterBytesShift;
+  const bool isWrite = (id & i2cWrite) != 0;
+  const auto address = static_cast<std::uint8_t>(id & i2cAddress);
+  if ((id & ~i2cAllBits) != 0) return refuse("unknown bits in I2C id " + hex(id, 2));
+  if (dataBytes != 1) return refuse("I2C data bytes: " + hex(dataBytes, 2));
+  if (registerBytes > 2) return refuse("I2C register bytes: " + hex(registerBytes, 2));
+  // A longer number would be cut by the bus; without a register address it is not looked at.
+  if (registerBytes == 1 && reg > 0xFF) return refuse("I2C register over a byte: " + hex(reg, 2));
+  if (data > (isWrite ? 0xFF : 0)) return refuse("I2C data that cannot be: " + hex(data, 2));
+  const auto place = camera_.placeAt(address);
+  if (!place) return refuse("nothing on the I2C bus at " + hex(address, 2));
+
+  const std::uint8_t bytes[] = {static_cast<std::uint8_t>(reg >> 8),
+                                static_cast<std::uint8_t>(reg)};
+  const Bytes subAddress = Bytes(bytes).last(registerBytes);
+  auto byte = static_cast<std::uint8_t>(data);
+  const bool done = isWrite ? camera_.write(*place, subAddress, {&byte, 1})
+                            : camera_.read(*place, subAddress, {&byte, 1});
+  std::string words = inWords(isWrite, address, subAddress, {&byte, 1}, done);
+  if (!done) return refused(std::move(words));
+  return result(isWrite ? 0 : byte, std::move(words));
 }
 
 }  // namespace qvx::simulator

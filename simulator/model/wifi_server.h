@@ -1,12 +1,9 @@
 // The small web server inside a Wi-Fi camera: what it answers to the target of a GET.
 #pragma once
 
-#include <functional>
-#include <string>
 #include <string_view>
 
 #include "simulator/model/camera.h"
-#include "simulator/model/wifi_command.h"
 
 namespace qvx::simulator {
 
@@ -30,16 +27,19 @@ class WifiServer {
   WifiAnswer get(std::string_view target);
 
  private:
-  bool losesWrites() const { return camera_.tap().losesWrites; }
+  struct Command {
+    std::int32_t id, group, value;
+  };
+
+  static std::optional<Command> commandFrom(std::string_view query);
+  WifiAnswer refuse(const std::string& complaint);
   WifiAnswer deviceList() const;
   WifiAnswer controls() const;
   WifiAnswer snapshot() const;
-  WifiAnswer notFound(std::string_view target);
-  WifiAnswer command(const WifiCommand& command);
-  WifiAnswer i2c(const I2cAccess& access);
-  WifiAnswer gpio(const GpioAccess& access);
-  WifiAnswer picture(const WifiCommand& command);
-  WifiAnswer videoMode(const WifiCommand& command);
+  WifiAnswer picture(const Command& command);
+  WifiAnswer videoMode(const Command& command);
+  WifiAnswer gpio(const Command& command);
+  WifiAnswer i2c(const Command& command);
 
   Camera& camera_;
   Still still_;

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace qvx::simulator {
@@ -19,14 +20,32 @@ inline std::optional<std::uint32_t> numberFrom(std::string_view text, std::uint3
   return valid ? std::optional(number) : std::nullopt;
 }
 
-// "600ms", "2s".
+// The same with decimals, without sign or exponent.
+inline std::optional<double> decimalFrom(std::string_view text, double least, double most) {
+  double number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number, std::chars_format::fixed);
+  const bool valid = error == std::errc{} && stop == end && text.front() != '.' &&
+                     number >= least && number <= most;
+  return valid ? std::optional(number) : std::nullopt;
+}
+
+// "600ms", "2.5s".
 inline std::optional<std::uint32_t> duration_msFrom(std::string_view text) {
-  constexpr std::uint32_t longest_ms = 600'000, perSecond = 1000;
+  constexpr double longest_ms = 1e9;
   if (!text.ends_with('s')) return std::nullopt;
   const bool milliseconds = text.ends_with("ms");
+  const double unit_ms = milliseconds ? 1 : 1000;
   text.remove_suffix(milliseconds ? 2 : 1);
-  const auto number = numberFrom(text, 1, milliseconds ? longest_ms : longest_ms / perSecond);
-  return number ? std::optional(milliseconds ? *number : *number * perSecond) : std::nullopt;
+  const auto number = decimalFrom(text, 1 / unit_ms, longest_ms / unit_ms);
+  return number ? std::optional(static_cast<std::uint32_t>(*number * unit_ms)) : std::nullopt;
+}
+
+// Takes the expected start off a text; false, and nothing taken, when it starts otherwise.
+inline bool take(std::string_view& text, std::string_view expected) {
+  if (!text.starts_with(expected)) return false;
+  text.remove_prefix(expected.size());
+  return true;
 }
 
 // Cuts the first part off a text whose parts are separated by that character.
@@ -34,6 +53,14 @@ inline std::string_view takePart(std::string_view& text, char separator) {
   const std::string_view part = text.substr(0, text.find(separator));
   text.remove_prefix(std::min(part.size() + 1, text.size()));
   return part;
+}
+
+// A line of help: what may be written, and what it means.
+inline std::string helpLine(std::string_view form, std::string_view meaning) {
+  constexpr std::size_t width = 16;
+  std::string line = "  " + std::string(form);
+  line.resize(std::max(line.size() + 1, 2 + width), ' ');
+  return line.append(meaning) + '\n';
 }
 
 // One of the words that an option takes.
@@ -49,14 +76,6 @@ std::optional<Value> valueOf(std::string_view text, const Word<Value> (&words)[c
     if (word.text == text) return word.value;
   }
   return std::nullopt;
-}
-
-template <class Value, std::size_t count>
-std::string_view wordFor(Value value, const Word<Value> (&words)[count]) {
-  for (const auto& word : words) {
-    if (word.value == value) return word.text;
-  }
-  return {};
 }
 
 }  // namespace qvx::simulator

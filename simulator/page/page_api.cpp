@@ -3,6 +3,7 @@
 #include <map>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 #include "page_html.h"
 #include "simulator/page/page_controls.h"

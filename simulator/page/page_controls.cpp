@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "simulator/model/exposure.h"
 #include "simulator/model/product.h"
 
 namespace qvx::simulator {
@@ -157,7 +156,7 @@ std::vector<Control> controlsOf(CameraDevice& device) {
   addZoom(controls, camera);
   addFocus(controls, camera.lens());
   controls.add("button", "button", "Touch button", camera.gpio().buttonIsTouched(), {0, 1},
-               [&](double on) { on == 0 ? device.releaseButton() : device.pressButton(); });
+               [&](double on) { device.touchButton(on != 0); });
   if (productFor(camera.productId()).lights.kind != erased)
     addLights(controls, camera.controller());
   controls.add(

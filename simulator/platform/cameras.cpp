@@ -2,68 +2,39 @@
 
 #include <cstdio>
 
-#include "simulator/model/usb3_function.h"
-#include "simulator/model/wifi_server.h"
-
 namespace qvx::simulator {
 
-namespace {
+bool VirtualBridge::setProperty(const PropertySetId& set, std::uint32_t selector, Bytes data) {
+  follow();
+  return extensionUnit.set(set, selector, data);
+}
 
-class Usb3Front final : public ControlEndpoint {
- public:
-  explicit Usb3Front(Camera& camera) : camera_(camera), function_(camera) {}
+bool VirtualBridge::getProperty(const PropertySetId& set, std::uint32_t selector, Room data) {
+  return extensionUnit.get(set, selector, data);
+}
 
-  std::optional<std::size_t> transfer(const UsbSetup& setup,
-                                      std::span<std::uint8_t> buffer) override {
-    camera_.advanceTo(world().clock.now_ms());
-    return function_.transfer(setup, buffer);
-  }
+bool VirtualBridge::setFeature(Bytes report) {
+  follow();
+  return hid.setFeature(report);
+}
 
- private:
-  Camera& camera_;
-  Usb3Function function_;
-};
+std::optional<std::size_t> VirtualBridge::transfer(const UsbSetup& setup, Room buffer) {
+  follow();
+  return usb3.transfer(setup, buffer);
+}
 
-class ExtensionUnitFront final : public PropertyNode {
- public:
-  explicit ExtensionUnitFront(VirtualBridge& bridge) : bridge_(bridge) {}
-
-  bool supports(const PropertySetId& set) override { return bridge_.extensionUnit.supports(set); }
-  bool set(const PropertySetId& set, std::uint32_t selector,
-           std::span<const std::uint8_t> bytes) override {
-    bridge_.follow();
-    return bridge_.extensionUnit.set(set, selector, bytes);
-  }
-  bool get(const PropertySetId& set, std::uint32_t selector,
-           std::span<std::uint8_t> bytes) override {
-    return bridge_.extensionUnit.get(set, selector, bytes);
-  }
-
- private:
-  VirtualBridge& bridge_;
-};
-
-class HidFront final : public FeatureDevice {
- public:
-  explicit HidFront(VirtualBridge& bridge) : bridge_(bridge) {}
-
-  bool set(std::span<const std::uint8_t> report) override {
-    bridge_.follow();
-    return bridge_.hid.setFeature(report);
-  }
-  bool get(std::span<std::uint8_t> report) override { return bridge_.hid.getFeature(report); }
-
- private:
-  VirtualBridge& bridge_;
-};
-
-}  // namespace
+// Goes with the machine's clock, and starts anew after it was plugged in again.
+void VirtualBridge::follow() {
+  advanceTo(world().clock.now_ms());
+  if (connection_ == world().connection()) return;
+  connection_ = world().connection();
+  extensionUnit.reset();
+  hid.reset();
+}
 
 std::string complaintsOf(Camera& camera) {
   std::string text;
-  for (std::size_t i = 0; i < camera.violations().count(); ++i) {
-    text += std::string(camera.violations()[i]) + "\n";
-  }
+  for (const std::string& violation : camera.violations()) text += violation + "\n";
   return text;
 }
 
@@ -74,30 +45,6 @@ HttpServer wifiFront(Camera& camera) {
     camera.advanceTo(world().clock.now_ms());
     return {true, {WifiServer(camera).get(url.substr(base.size())).body}};
   };
-}
-
-std::shared_ptr<ControlEndpoint> usb3Front(Camera& camera) {
-  return std::make_shared<Usb3Front>(camera);
-}
-
-VirtualBridge::VirtualBridge(std::uint16_t productId, const BridgeSetup& setup,
-                             ExtensionUnit::Variant variant)
-    : BridgeDevice(productId, setup), extensionUnit(chip, variant), hid(chip) {}
-
-void VirtualBridge::follow() {
-  advanceTo(world().clock.now_ms());
-  if (connection_ == world().connection()) return;
-  connection_ = world().connection();
-  extensionUnit.reset();
-  hid.reset();
-}
-
-std::shared_ptr<PropertyNode> extensionUnitFront(VirtualBridge& camera) {
-  return std::make_shared<ExtensionUnitFront>(camera);
-}
-
-std::shared_ptr<FeatureDevice> hidFront(VirtualBridge& camera) {
-  return std::make_shared<HidFront>(camera);
 }
 
 std::wstring videoInputPath(int productId, const std::string& instance) {
@@ -112,20 +59,14 @@ std::wstring videoInputPath(int productId, const std::string& instance) {
 VideoInput bridgeInput(VirtualBridge& camera, const std::string& instance) {
   return {videoInputPath(camera.camera.productId(), instance),
           L"Microscope " + std::wstring(instance.begin(), instance.end()),
-          {nullptr, nullptr, extensionUnitFront(camera), nullptr},
-          &camera.picture};
+          {nullptr, nullptr, camera.port(), nullptr},
+          &camera.camera.picture()};
 }
 
 HidInterface bridgeHidInterface(VirtualBridge& camera, const std::string& path) {
-  const bool oneShot = camera.chip.firmware() == BridgeFirmware::oneShot;
-  HidInterface interface {
-    path, 2, {HidFunction::commandHeader, HidFunction::dataBlock}, hidFront(camera)
-  };
-  if (oneShot) {
-    interface.featureItems = 3;
-    interface.featureReportIds.push_back(HidFunction::oneShot);
-  }
-  return interface;
+  std::vector<std::uint8_t> ids = {HidFunction::commandHeader, HidFunction::dataBlock};
+  if (camera.chip.firmware() == BridgeFirmware::oneShot) ids.push_back(HidFunction::oneShot);
+  return {path, ids.size(), ids, camera.port()};
 }
 
 }  // namespace qvx::simulator

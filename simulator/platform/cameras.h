@@ -2,43 +2,39 @@
 // clock and must stay until it is reset.
 #pragma once
 
-#include <memory>
-#include <string>
-
-#include "simulator/model/bridge_chip_device.h"
-#include "simulator/model/bridge_chip_extension_unit.h"
-#include "simulator/model/bridge_chip_hid.h"
+#include "simulator/model/camera_device.h"
 #include "simulator/platform/world.h"
 
 namespace qvx::simulator {
+
+// A camera with all interfaces that it may have.
+class VirtualBridge : public CameraDevice, public CameraPort {
+ public:
+  explicit VirtualBridge(std::uint16_t productId, const BridgeSetup& setup = {},
+                         Unit unit = Unit::bridge)
+      : CameraDevice({.productId = productId, .unit = unit, .setup = setup}) {}
+
+  bool supports(const PropertySetId& set) override { return extensionUnit.supports(set); }
+  bool setProperty(const PropertySetId& set, std::uint32_t selector, Bytes data) override;
+  bool getProperty(const PropertySetId& set, std::uint32_t selector, Room data) override;
+  bool setFeature(Bytes report) override;
+  bool getFeature(Room report) override { return hid.getFeature(report); }
+  std::optional<std::size_t> transfer(const UsbSetup& setup, Room buffer) override;
+
+  // For the machine, which does not own it.
+  std::shared_ptr<CameraPort> port() { return {std::shared_ptr<void>(), this}; }
+
+ private:
+  void follow();
+
+  unsigned connection_ = world().connection();
+};
 
 // What clients did wrong, a line each; nothing when all went by the rules.
 std::string complaintsOf(Camera& camera);
 
 // Answers at the camera's address as its web server does; other addresses are out of reach.
 HttpServer wifiFront(Camera& camera);
-
-std::shared_ptr<ControlEndpoint> usb3Front(Camera& camera);
-
-// A camera behind a bridge chip, with both interfaces that its firmware may offer.
-class VirtualBridge : public BridgeDevice {
- public:
-  explicit VirtualBridge(std::uint16_t productId, const BridgeSetup& setup = {},
-                         ExtensionUnit::Variant variant = ExtensionUnit::Variant::usual);
-
-  // At every transfer: follows the machine's clock, and starts anew after it was plugged in again.
-  void follow();
-
-  ExtensionUnit extensionUnit;
-  HidFunction hid;
-  PictureControls picture;
-
- private:
-  unsigned connection_ = world().connection();
-};
-
-std::shared_ptr<PropertyNode> extensionUnitFront(VirtualBridge& camera);
-std::shared_ptr<FeatureDevice> hidFront(VirtualBridge& camera);
 
 // The path of a video input as the system writes it: "@device:pnp:\\?\usb#vid_3c7e&pid_0970...".
 std::wstring videoInputPath(int productId, const std::string& instance);

@@ -8,6 +8,7 @@
 namespace qvx::platform {
 
 struct FileObject {
+  static constexpr simulator::OpenCounter counter = &simulator::OpenCounts::files;
   std::string& content;
 };
 
@@ -26,13 +27,11 @@ FileHandle createFile(const std::wstring& path) {
   const bool exists = !path.empty() && world().folders.contains(folderOf(path));
   if (!exists || !world().grants()) return nullptr;
   world().files[path].clear();
-  ++world().open.files;
   return world().keep(FileObject{world().files[path]});
 }
 
 FileHandle openForAppending(const std::wstring& path) {
   if (!world().folders.contains(folderOf(path)) || !world().grants()) return nullptr;
-  ++world().open.files;
   return world().keep(FileObject{world().files[path]});
 }
 
@@ -51,8 +50,7 @@ bool writeFile(FileHandle file, const void* data, std::uint32_t size) {
 }
 
 void closeFile(FileHandle file) {
-  --world().open.files;
-  world().drop(file);
+  world().drop<FileObject>(file);
 }
 
 }  // namespace qvx::platform

@@ -1,15 +1,8 @@
 // What the simulated machine has: tests and tools furnish it.
 #pragma once
 
-#include <cstdint>
-#include <functional>
-#include <map>
 #include <memory>
-#include <optional>
 #include <set>
-#include <span>
-#include <string>
-#include <vector>
 
 #include "simulator/model/picture_controls.h"
 #include "simulator/model/property_sets.h"
@@ -25,23 +18,31 @@ struct HttpAnswer {
 };
 using HttpServer = std::function<HttpAnswer(const std::string& url)>;
 
-// A node of a capture filter's topology, or a device with feature reports: what carries the bytes
-// to a simulated bridge.
-class PropertyNode {
+// What carries bytes to a simulated camera, by whichever of its interfaces; all that it does not
+// have refuses.
+class CameraPort {
  public:
-  virtual ~PropertyNode() = default;
-  virtual bool supports(const PropertySetId& set) = 0;
-  virtual bool set(const PropertySetId& set, std::uint32_t selector,
-                   std::span<const std::uint8_t> bytes) = 0;
-  virtual bool get(const PropertySetId& set, std::uint32_t selector,
-                   std::span<std::uint8_t> bytes) = 0;
-};
+  virtual ~CameraPort() = default;
 
-class FeatureDevice {
- public:
-  virtual ~FeatureDevice() = default;
-  virtual bool set(std::span<const std::uint8_t> report) = 0;
-  virtual bool get(std::span<std::uint8_t> report) = 0;  // byte 0 is the report id asked for
+  // A node of its capture filter's topology.
+  virtual bool supports(const PropertySetId& /*set*/) { return false; }
+  virtual bool setProperty(const PropertySetId& /*set*/, std::uint32_t /*selector*/,
+                           Bytes /*data*/) {
+    return false;
+  }
+  virtual bool getProperty(const PropertySetId& /*set*/, std::uint32_t /*selector*/,
+                           Room /*data*/) {
+    return false;
+  }
+
+  // Its feature reports; byte 0 is the id.
+  virtual bool setFeature(Bytes /*report*/) { return false; }
+  virtual bool getFeature(Room /*report*/) { return false; }
+
+  // Control transfers. Returns the bytes moved, or nothing when the camera stalls the request.
+  virtual std::optional<std::size_t> transfer(const UsbSetup& /*setup*/, Room /*buffer*/) {
+    return std::nullopt;
+  }
 };
 
 struct VideoInput {
@@ -49,7 +50,7 @@ struct VideoInput {
   std::optional<std::wstring> name;
   // Vendor-specific nodes by their place in the topology; a place without one is another kind of
   // node. Empty: the filter has no topology.
-  std::vector<std::shared_ptr<PropertyNode>> nodes;
+  std::vector<std::shared_ptr<CameraPort>> nodes;
   PictureControls* picture = nullptr;  // null: the filter has no picture properties
   bool opens = true;
 };
@@ -58,7 +59,7 @@ struct HidInterface {
   std::string path;
   std::optional<std::size_t> featureItems;  // nothing: does not let itself be described
   std::vector<std::uint8_t> featureReportIds;
-  std::shared_ptr<FeatureDevice> device;  // null: cannot be opened
+  std::shared_ptr<CameraPort> device;  // null: cannot be opened
 };
 
 struct UsbPipe {
@@ -67,21 +68,12 @@ struct UsbPipe {
   unsigned interval, maximumPacketSize;
 };
 
-// What carries control transfers to a simulated USB 3 camera. Returns the bytes moved, or nothing
-// when the camera stalled the request.
-class ControlEndpoint {
- public:
-  virtual ~ControlEndpoint() = default;
-  virtual std::optional<std::size_t> transfer(const UsbSetup& setup,
-                                              std::span<std::uint8_t> buffer) = 0;
-};
-
 struct UsbDevice {
   int vendorId = 0, productId = 0;
   std::string instance, description, maker;
   std::vector<UsbPipe> pipes;
   bool opens = true;
-  std::shared_ptr<ControlEndpoint> endpoint;
+  std::shared_ptr<CameraPort> endpoint;
 };
 
 struct Furniture {

@@ -9,14 +9,15 @@
 namespace qvx::platform {
 
 struct InternetObject {
-  bool isRequest;
-  unsigned connection;  // of the cameras, when it was opened
-  simulator::HttpAnswer answer{};
+  simulator::OpenCounter counter;
+  simulator::HttpAnswer answer{};        // to a request
   std::size_t nextChunk = 0, taken = 0;  // and how much of it
+  simulator::CameraConnection connection{};
 };
 
 namespace {
 
+using simulator::OpenCounts;
 using simulator::world;
 
 std::string narrow(const std::wstring& text) {
@@ -25,22 +26,14 @@ std::string narrow(const std::wstring& text) {
   return result;
 }
 
-int& openCountOf(const InternetObject& object) {
-  return object.isRequest ? world().open.internetRequests : world().open.internetSessions;
-}
-
-InternetHandle opened(InternetObject object) {
-  ++openCountOf(object);
-  return world().keep(std::move(object));
-}
-
 }  // namespace
 
 InternetHandle openInternetSession(const wchar_t* agent) {
   if (std::wstring(agent) != L"HTTP Downloader") {
     world().note([=] { return "session as " + narrow(agent); });
   }
-  return world().grants() ? opened({false, world().connection()}) : nullptr;
+  if (!world().grants()) return nullptr;
+  return world().keep(InternetObject{&OpenCounts::internetSessions});
 }
 
 InternetHandle openDirectInternetSession(const wchar_t* agent) {
@@ -61,13 +54,13 @@ InternetHandle system::openUrl(InternetHandle session, const std::wstring& url) 
   if (!sent || !world().pluggedIn() || !world().wifi) return nullptr;
   simulator::HttpAnswer answer = world().wifi(text);
   if (!answer.reachable) return nullptr;
-  return opened({true, world().connection(), std::move(answer)});
+  return world().keep(InternetObject{&OpenCounts::internetRequests, std::move(answer)});
 }
 
 bool system::readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
                      std::uint32_t& received) {
   received = 0;
-  if (!world().grants() || request->connection != world().connection()) return false;
+  if (!world().grants() || !request->connection.isThere()) return false;
   if (request->nextChunk == request->answer.chunks.size()) return !request->answer.breaksOff;
   const std::string& chunk = request->answer.chunks[request->nextChunk];
   const std::size_t left = chunk.size() - request->taken;
@@ -82,9 +75,7 @@ bool system::readUrl(InternetHandle request, void* buffer, std::uint32_t capacit
 }
 
 void closeInternetHandle(InternetHandle handle) {
-  if (handle == nullptr) return;
-  --openCountOf(*handle);
-  world().drop(handle);
+  if (handle != nullptr) world().drop<InternetObject>(handle);
 }
 
 }  // namespace qvx::platform

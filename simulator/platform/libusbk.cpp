@@ -15,17 +15,22 @@ namespace qvx::platform {
 namespace {
 
 using simulator::hex;
+using simulator::OpenCounter;
+using simulator::OpenCounts;
 using simulator::UsbDevice;
 using simulator::world;
 
 constexpr int driverId = 0;
 constexpr std::uint32_t openFailed = 31;  // a device that does not work
 
-using DeviceList = simulator::Usb3DeviceList<KLST_DEVINFO>;
+struct DeviceList : simulator::Usb3DeviceList<KLST_DEVINFO> {
+  static constexpr OpenCounter counter = &OpenCounts::deviceLists;
+};
 
 struct OpenedDevice {
+  static constexpr OpenCounter counter = &OpenCounts::usbHandles;
   std::size_t device;
-  unsigned connection;  // of the cameras, when it was opened
+  simulator::CameraConnection connection{};
 };
 
 template <std::size_t size>
@@ -48,7 +53,7 @@ KLST_DEVINFO recordOf(const UsbDevice& device, std::size_t index) {
 // Null for a handle that is none and for a device that is gone.
 UsbDevice* deviceOf(KUSB_HANDLE handle) {
   const auto* const opened = world().kept<OpenedDevice>(handle);
-  const bool isThere = opened != nullptr && opened->connection == world().connection() &&
+  const bool isThere = opened != nullptr && opened->connection.isThere() &&
                        opened->device < world().usbDevices.size();
   return isThere ? &world().usbDevices[opened->device] : nullptr;
 }
@@ -60,8 +65,7 @@ KUSB_BOOL openDevice(KUSB_HANDLE* handle, const KLST_DEVINFO* record) {
     setLastError(openFailed);
     return 0;
   }
-  *handle = world().keep(OpenedDevice{index, world().connection()});
-  ++world().open.usbHandles;
+  *handle = world().keep(OpenedDevice{index});
   return 1;
 }
 
@@ -75,14 +79,6 @@ KUSB_BOOL queryPipe(KUSB_HANDLE handle, std::uint8_t alternateSetting, std::uint
   return 1;
 }
 
-std::string lineOf(const WINUSB_SETUP_PACKET& setup, std::span<const std::uint8_t> buffer) {
-  char head[64];
-  std::snprintf(head, sizeof head, "usb %02X %02X %04X %04X %u", setup.RequestType, setup.Request,
-                setup.Value, setup.Index, setup.Length);
-  const bool isOut = (setup.RequestType & 0x80) == 0;
-  return isOut ? head + (": " + hex(buffer)) : head;
-}
-
 }  // namespace
 
 // Flags would ask for other lists, such as one with the devices that were unplugged: none is had
@@ -93,8 +89,7 @@ bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   for (const UsbDevice& device : world().usbDevices) {
     if (world().pluggedIn()) records.push_back(recordOf(device, records.size()));
   }
-  *deviceList = world().keep(DeviceList(std::move(records)));
-  ++world().open.deviceLists;
+  *deviceList = world().keep(DeviceList{simulator::Usb3DeviceList(std::move(records))});
   return true;
 }
 
@@ -121,9 +116,7 @@ bool system::LstK_MoveNext(KLST_HANDLE deviceList, KLST_DEVINFO** deviceInfo) {
 }
 
 bool LstK_Free(KLST_HANDLE deviceList) {
-  const bool removed = world().drop(static_cast<DeviceList*>(deviceList));
-  if (removed) --world().open.deviceLists;
-  return removed;
+  return world().drop<DeviceList>(deviceList);
 }
 
 bool system::LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int requestedDriver) {
@@ -136,12 +129,16 @@ bool system::LibK_LoadDriverAPI(KUSB_DRIVER_API* driverApi, int requestedDriver)
 bool system::UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACKET setup,
                                   std::uint8_t* buffer, std::uint32_t length,
                                   std::uint32_t* transferred) {
-  const std::span bytes(buffer, length);
-  const bool sent = world().operate([&] { return lineOf(setup, bytes); });
+  const simulator::Room bytes(buffer, length);
+  const simulator::UsbSetup request = {setup.RequestType, setup.Request, setup.Value, setup.Index,
+                                       setup.Length};
+  const bool sent = world().operate([&] {
+    const bool isOut = (setup.RequestType & 0x80) == 0;
+    return "usb " + inWords(request) + (isOut ? ": " + hex(bytes) : "");
+  });
   UsbDevice* const device = deviceOf(interfaceHandle);
   if (!sent || device == nullptr || device->endpoint == nullptr) return false;
-  const auto moved = device->endpoint->transfer(
-      {setup.RequestType, setup.Request, setup.Value, setup.Index, setup.Length}, bytes);
+  const auto moved = device->endpoint->transfer(request, bytes);
   if (!moved) return false;
   *transferred = static_cast<std::uint32_t>(*moved);
   return true;

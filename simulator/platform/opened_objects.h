@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <typeindex>
-#include <utility>
 
 namespace qvx::simulator {
 
@@ -24,9 +23,12 @@ struct OpenCounts {
 
   bool operator==(const OpenCounts&) const = default;
 };
+using OpenCounter = int OpenCounts::*;
 
-// Kept reachable as the system keeps them.
+// Kept reachable as the system keeps them. Each object names its `counter`.
 class OpenedObjects {
+  using Objects = std::deque<std::shared_ptr<void>>;
+
  public:
   OpenCounts open;
 
@@ -36,27 +38,39 @@ class OpenedObjects {
 
   template <class Object>
   Object* keep(Object object) {
+    ++(open.*object.counter);
     auto kept = std::make_shared<Object>(std::move(object));
-    std::deque<std::shared_ptr<void>>& all = opened_[typeid(Object)];
+    Objects& all = opened_[typeid(Object)];
     if (all.size() >= objectsKept) all.pop_front();
     all.push_back(kept);
     return kept.get();
   }
+  // Null for what is none of them; so is a drop refused.
   template <class Object>
   Object* kept(const void* handle) {
-    const auto& all = opened_[typeid(Object)];
-    const auto found = std::find_if(
-        all.rbegin(), all.rend(), [handle](const auto& object) { return object.get() == handle; });
-    return found == all.rend() ? nullptr : static_cast<Object*>(found->get());
+    const auto found = find<Object>(handle);
+    return found == opened_[typeid(Object)].rend() ? nullptr : static_cast<Object*>(found->get());
   }
   template <class Object>
-  bool drop(const Object* object) {
-    return std::erase_if(opened_[typeid(Object)],
-                         [object](const auto& other) { return other.get() == object; }) != 0;
+  bool drop(const void* handle) {
+    const auto found = find<Object>(handle);
+    Objects& all = opened_[typeid(Object)];
+    if (found == all.rend()) return false;
+    --(open.*static_cast<Object*>(found->get())->counter);
+    all.erase(std::next(found).base());
+    return true;
   }
 
  private:
-  std::map<std::type_index, std::deque<std::shared_ptr<void>>> opened_;
+  // From the end: what was opened last is asked for most.
+  template <class Object>
+  Objects::reverse_iterator find(const void* handle) {
+    Objects& all = opened_[typeid(Object)];
+    return std::find_if(all.rbegin(), all.rend(),
+                        [handle](const auto& object) { return object.get() == handle; });
+  }
+
+  std::map<std::type_index, Objects> opened_;
 };
 
 }  // namespace qvx::simulator

@@ -1,7 +1,6 @@
 // Video inputs, their topologies and HID devices of the simulated machine.
 #include "platform/system.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "simulator/platform/world.h"
@@ -10,33 +9,17 @@ namespace qvx::platform {
 
 namespace {
 
-using simulator::FeatureDevice;
-using simulator::hex;
-using simulator::PropertyNode;
-using simulator::world;
+using namespace simulator;
 
 simulator::PropertySetId idOf(const PropertySet& set) {
   return {set.data1, set.data2, set.data3, set.data4};
 }
 
-// "set 5A215226/26": a request's set, by its first field, and its selector.
-std::string lineOf(const char* verb, const PropertySet& set, std::uint32_t id) {
-  char line[64];
-  std::snprintf(line, sizeof line, "%s %08X/%u", verb, set.data1, id);
-  return line;
-}
-
 class SimulatedFilter final : public TopologyFilter {
  public:
-  explicit SimulatedFilter(std::vector<std::shared_ptr<PropertyNode>> nodes)
-      : nodes_(std::move(nodes)) {
-    const std::lock_guard<std::mutex> lock(world().guard);
-    ++world().open.filters;
-  }
-  ~SimulatedFilter() override {
-    const std::lock_guard<std::mutex> lock(world().guard);
-    --world().open.filters;
-  }
+  using Nodes = std::vector<std::shared_ptr<CameraPort>>;
+
+  explicit SimulatedFilter(Nodes nodes) : nodes_(std::move(nodes)) {}
 
   std::vector<std::uint32_t> vendorNodes() override {
     std::vector<std::uint32_t> ids;
@@ -48,59 +31,52 @@ class SimulatedFilter final : public TopologyFilter {
   }
 
   PropertyOutcome supports(std::uint32_t node, const PropertySet& set) override {
-    return world().grants() && isThere() && nodes_.at(node)->supports(idOf(set));
+    return world().grants() && connection_.isThere() && nodes_.at(node)->supports(idOf(set));
   }
 
   PropertyOutcome getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
                               void* data, std::uint32_t size) override {
-    const auto line = [&] { return lineOf("get", set, id) + " " + std::to_string(size); };
-    return world().operate(line) && isThere() &&
-           nodes_.at(node)->get(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
+    const auto line = [&] { return "get " + inWords(idOf(set), id) + " " + std::to_string(size); };
+    return world().operate(line) && connection_.isThere() &&
+           nodes_.at(node)->getProperty(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
   }
 
   PropertyOutcome setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
                               const void* data, std::uint32_t size) override {
-    const std::span bytes(static_cast<const std::uint8_t*>(data), size);
-    const auto line = [&] { return lineOf("set", set, id) + ": " + hex(bytes); };
-    return world().operate(line) && isThere() && nodes_.at(node)->set(idOf(set), id, bytes);
+    const Bytes bytes(static_cast<const std::uint8_t*>(data), size);
+    const auto line = [&] { return "set " + inWords(idOf(set), id) + ": " + hex(bytes); };
+    return world().operate(line) && connection_.isThere() &&
+           nodes_.at(node)->setProperty(idOf(set), id, bytes);
   }
 
  private:
-  bool isThere() const { return connection_ == world().connection(); }
-
-  std::vector<std::shared_ptr<PropertyNode>> nodes_;
-  const unsigned connection_ = world().connection();  // of the cameras, when it was opened
+  Nodes nodes_;
+  OpenObject open_{&OpenCounts::filters};
+  CameraConnection connection_;
 };
 
 class SimulatedHidDevice final : public HidDevice {
  public:
-  explicit SimulatedHidDevice(std::shared_ptr<FeatureDevice> device) : device_(std::move(device)) {
-    const std::lock_guard<std::mutex> lock(world().guard);
-    ++world().open.hidDevices;
-  }
-  ~SimulatedHidDevice() override {
-    const std::lock_guard<std::mutex> lock(world().guard);
-    --world().open.hidDevices;
-  }
+  explicit SimulatedHidDevice(std::shared_ptr<CameraPort> device) : device_(std::move(device)) {}
 
   bool setFeature(const std::uint8_t* report, std::uint32_t size) override {
-    const std::span bytes(report, size);
+    const Bytes bytes(report, size);
     return world().operate([&] { return "set feature " + hex(bytes); }) && isThere() &&
-           device_->set(bytes);
+           device_->setFeature(bytes);
   }
   bool getFeature(std::uint8_t* report, std::uint32_t size) override {
-    const std::span bytes(report, size);
     const auto line = [&] {
-      return "get feature " + hex(bytes.first(1)) + " " + std::to_string(size);
+      return "get feature " + hex(Bytes(report, 1)) + " " + std::to_string(size);
     };
-    return world().operate(line) && isThere() && device_->get(bytes);
+    return world().operate(line) && isThere() && device_->getFeature({report, size});
   }
 
  private:
-  bool isThere() const { return device_ != nullptr && connection_ == world().connection(); }
+  bool isThere() const { return device_ != nullptr && connection_.isThere(); }
 
-  std::shared_ptr<FeatureDevice> device_;
-  const unsigned connection_ = world().connection();  // of the cameras, when it was opened
+  std::shared_ptr<CameraPort> device_;
+  OpenObject open_{&OpenCounts::hidDevices};
+  CameraConnection connection_;
 };
 
 // Null for one that is not there, or that the system does not open.

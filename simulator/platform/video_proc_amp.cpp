@@ -1,72 +1,70 @@
 // Picture properties of the simulated machine's video inputs. Every step goes into the journal.
 #include "platform/system.h"
 
-#include <memory>
-#include <vector>
-
 #include "simulator/platform/world.h"
 
 namespace qvx::platform {
 
-struct InputList {};
-struct CaptureFilter {
-  simulator::VideoInput input;
-  unsigned connection;  // of the cameras, when it was opened
+using simulator::CameraConnection;
+using simulator::OpenCounter;
+using simulator::OpenCounts;
+using simulator::world;
+
+struct InputList {
+  static constexpr OpenCounter counter = &OpenCounts::inputLists;
 };
-struct FilterGraph {};
-struct CaptureBuilder {};
-struct StreamConfig {};
+struct CaptureFilter {
+  static constexpr OpenCounter counter = &OpenCounts::captureFilters;
+  simulator::PictureControls* picture;
+  CameraConnection connection{};
+};
+struct FilterGraph {
+  static constexpr OpenCounter counter = &OpenCounts::filterGraphs;
+};
+struct CaptureBuilder {
+  static constexpr OpenCounter counter = &OpenCounts::captureBuilders;
+};
+struct StreamConfig {
+  static constexpr OpenCounter counter = &OpenCounts::streamConfigs;
+};
 struct VideoProcAmp {
+  static constexpr OpenCounter counter = &OpenCounts::videoProcAmps;
   simulator::PictureControls& controls;
-  unsigned connection;  // its filter's
+  CameraConnection connection;  // its filter's
 };
 
 namespace {
-
-using simulator::world;
-
-template <class Object>
-Object* opened(int& count, Object object) {
-  ++count;
-  return world().keep(std::move(object));
-}
-
-template <class Object>
-void released(int& count, Object* object) {
-  --count;
-  world().drop(object);
-}
 
 bool step(const char* line) {
   return world().operate([line] { return std::string("capture: ") + line; });
 }
 
-// What the simulated driver calls it: it numbers the properties as the platform does.
-std::int32_t numberOf(PictureProperty property) {
-  return static_cast<std::int32_t>(property);
+// One request for a property, whose number the driver knows as the platform does. Null when it does
+// not get through: while the camera is gone, and for a property that it does not have.
+const simulator::PictureControl* ask(const VideoProcAmp& amplifier, const char* verb,
+                                     PictureProperty property, const std::string& more = "") {
+  const auto number = static_cast<std::int32_t>(property);
+  const bool reached = world().operate(
+      [&] { return std::string("capture: ") + verb + std::to_string(number) + more; });
+  return reached && amplifier.connection.isThere() ? simulator::pictureControl(number) : nullptr;
 }
 
-bool step(const char* verb, PictureProperty property, const std::string& more = "") {
-  return world().operate(
-      [&] { return std::string("capture: ") + verb + std::to_string(numberOf(property)) + more; });
-}
-
-// False while the camera is gone, and for what was opened before it went.
-bool isThere(const VideoProcAmp& amplifier) {
-  return amplifier.connection == world().connection();
+template <class Object>
+void releaseNoted(Object* object, const char* name) {
+  if (object == nullptr) return;
+  world().note([name] { return std::string("capture: release ") + name; });
+  world().drop<Object>(object);
 }
 
 }  // namespace
 
 InputList* openInputList() {
   if (!step("list inputs") || !world().pluggedIn() || world().videoInputs.empty()) return nullptr;
-  return opened(world().open.inputLists, InputList{});
+  return world().keep(InputList{});
 }
 
 void release(InputList* list) {
-  if (list == nullptr) return;
-  world().note([] { return "capture: release list"; });
-  released(world().open.inputLists, list);
+  releaseNoted(list, "list");
 }
 
 CaptureFilter* openFilter(InputList& /*list*/,
@@ -74,27 +72,25 @@ CaptureFilter* openFilter(InputList& /*list*/,
   for (const auto& input : world().videoInputs) {
     if (!isWanted(input.path)) continue;
     if (!step("open filter") || !world().pluggedIn() || !input.opens) return nullptr;
-    return opened(world().open.captureFilters, CaptureFilter{input, world().connection()});
+    return world().keep(CaptureFilter{input.picture});
   }
   return nullptr;
 }
 
 FilterGraph* createFilterGraph() {
-  return step("create graph") ? opened(world().open.filterGraphs, FilterGraph{}) : nullptr;
+  return step("create graph") ? world().keep(FilterGraph{}) : nullptr;
 }
 
 void release(FilterGraph* graph) {
-  if (graph == nullptr) return;
-  world().note([] { return "capture: release graph"; });
-  released(world().open.filterGraphs, graph);
+  releaseNoted(graph, "graph");
 }
 
 CaptureBuilder* createCaptureBuilder() {
-  return step("create builder") ? opened(world().open.captureBuilders, CaptureBuilder{}) : nullptr;
+  return step("create builder") ? world().keep(CaptureBuilder{}) : nullptr;
 }
 
 StreamConfig* findStreamConfig(CaptureBuilder& /*builder*/, CaptureFilter& /*filter*/) {
-  return step("find stream config") ? opened(world().open.streamConfigs, StreamConfig{}) : nullptr;
+  return step("find stream config") ? world().keep(StreamConfig{}) : nullptr;
 }
 
 void countCapabilities(StreamConfig& /*config*/) {
@@ -102,29 +98,26 @@ void countCapabilities(StreamConfig& /*config*/) {
 }
 
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
-  simulator::PictureControls* const controls = filter.input.picture;
-  if (!step("query amplifier") || controls == nullptr) return nullptr;
-  return opened(world().open.videoProcAmps, VideoProcAmp{*controls, filter.connection});
+  if (!step("query amplifier") || filter.picture == nullptr) return nullptr;
+  return world().keep(VideoProcAmp{*filter.picture, filter.connection});
 }
 
 void system::setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {
-  const auto* const control = simulator::pictureControl(numberOf(property));
-  const bool reached =
-      step("set ", property, " to " + std::to_string(value) + " manually") && isThere(amplifier);
-  if (reached && control != nullptr) amplifier.controls.set(*control, {value, false});
+  const auto* const control =
+      ask(amplifier, "set ", property, " to " + std::to_string(value) + " manually");
+  if (control != nullptr) amplifier.controls.set(*control, {value, false});
 }
 
 std::optional<std::int32_t> system::getProperty(VideoProcAmp& amplifier, PictureProperty property) {
-  const auto* const control = simulator::pictureControl(numberOf(property));
-  if (!step("get ", property) || !isThere(amplifier) || control == nullptr) return std::nullopt;
+  const auto* const control = ask(amplifier, "get ", property);
+  if (control == nullptr) return std::nullopt;
   return amplifier.controls.get(*control).value;
 }
 
 std::optional<PropertyRange> system::getPropertyRange(VideoProcAmp& amplifier,
                                                       PictureProperty property) {
-  const auto* const control = simulator::pictureControl(numberOf(property));
-  const bool answers = step("range of ", property) && isThere(amplifier);
-  if (!answers || control == nullptr) return std::nullopt;
+  const auto* const control = ask(amplifier, "range of ", property);
+  if (control == nullptr) return std::nullopt;
   return PropertyRange{control->least, control->most, control->step, control->standard};
 }
 

@@ -21,21 +21,13 @@ struct MutexState {
 
 class SimulatedMutex final : public NamedMutex {
  public:
-  explicit SimulatedMutex(std::shared_ptr<MutexState> state) : state_(std::move(state)) {
-    const std::lock_guard<std::mutex> lock(world().guard);
-    ++world().open.mutexHandles;
-  }
-  ~SimulatedMutex() override {
-    const std::lock_guard<std::mutex> lock(world().guard);
-    --world().open.mutexHandles;
-  }
+  explicit SimulatedMutex(std::shared_ptr<MutexState> state) : state_(std::move(state)) {}
 
   bool acquire(std::uint32_t limit_ms) override {
     const auto self = std::this_thread::get_id();
     return world().grants() && world().clock.waitFor(limit_ms, [this, self] {
       if (state_->owner == std::thread::id()) state_->owner = self;
-      if (state_->owner != self) return false;
-      return true;
+      return state_->owner == self;
     }) && ++state_->depth > 0;
   }
 
@@ -47,6 +39,7 @@ class SimulatedMutex final : public NamedMutex {
 
  private:
   std::shared_ptr<MutexState> state_;
+  simulator::OpenObject open_{&simulator::OpenCounts::mutexHandles};
 };
 
 std::optional<std::uint32_t> runInline(const std::function<std::uint32_t()>& task,

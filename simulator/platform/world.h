@@ -31,6 +31,32 @@ class World : public Furniture, public OpenedObjects, public Operations, public 
 // The one machine of this process.
 World& world();
 
+// One of the objects that the machine counts as open, for as long as it lives.
+class OpenObject {
+ public:
+  explicit OpenObject(OpenCounter counter) : counter_(counter) { count(1); }
+  ~OpenObject() { count(-1); }
+  OpenObject(const OpenObject&) = delete;
+  OpenObject& operator=(const OpenObject&) = delete;
+
+ private:
+  void count(int change) const {
+    const std::lock_guard<std::mutex> lock(world().guard);
+    world().open.*counter_ += change;
+  }
+
+  OpenCounter counter_;
+};
+
+// What was opened on a camera, and stays dead when that was unplugged.
+class CameraConnection {
+ public:
+  bool isThere() const { return number_ == world().connection(); }
+
+ private:
+  unsigned number_ = world().connection();
+};
+
 // Lets late workers finish and makes a new, empty machine; the old one is gone.
 void resetWorld();
 

@@ -3,24 +3,14 @@
 #include <algorithm>
 #include <numeric>
 #include <thread>
+#include <utility>
 
 #include "simulator/scene/still.h"
 
 namespace qvx::simulator {
 
-CameraDevice::CameraDevice(const CameraSpec& spec)
-    : BridgeDevice(spec.productId, spec.setup),
-      extensionUnit(chip, spec.unit == Unit::variant1 ? ExtensionUnit::Variant::variant1
-                                                      : ExtensionUnit::Variant::usual),
-      hid(chip, spec.reports),
-      usb3(camera),
-      wifi(camera, stillOf) {
-  if (spec.zoom) camera.setZoom(*spec.zoom);
-  setButtonPeriod(spec.buttonPeriod_ms);
-}
-
 PluggedCamera::PluggedCamera(const CameraSpec& spec, std::string id)
-    : spec_(spec), id_(std::move(id)), device_(spec) {
+    : spec_(spec), id_(std::move(id)), device_(spec, stillOf) {
   faults_.set(spec.fault);
 }
 
@@ -75,7 +65,8 @@ Reply PluggedCamera::suffer(const Fault& fault, const Transfer& transfer) {
     reply = transfer(device_);
     spoil(fault, reply);
   }
-  accesses_.push_back({++accessCount_, now_ms(), reply.text, device_.camera.violations().take()});
+  accesses_.push_back(
+      {++accessCount_, now_ms(), reply.text, std::exchange(device_.camera.violations(), {})});
   if (accesses_.size() > accessesKept) accesses_.pop_front();
   onAccess(accesses_.back());
   return reply;

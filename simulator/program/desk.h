@@ -13,24 +13,9 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/model/bridge_chip_device.h"
-#include "simulator/model/bridge_chip_extension_unit.h"
-#include "simulator/model/bridge_chip_hid.h"
-#include "simulator/model/camera_spec.h"
-#include "simulator/model/usb3_function.h"
-#include "simulator/model/wifi_server.h"
+#include "simulator/model/camera_device.h"
 
 namespace qvx::simulator {
-
-// A camera with every decoder that a transport may need.
-struct CameraDevice : BridgeDevice {
-  explicit CameraDevice(const CameraSpec& spec);
-
-  ExtensionUnit extensionUnit;
-  HidFunction hid;
-  Usb3Function usb3;
-  WifiServer wifi;
-};
 
 // What a client did to a camera, as a person reads it.
 struct Access {

@@ -11,7 +11,7 @@ namespace qvx::simulator {
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using ByteVector = std::vector<std::uint8_t>;
 
 struct Request {
   RequestHead head;
@@ -27,7 +27,7 @@ Value as(std::span<const std::uint8_t> bytes) {
 }
 
 template <class Value>
-bool give(const Value& value, Bytes& reply) {
+bool give(const Value& value, ByteVector& reply) {
   reply.resize(sizeof value);
   std::memcpy(reply.data(), &value, sizeof value);
   return true;
@@ -35,7 +35,7 @@ bool give(const Value& value, Bytes& reply) {
 
 // What is asked for carries its answer into the reply, which has the size that is wanted. False for
 // a refusal.
-bool control(CameraDevice& device, const Request& request, Bytes& reply) {
+bool control(CameraDevice& device, const Request& request, ByteVector& reply) {
   constexpr std::uint8_t toHost = 0x80;
   const auto setup = as<UsbSetup>(request.head.key);
   const bool reads = (setup.requestType & toHost) != 0;
@@ -45,20 +45,20 @@ bool control(CameraDevice& device, const Request& request, Bytes& reply) {
   return moved.has_value();
 }
 
-bool setProperty(CameraDevice& device, const Request& request, Bytes& /*reply*/) {
+bool setProperty(CameraDevice& device, const Request& request, ByteVector& /*reply*/) {
   return device.extensionUnit.set(as<PropertySetId>(request.head.key), request.head.number,
                                   request.bytes);
 }
 
-bool getProperty(CameraDevice& device, const Request& request, Bytes& reply) {
+bool getProperty(CameraDevice& device, const Request& request, ByteVector& reply) {
   return device.extensionUnit.get(as<PropertySetId>(request.head.key), request.head.number, reply);
 }
 
-bool setFeature(CameraDevice& device, const Request& request, Bytes& /*reply*/) {
+bool setFeature(CameraDevice& device, const Request& request, ByteVector& /*reply*/) {
   return device.hid.setFeature(request.bytes);
 }
 
-bool getFeature(CameraDevice& device, const Request& request, Bytes& reply) {
+bool getFeature(CameraDevice& device, const Request& request, ByteVector& reply) {
   if (!reply.empty()) reply[0] = static_cast<std::uint8_t>(request.head.number);
   return device.hid.getFeature(reply);
 }
@@ -67,7 +67,7 @@ const PictureControl* controlOf(const Request& request) {
   return pictureControl(static_cast<std::int32_t>(request.head.number));
 }
 
-bool setPicture(CameraDevice& device, const Request& request, Bytes& /*reply*/) {
+bool setPicture(CameraDevice& device, const Request& request, ByteVector& /*reply*/) {
   const PictureControl* const control = controlOf(request);
   if (control == nullptr || request.bytes.size() != sizeof(PictureValue)) return false;
   const auto [value, automatic] = as<PictureValue>(request.bytes);
@@ -75,14 +75,14 @@ bool setPicture(CameraDevice& device, const Request& request, Bytes& /*reply*/) 
          device.camera.picture().set(*control, {value, automatic != 0});
 }
 
-bool getPicture(CameraDevice& device, const Request& request, Bytes& reply) {
+bool getPicture(CameraDevice& device, const Request& request, ByteVector& reply) {
   const PictureControl* const control = controlOf(request);
   if (control == nullptr) return false;
   const auto [value, automatic] = device.camera.picture().get(*control);
   return give(PictureValue{value, automatic}, reply);
 }
 
-bool pictureRange(CameraDevice& /*device*/, const Request& request, Bytes& reply) {
+bool pictureRange(CameraDevice& /*device*/, const Request& request, ByteVector& reply) {
   const PictureControl* const control = controlOf(request);
   return control != nullptr && give(*control, reply);
 }
@@ -91,7 +91,7 @@ bool pictureRange(CameraDevice& /*device*/, const Request& request, Bytes& reply
 constexpr struct {
   RequestKind kind;
   const char* name;
-  bool (*carry)(CameraDevice&, const Request&, Bytes&);
+  bool (*carry)(CameraDevice&, const Request&, ByteVector&);
 } transfers[] = {
     {RequestKind::control, "control", control},
     {RequestKind::setProperty, "set", setProperty},
@@ -137,7 +137,7 @@ template <class Transfer>
 Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& request) {
   std::string happened;
   device.camera.tap().tell = [&happened](const std::string& line) { happened += "  " + line; };
-  Bytes bytes(request.head.wanted);
+  ByteVector bytes(request.head.wanted);
   Reply reply;
   reply.done = transfer.carry(device, request, bytes);
   device.camera.tap().tell = nullptr;

@@ -124,7 +124,7 @@ int qvx::simulator::simulate(std::span<const std::string> arguments) {
   const std::string wrong = optionsFrom(arguments, options);
   if (!wrong.empty()) return fail(wrong, wrongOption);
   if (options.help) {
-    std::printf("%s%s", helpText, cameraSpecHelp);
+    std::printf("%s%s", helpText, cameraSpecHelp().c_str());
     return ended;
   }
   claimInterrupts();

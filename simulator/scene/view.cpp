@@ -4,8 +4,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "simulator/model/exposure.h"
-
 namespace qvx::simulator {
 
 namespace {

@@ -26,17 +26,17 @@ inline std::string printedBy(const std::function<void()>& call) {
 
 // A device behind an extension unit that may refuse some selectors and answers with these bytes,
 // one answer after the other; the last one stays.
-class ScriptedNode final : public simulator::PropertyNode {
+class ScriptedNode final : public simulator::CameraPort {
  public:
   std::deque<std::vector<std::uint8_t>> replies;
   std::vector<std::uint32_t> refused;
 
   bool supports(const simulator::PropertySetId&) override { return true; }
-  bool set(const simulator::PropertySetId&, std::uint32_t selector,
-           std::span<const std::uint8_t>) override {
+  bool setProperty(const simulator::PropertySetId&, std::uint32_t selector,
+                   simulator::Bytes) override {
     return std::find(refused.begin(), refused.end(), selector) == refused.end();
   }
-  bool get(const simulator::PropertySetId&, std::uint32_t, std::span<std::uint8_t> data) override {
+  bool getProperty(const simulator::PropertySetId&, std::uint32_t, simulator::Room data) override {
     if (replies.empty()) return false;
     std::fill(data.begin(), data.end(), std::uint8_t{0xEE});
     std::copy_n(replies.front().begin(), std::min(replies.front().size(), data.size()),
@@ -70,7 +70,7 @@ class CameraTest : public LibraryTest {
   }
   void plugUsb3(int pid) {
     make(pid, {});
-    plugUsb3(pid, usb3Front(camera()));
+    plugUsb3(pid, bridge->port());
   }
   void plugWifi(int pid) {
     make(pid, {});
@@ -87,7 +87,7 @@ class CameraTest : public LibraryTest {
     }
     openBridges();
   }
-  void plugUsb3(int pid, const std::shared_ptr<simulator::ControlEndpoint>& endpoint) {
+  void plugUsb3(int pid, const std::shared_ptr<simulator::CameraPort>& endpoint) {
     machine().usbDevices = {{cameraVendorId, pid, "A", "", "", {}, true, endpoint}};
     name(0, pid);
     nPid = pid;

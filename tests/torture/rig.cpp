@@ -120,26 +120,24 @@ void Rig::change(const Path& path) {
   machine().usbDevices.clear();
   machine().videoInputs.clear();
   machine().hidInterfaces->clear();
-  wired_.reset();
-  plain_.reset();
+  camera_.reset();
   plug();
   machine().plugIn();
 }
 
 void Rig::plug() {
+  camera_ = std::make_unique<simulator::VirtualBridge>(path_->pid, path_->bridge);
   if (path_->overBridge()) {
-    wired_ = std::make_unique<simulator::VirtualBridge>(path_->pid, path_->bridge);
-    simulator::VideoInput input = bridgeInput(*wired_);
+    simulator::VideoInput input = bridgeInput(*camera_);
     if (path_->kind == Path::hid) {
       input.nodes.clear();
-      machine().hidInterfaces->push_back(bridgeHidInterface(*wired_));
+      machine().hidInterfaces->push_back(bridgeHidInterface(*camera_));
     }
     machine().videoInputs = {input};
     return;
   }
-  plain_ = std::make_unique<simulator::Camera>(path_->pid);
   if (path_->kind == Path::wifi) {
-    machine().wifi = wifiFront(*plain_);
+    machine().wifi = wifiFront(camera_->camera);
     return;
   }
   machine().usbDevices = {{.vendorId = 0x3C7E,
@@ -148,11 +146,11 @@ void Rig::plug() {
                            .description = "Microscope",
                            .maker = "Maker",
                            .pipes = {{0x81, 2, 0, 1024}},
-                           .endpoint = usb3Front(*plain_)}};
+                           .endpoint = camera_->port()}};
   machine().videoInputs = {{.path = simulator::videoInputPath(path_->pid, "1"),
                             .name = L"Microscope 1",
                             .nodes = {},
-                            .picture = &plain_->picture()}};
+                            .picture = &camera_->camera.picture()}};
 }
 
 void Rig::choose() {
@@ -179,15 +177,11 @@ std::string Rig::call(const ExportedCall& exported) {
 }
 
 void Rig::setZoom(const simulator::ZoomMotion& motion) {
-  camera().setZoom(motion);
+  camera_->camera.setZoom(motion);
 }
 
 void Rig::pressButton(bool pressed) {
-  if (wired_) {
-    pressed ? wired_->chip.pressButton() : wired_->chip.releaseButton();
-  } else {
-    pressed ? camera().gpio().pressButton() : camera().gpio().releaseButton();
-  }
+  camera_->touchButton(pressed);
 }
 
 }  // namespace qvx::tests

@@ -49,11 +49,8 @@ class Rig {
 
  private:
   void plug();
-  simulator::Camera& camera() { return wired_ ? wired_->camera : *plain_; }
-
   const Path* path_;
-  std::unique_ptr<simulator::Camera> plain_;         // Wi-Fi and USB 3
-  std::unique_ptr<simulator::VirtualBridge> wired_;  // behind a bridge
+  std::unique_ptr<simulator::VirtualBridge> camera_;
 };
 
 // The exports, and a tick of the timers.

@@ -176,7 +176,7 @@ TEST_F(Video, FollowsLightZoomAndFocus) {
   const auto focus = [](int offset) {
     return [offset](Camera& camera) {
       const auto position = static_cast<std::uint8_t>(camera.controller().at(0x50) + offset);
-      camera.deviceAt(0x46)->write({}, {&position, 1});
+      camera.placeAt(0x46)->device->write({}, {&position, 1});
     };
   };
   const Frame sharp = after(focus(12)), blurred = after(focus(60));

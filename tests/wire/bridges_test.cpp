@@ -178,7 +178,7 @@ TEST_F(ExtensionUnitWire, CustomCommandsGoToTheCommandSet) {
 }
 
 TEST_F(ExtensionUnitWire, FindsTheBridgesAmongAllInputs) {
-  VirtualBridge good(0x970), silent(0x971, {}, simulator::ExtensionUnit::Variant::variant1);
+  VirtualBridge good(0x970), silent(0x971, {}, simulator::Unit::variant1);
   auto foreign = bridgeInput(good);
   foreign.nodes = {nullptr, nullptr};
   machine().videoInputs = {
@@ -255,12 +255,12 @@ TEST_F(HidWire, CustomCommandsCarryNoCode) {
 }
 
 // A device that takes every report and answers these bytes.
-class ScriptedDevice final : public simulator::FeatureDevice {
+class ScriptedDevice final : public simulator::CameraPort {
  public:
   std::array<std::uint8_t, 41> reply{};
 
-  bool set(std::span<const std::uint8_t>) override { return true; }
-  bool get(std::span<std::uint8_t> report) override {
+  bool setFeature(simulator::Bytes) override { return true; }
+  bool getFeature(simulator::Room report) override {
     std::copy(reply.begin(), reply.end(), report.begin());
     return true;
   }

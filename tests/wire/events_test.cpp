@@ -93,26 +93,26 @@ TEST_F(BridgeButton, FiresWhenTheBitComesOn) {
     m_MT = 0;
     tick();
     EXPECT_EQ(traffic().substr(0, 7), pid == 0x9E1 ? "r0608.1" : "r0085.1");
-    bridge->chip.pressButton();
+    bridge->chip.touch(true);
     EXPECT_EQ(firedIn(3), 1) << std::hex << pid;
-    bridge->chip.releaseButton();
+    bridge->chip.touch(false);
     EXPECT_EQ(firedIn(), 0);
   }
   plug(0x870);
   m_MT = 0;
-  bridge->chip.pressButton();
+  bridge->chip.touch(true);
   EXPECT_EQ(firedIn(), 0) << "pressed since before the first look";
 }
 
 TEST_F(BridgeButton, SevenThousandsAreAskedByCommand) {
   plug(0x970);
-  bridge->chip.pressButton();
+  bridge->chip.touch(true);
   EXPECT_EQ(firedIn(), 1);
   EXPECT_TRUE(traffic().starts_with("r0085.1 cmdF0:F5 cmdF0:F50001"))
       << "acknowledged as it was read";
   EXPECT_EQ(firedIn(), 0) << "the acknowledged press is over";
-  bridge->chip.releaseButton();
-  bridge->chip.pressButton();
+  bridge->chip.touch(false);
+  bridge->chip.touch(true);
   EXPECT_EQ(firedIn(), 1);
   plugScripted({{0xF4, 0, 1}});
   EXPECT_EQ(firedIn(), 1) << "also of firmware that answers otherwise";
@@ -122,7 +122,7 @@ TEST_F(BridgeButton, SevenThousandsAreAskedByCommand) {
 TEST_F(BridgeButton, ASilentCameraFiresNothing) {
   plug(0x870);
   tick();
-  bridge->chip.pressButton();
+  bridge->chip.touch(true);
   machine().set({simulator::Fault::fails});
   EXPECT_EQ(firedIn(3), 0);
   VideoDeviceIndex = 5;
@@ -130,12 +130,12 @@ TEST_F(BridgeButton, ASilentCameraFiresNothing) {
 }
 
 // A camera that answers one sample after the other.
-class Sampled final : public simulator::ControlEndpoint {
+class Sampled final : public simulator::CameraPort {
  public:
   std::vector<int> samples;  // below 0: no answer
 
   std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
-                                      std::span<std::uint8_t> buffer) override {
+                                      simulator::Room buffer) override {
     if (setup.value != 0x0201 || setup.request != 0x81) return buffer.size();
     const int sample = samples.empty() ? -1 : samples.front();
     if (!samples.empty()) samples.erase(samples.begin());

@@ -153,8 +153,7 @@ TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
   VideoDeviceIndex = 1;
   SetAXILevel(0, 0);
   EXPECT_EQ(traffic(), "F2 1 F3 1 p p 3=7 p");
-  EXPECT_TRUE(current.chip.commands().segmentMode())
-      << "and by command that of the device addressed";
+  EXPECT_TRUE(current.chip.segmentMode()) << "and by command that of the device addressed";
 }
 
 TEST_F(Lighting, QuadrantsOnRingsThatHaveThem) {

@@ -122,14 +122,15 @@ class Sweep : public CameraTest {
 
   void program(int pid, const Registers& registers) {
     for (const auto& [reg, value] : registers) {
-      usb3.controller().set(static_cast<std::uint8_t>(reg), static_cast<std::uint8_t>(value));
+      usb3.camera.controller().set(static_cast<std::uint8_t>(reg),
+                                   static_cast<std::uint8_t>(value));
       if (bridge != nullptr) set(reg, value);
     }
     wifi.values = registers;
     name(0, pid);
     nCurrPid = pid;
-    ul80 = usb3.controller().at(0x80);  // what an earlier call may have left
-    ul84 = usb3.controller().at(0x84);
+    ul80 = usb3.camera.controller().at(0x80);  // what an earlier call may have left
+    ul84 = usb3.camera.controller().at(0x84);
     SEGCount.fill(0);
   }
 
@@ -180,13 +181,13 @@ class Sweep : public CameraTest {
   }
 
   WifiRegisters wifi;
-  simulator::Camera usb3{0x9B0};
+  simulator::VirtualBridge usb3{0x9B0};
   std::function<void()> prepare;
   std::uint32_t digest = 0;
 };
 
 TEST_F(Sweep, LedsOfUsbCameras) {
-  plugUsb3(0x9B0, usb3Front(usb3));
+  plugUsb3(0x9B0, usb3.port());
   std::vector<Registers> combinations;
   for (const int features : {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0A, 0x0B, 0x10, 0xFF}) {
     for (const int kind : {0, 4}) {

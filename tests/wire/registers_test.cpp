@@ -15,8 +15,7 @@ using simulator::UsbDevice;
 class Usb3 : public CameraTest {
  protected:
   UsbDevice device(int pid, const std::string& instance) {
-    return {cameraVendorId, pid, instance, "Camera " + instance,
-            "Maker",        {},  true,     simulator::usb3Front(plain)};
+    return {cameraVendorId, pid, instance, "Camera " + instance, "Maker", {}, true, plain.port()};
   }
 
   // What it prints.
@@ -24,7 +23,7 @@ class Usb3 : public CameraTest {
     return printedBy([=] { EXPECT_EQ(U3Open(), result); });
   }
 
-  simulator::Camera plain{0x9B0};
+  simulator::VirtualBridge plain{0x9B0};
 };
 
 TEST_F(Usb3, OpensListsPipesOnceAndAsksForTheDescriptor) {

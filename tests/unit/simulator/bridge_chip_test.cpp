@@ -5,9 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "simulator/model/bridge_chip_device.h"
-#include "simulator/model/bridge_chip_extension_unit.h"
-#include "simulator/model/bridge_chip_hid.h"
+#include "simulator/model/camera_device.h"
 
 namespace qvx::simulator {
 namespace {
@@ -65,38 +63,37 @@ const struct Misuse {
       {"does not repeat",
        {{Step::set, 0x97, 40, {0x1E, 0xF2, 1}}, {Step::set, 0x93, 40, {0x1E, 0xF3, 1}}}}};
 
-// `take` makes the interface take one step, given the bytes of its start filled up with 0.
-template <class Interface, class Take>
+// `take` makes the camera take one step, given the bytes of its start filled up with 0.
+template <class Take>
 void expectOneComplaintEach(std::span<const Misuse> misuses, Take take) {
   for (const Misuse& misuse : misuses) {
-    BridgeDevice device(0x970, {});
-    Interface interface(device.chip);
+    CameraDevice device({.productId = 0x970});
     for (const Step& step : misuse.steps) {
       Bytes bytes = step.start;
       bytes.resize(step.size);
-      take(interface, step, bytes);
+      take(device, step, bytes);
     }
     const Violations& violations = device.camera.violations();
-    ASSERT_EQ(violations.count(), 1u) << misuse.complaint;
-    EXPECT_NE(violations[0].find(misuse.complaint), std::string_view::npos)
+    ASSERT_EQ(violations.size(), 1u) << misuse.complaint;
+    EXPECT_NE(violations[0].find(misuse.complaint), std::string::npos)
         << violations[0] << " is not " << misuse.complaint;
   }
 }
 
 TEST(BridgeChip, ComplainsOfMisuseOfItsExtensionUnit) {
-  expectOneComplaintEach<ExtensionUnit>(
-      ofTheExtensionUnit, [](ExtensionUnit& unit, const Step& step, Bytes& bytes) {
+  expectOneComplaintEach(
+      ofTheExtensionUnit, [](CameraDevice& device, const Step& step, Bytes& bytes) {
         const auto& set = step.kind == Step::command ? bridgeCommandSet : bridgeRegisterSet;
-        step.kind == Step::get ? unit.get(set, step.selector, bytes)
-                               : unit.set(set, step.selector, bytes);
+        step.kind == Step::get ? device.extensionUnit.get(set, step.selector, bytes)
+                               : device.extensionUnit.set(set, step.selector, bytes);
       });
 }
 
 TEST(BridgeChip, ComplainsOfMisuseOfItsHidInterface) {
-  expectOneComplaintEach<HidFunction>(
-      ofTheHidInterface, [](HidFunction& hid, const Step& step, Bytes& report) {
+  expectOneComplaintEach(
+      ofTheHidInterface, [](CameraDevice& device, const Step& step, Bytes& report) {
         report.insert(report.begin(), static_cast<std::uint8_t>(step.selector));
-        step.kind == Step::get ? hid.getFeature(report) : hid.setFeature(report);
+        step.kind == Step::get ? device.hid.getFeature(report) : device.hid.setFeature(report);
       });
 }
 

@@ -64,12 +64,12 @@ TEST(Gpio, ButtonReadsAsTheFamilySays) {
     Violations violations;
     Gpio gpio(expected.productId, violations);
     for (const char step : std::string(expected.steps)) {
-      if (step == 'p') gpio.pressButton();
-      if (step == 'r') gpio.releaseButton();
+      if (step == 'p') gpio.touch(true);
+      if (step == 'r') gpio.touch(false);
       if (step == 'a') gpio.write(buttonPort, 0x10, 0);
     }
     EXPECT_EQ(gpio.read(buttonPort), expected.levels) << std::hex << expected.productId;
-    EXPECT_EQ(violations.count(), 0U);
+    EXPECT_EQ(violations, Violations{});
   }
 }
 

@@ -13,7 +13,6 @@
 // After what it needs.
 #include <jpeglib.h>
 
-#include "simulator/model/exposure.h"
 #include "simulator/scene/view.h"
 
 namespace qvx::simulator {
@@ -86,7 +85,7 @@ void set(Camera& camera, int value) {
 
 void focus(Camera& camera, int offset) {
   const auto position = static_cast<std::uint8_t>(camera.controller().at(0x50) + offset);
-  camera.deviceAt(lensControllerAddress)->write({}, {&position, 1});
+  camera.placeAt(lensControllerAddress)->device->write({}, {&position, 1});
 }
 
 // What is measured grows from each value to the next.

@@ -1,18 +1,18 @@
-// Text that the models make and take apart.
+// The bytes that cameras send and take, and how they are written for a person.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace qvx::simulator {
 
-// Takes the expected start off a text; false, and nothing taken, when it starts otherwise.
-inline bool take(std::string_view& text, std::string_view expected) {
-  if (!text.starts_with(expected)) return false;
-  text.remove_prefix(expected.size());
-  return true;
+using Bytes = std::span<const std::uint8_t>;
+using Room = std::span<std::uint8_t>;  // where an answer goes
+
+inline bool allZero(Bytes bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
 // "0x" and at least so many upper-case digits.
@@ -26,7 +26,7 @@ inline std::string hex(std::uint32_t value, int digits) {
 }
 
 // "62 80"
-inline std::string hex(std::span<const std::uint8_t> bytes) {
+inline std::string hex(Bytes bytes) {
   std::string text;
   for (const std::uint8_t byte : bytes) {
     if (!text.empty()) text += ' ';

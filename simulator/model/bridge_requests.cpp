@@ -1,0 +1,155 @@
+#include "simulator/model/bridge_requests.h"
+
+namespace qvx::simulator {
+
+namespace {
+
+constexpr std::string_view wrongLength = "wrong length of", notZero = "unused bytes not 0 in";
+
+// Two bytes, the low one first.
+std::uint16_t wideAddress(Bytes bytes) {
+  return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
+}
+
+// The parameters of a register access behind its address: n, and for a write n bytes; the rest is
+// 0.
+BridgeOutcome readRegister(BridgeChip& chip, std::uint16_t address, Bytes parameters) {
+  constexpr std::size_t most = 4;
+  const std::size_t count = parameters[0];
+  if (count < 1 || count > most) return {wrongLength};
+  if (!allZero(parameters.subspan(1))) return {notZero};
+  BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(count)};
+  chip.readRegister(address, outcome.answer);
+  return outcome;
+}
+
+BridgeOutcome writeRegister(BridgeChip& chip, std::uint16_t address, Bytes parameters) {
+  constexpr std::size_t most = 4;
+  const std::size_t count = parameters[0];
+  const Bytes value = parameters.subspan(1);
+  if (count < 1 || count > std::min(most, value.size())) return {wrongLength};
+  if (!allZero(value.subspan(count))) return {notZero};
+  chip.writeRegister(address, value.first(count));
+  return {.padding = value.size() - count};
+}
+
+BridgeOutcome readRegister8(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  return readRegister(chip, body[0], body.subspan(1));
+}
+BridgeOutcome readRegister16(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  return readRegister(chip, wideAddress(body), body.subspan(2));
+}
+BridgeOutcome writeRegister8(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  return writeRegister(chip, body[0], body.subspan(1));
+}
+BridgeOutcome writeRegister16(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  return writeRegister(chip, wideAddress(body), body.subspan(2));
+}
+
+// Slave, n, 1.
+BridgeOutcome readI2c(BridgeChip& chip, Bytes body, std::size_t most) {
+  const std::size_t count = body[1];
+  if (count < 1 || count > most || body[2] != 1) return {wrongLength};
+  BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(count)};
+  chip.readI2cLegacy(body[0], outcome.answer);
+  return outcome;
+}
+
+// Slave, n, speed bit, n bytes; the rest is 0.
+BridgeOutcome writeI2c(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  const std::size_t count = body[1];
+  const Bytes bytes = body.subspan(3);
+  if (count > bytes.size() || body[2] > 1) return {wrongLength};
+  if (!allZero(bytes.subspan(count))) return {notZero};
+  chip.writeI2cLegacy(body[0], bytes.first(count));
+  return {.padding = bytes.size() - count};
+}
+
+// 0, slave, speed bit, n, n sub-address bytes, d, and for a write d data bytes; the rest is 0.
+struct I2cOneShot {
+  bool wellFormed = false;
+  std::size_t count = 0;
+  Bytes subAddress, data;
+
+  I2cOneShot(Bytes bytes, bool isWrite) {
+    constexpr std::size_t head = 4;
+    const std::size_t countAt = head + bytes[3];
+    if (bytes[0] != 0 || bytes[2] > 1 || countAt >= bytes.size()) return;
+    subAddress = bytes.subspan(head, bytes[3]);
+    count = bytes[countAt];
+    const Bytes rest = bytes.subspan(countAt + 1);
+    const std::size_t dataSize = isWrite ? count : 0;
+    if (dataSize > rest.size()) return;
+    data = rest.first(dataSize);
+    wellFormed = allZero(rest.subspan(dataSize));
+  }
+};
+
+// A slave that does not answer shows as a count of 0.
+BridgeOutcome readI2cOneShot(BridgeChip& chip, Bytes body, std::size_t most) {
+  const I2cOneShot request(body, false);
+  if (!request.wellFormed) return {wrongLength};
+  const std::size_t count = std::min(request.count, most - 1);
+  BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(1 + count)};
+  const Room data = Room(outcome.answer).subspan(1);
+  const bool done = chip.readI2c(body[1], request.subAddress, data);
+  outcome.answer[0] = static_cast<std::uint8_t>(done ? count : 0);
+  return outcome;
+}
+
+BridgeOutcome writeI2cOneShot(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  const I2cOneShot request(body, true);
+  if (!request.wellFormed) return {wrongLength};
+  chip.writeI2c(body[1], request.subAddress, request.data);
+  return {};
+}
+
+BridgeOutcome readCommand(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  if (!allZero(body.subspan(bridgeCommandSize))) return {notZero};
+  BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(bridgeCommandSize)};
+  chip.readCommand(body, outcome.answer);
+  return outcome;
+}
+
+BridgeOutcome writeCommand(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  if (!allZero(body.subspan(bridgeCommandSize))) return {notZero};
+  chip.writeCommand(body);
+  return {};
+}
+
+constexpr auto narrow = BridgeFirmware::narrow, wide = BridgeFirmware::wide,
+               oneShot = BridgeFirmware::oneShot;
+constexpr std::nullopt_t none = std::nullopt;
+
+constexpr BridgeRequest requests[] = {
+    {narrow, true, 2, 2, 2, 0x00, readRegister8},
+    {narrow, false, 3, 3, 6, 0x01, writeRegister8},
+    {narrow, true, 4, 3, 3, 0x02, readI2c},
+    {narrow, false, 5, 3, 131, 0x03, writeI2c},
+    {wide, true, 10, 3, 3, 0x08, readRegister16},
+    {wide, false, 11, 4, 7, 0x09, writeRegister16},
+    {oneShot, true, 20, 32, 32, 0x0C, readI2cOneShot},
+    {oneShot, false, 21, 32, 32, 0x0D, writeI2cOneShot},
+    {oneShot, true, 26, 32, 32, none, readRegister16},
+    {oneShot, false, 27, 32, 32, none, writeRegister16},
+    {oneShot, true, 0, 0, 0, 0x1D, readCommand},
+    {oneShot, false, 0, 0, 0, 0x1E, writeCommand},
+};
+
+}  // namespace
+
+const BridgeRequest* requestBySelector(std::uint32_t selector) {
+  const auto* const found = std::find_if(
+      std::begin(requests), std::end(requests),
+      [selector](const BridgeRequest& r) { return r.selector != 0 && r.selector == selector; });
+  return found == std::end(requests) ? nullptr : found;
+}
+
+const BridgeRequest* requestByReportCode(std::uint8_t code) {
+  const auto* const found =
+      std::find_if(std::begin(requests), std::end(requests),
+                   [code](const BridgeRequest& r) { return r.reportCode == code; });
+  return found == std::end(requests) ? nullptr : found;
+}
+
+}  // namespace qvx::simulator

@@ -1,0 +1,41 @@
+// A whole camera, with every decoder that a transport may need: what each front of it drives.
+#pragma once
+
+#include "simulator/model/camera_spec.h"
+#include "simulator/model/extension_unit.h"
+#include "simulator/model/usb3_function.h"
+#include "simulator/model/wifi_server.h"
+
+namespace qvx::simulator {
+
+class CameraDevice {
+ public:
+  explicit CameraDevice(const CameraSpec& spec, Still still = {})
+      : camera(spec.productId),
+        chip(spec.setup, camera),
+        extensionUnit(chip, spec.unit),
+        hid(chip, spec.reports),
+        usb3(camera),
+        wifi(camera, std::move(still)),
+        buttonPeriod_ms_(spec.buttonPeriod_ms) {
+    if (spec.zoom) camera.setZoom(*spec.zoom);
+  }
+
+  // Moves the clock of camera and button. Times count from power-up and never go back.
+  void advanceTo(std::uint64_t now_ms);
+
+  void touchButton(bool touched);
+
+  Camera camera;
+  BridgeChip chip;
+  ExtensionUnit extensionUnit;
+  HidFunction hid;
+  Usb3Function usb3;
+  WifiServer wifi;
+
+ private:
+  std::uint32_t buttonPeriod_ms_;  // presses it by itself, once per period; 0 for never
+  std::uint64_t presses_ = 0;
+};
+
+}  // namespace qvx::simulator
