@@ -5,8 +5,8 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr wchar_t ownKey[] = L"Software\\qvx-simulator";
-constexpr wchar_t installedValue[] = L"InstalledLibusbK";  // the stand-in is ours to take away
+constexpr wchar_t ownKey[] = L"Software\\qvx-simulator\\usb3";
+constexpr wchar_t installedValue[] = L"Installed";  // the stand-in is ours to take away
 
 // A genuine library stays, and so does a stand-in that a process still has loaded. Where one lies
 // beside the program, that is meant.
@@ -16,7 +16,8 @@ std::string install(const CameraRecords& /*cameras*/) {
   const std::wstring system(folder, GetSystemDirectoryW(folder, MAX_PATH)),
       place = system + L"\\libusbK.dll", standIn = programFolder() + L"usb3\\libusbK.dll";
   if (std::string problem = missing(standIn); !problem.empty()) return problem;
-  const bool ours = !readText(ownKey, installedValue).empty();
+  const bool ours = RegGetValueW(HKEY_LOCAL_MACHINE, ownKey, installedValue, RRF_RT_ANY, nullptr,
+                                 nullptr, nullptr) == ERROR_SUCCESS;
   const bool copied = CopyFileW(standIn.c_str(), place.c_str(), !ours) != FALSE;
   if (copied || ours) {
     return writeText(ownKey, installedValue, place) ? "" : "the registry cannot be written";
