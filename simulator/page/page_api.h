@@ -7,8 +7,8 @@
 
 namespace qvx::simulator {
 
-// Whether only the page asks for this: its home a Wi-Fi camera may share.
-bool isForPage(const httplib::Request& request);
+// What only the page asks for begins so: its home a Wi-Fi camera may share.
+constexpr std::string_view pagePrefix = "/cameras/";
 
 // Adds the page's routes to a server. The desk must outlive it.
 void addPageRoutes(httplib::Server& server, Desk& desk);

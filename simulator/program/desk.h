@@ -38,8 +38,6 @@ class PluggedCamera {
   using Transfer = std::function<Reply(CameraDevice&)>;
 
   PluggedCamera(const CameraSpec& spec, std::string id);
-  PluggedCamera(const PluggedCamera&) = delete;
-  PluggedCamera& operator=(const PluggedCamera&) = delete;
 
   const std::string& id() const { return id_; }  // for addresses: "wifi-0998", "wifi-0998-2"
   const CameraSpec& spec() const { return spec_; }

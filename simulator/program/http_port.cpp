@@ -37,10 +37,6 @@ bool HttpPort::start(const std::string& address, int port) {
   return true;
 }
 
-void HttpPort::reconsider() {
-  if (bound_ && isDeaf()) server.stop();
-}
-
 bool HttpPort::bind() {
   const bool any = port_ == 0;
   if (any) port_ = server.bind_to_any_port(address_);

@@ -23,7 +23,9 @@ class HttpPort {
   int port() const { return port_; }
 
   // To be called when `isDeaf` may have become true; any thread may.
-  void reconsider();
+  void reconsider() {
+    if (bound_ && isDeaf()) server.stop();
+  }
 
   // To be set up before the start.
   httplib::Server server;

@@ -18,12 +18,8 @@ int fail(const std::string& problem, ExitStatus status) {
   return status;
 }
 
-std::string urlOf(const std::string& address, int port) {
-  return "http://" + address + ":" + std::to_string(port) + "/";
-}
-
-std::string taken(const std::string& address, int port) {
-  return "cannot listen on " + address + ":" + std::to_string(port);
+std::string place(const std::string& address, int port) {
+  return address + ":" + std::to_string(port);
 }
 
 void print(const std::string& line) {
@@ -42,79 +38,62 @@ void logAccess(const PluggedCamera& camera, const Access& access, bool whole) {
   }
 }
 
-class Run {
- public:
-  explicit Run(const Options& options) : options_(options) {
-    for (const CameraSpec& spec : options.cameras) {
-      PluggedCamera& camera = desk_.plugIn(spec);
-      camera.onAccess = [&camera, log = options.log](const Access& access) {
-        logAccess(camera, access, log);
-      };
-    }
-  }
+// What a program prints is its own.
+void tell(const Options& options, const std::string& line) {
+  if (options.program.empty()) print(line);
+}
 
-  // What cannot be had; nothing when all is there.
-  std::string start() {
-    for (const auto& camera : desk_.cameras()) {
-      std::string line = camera->id() + "  " + camera->spec().name;
-      if (camera->spec().transport == Transport::wifi) {
-        HttpPort& port = ports_.emplace_back();
-        serveWifiCamera(port, *camera, desk_);
-        if (!port.start(options_.address, camera->spec().port)) {
-          return taken(options_.address, camera->spec().port);
-        }
-        line += "  " + urlOf(options_.address, port.port());
+// Each returns what cannot be had; nothing when all is there.
+std::string startWifi(const Options& options, Desk& desk, std::deque<HttpPort>& ports) {
+  for (const auto& camera : desk.cameras()) {
+    std::string line = camera->id() + "  " + camera->spec().name;
+    if (camera->spec().transport == Transport::wifi) {
+      HttpPort& port = ports.emplace_back();
+      serveWifiCamera(port, *camera, desk);
+      if (!port.start(options.address, camera->spec().port)) {
+        return "cannot listen on " + place(options.address, camera->spec().port);
       }
-      tell(line);
+      line += "  http://" + place(options.address, port.port()) + "/";
     }
-    std::string problem;
-    plugs_ = plugIn(desk_, problem);
-    return problem.empty() && !options_.noPage ? startPage() : problem;
+    tell(options, line);
   }
+  return {};
+}
 
-  int go() {
-    tell("ready");
-    if (options_.program.empty()) {
-      awaitInterrupt();
-      return ended;
-    }
-    const auto status = runProgram(options_.program);
-    return status ? *status : fail("the program does not start", programNotStarted);
+// Several runs stand beside each other: the usual port may be another's.
+std::string startPage(const Options& options, Desk& desk, HttpPort& page) {
+  const std::string& address = options.pageAddress;
+  addPageRoutes(page.server, desk);
+  if (!page.start(address, options.pagePort) && (options.pageIsAsked || !page.start(address, 0))) {
+    return "cannot listen on " + place(address, options.pagePort);
   }
+  tell(options, "page  http://" + place(address, page.port()) + "/");
+  return {};
+}
 
-  ~Run() { desk_.close(); }
-
- private:
-  // What a program prints is its own.
-  void tell(const std::string& line) const {
-    if (options_.program.empty()) print(line);
+int runUntilEnd(const Options& options) {
+  tell(options, "ready");
+  if (options.program.empty()) {
+    awaitInterrupt();
+    return ended;
   }
-
-  // Several runs stand beside each other: the usual port may be another's.
-  std::string startPage() {
-    const std::string& address = options_.pageAddress;
-    addPageRoutes(page_.server, desk_);
-    if (!page_.start(address, options_.pagePort) &&
-        (options_.pageIsAsked || !page_.start(address, 0))) {
-      return taken(address, options_.pagePort);
-    }
-    tell("page  " + urlOf(address, page_.port()));
-    return {};
-  }
-
-  const Options& options_;
-  Desk desk_;
-  std::shared_ptr<void> plugs_;
-  std::deque<HttpPort> ports_;  // of Wi-Fi cameras
-  HttpPort page_;
-};
+  const auto status = runProgram(options.program);
+  return status ? *status : fail("the program does not start", programNotStarted);
+}
 
 int run(const Options& options) {
-  if (options.unplug) unplugLeftovers();
-  if (options.cameras.empty()) return ended;
-  Run run(options);
-  const std::string problem = run.start();
-  return problem.empty() ? run.go() : fail(problem, notPluggedIn);
+  Desk desk;
+  for (const CameraSpec& spec : options.cameras) {
+    PluggedCamera& camera = desk.plugIn(spec);
+    camera.onAccess = [&](const Access& access) { logAccess(camera, access, options.log); };
+  }
+  std::deque<HttpPort> ports;
+  std::string problem = startWifi(options, desk, ports);
+  const auto plugs = problem.empty() ? plugIn(desk, problem) : nullptr;
+  if (problem.empty() && !options.noPage) problem = startPage(options, desk, ports.emplace_back());
+  const int status = problem.empty() ? runUntilEnd(options) : fail(problem, notPluggedIn);
+  desk.close();
+  return status;
 }
 
 }  // namespace
@@ -128,5 +107,6 @@ int qvx::simulator::simulate(std::span<const std::string> arguments) {
     return ended;
   }
   claimInterrupts();
-  return run(options);
+  if (options.unplug) unplugLeftovers();
+  return options.cameras.empty() ? static_cast<int>(ended) : run(options);
 }

@@ -73,35 +73,6 @@ constexpr struct Known {
     {"--help", "", setFlag<&Options::help>},
 };
 
-using Arguments = std::span<const std::string>;
-
-// Each reads what the arguments begin with and moves past it; returns what is wrong.
-std::string takeOption(Arguments& arguments, Options& options) {
-  const std::string name = arguments.front();
-  arguments = arguments.subspan(1);
-  const auto* const known = std::ranges::find(knownOptions, name, &Known::name);
-  if (known == std::end(knownOptions)) return "unknown option \"" + name + "\"; see --help";
-  const bool hasValue = !known->expected.empty() && !arguments.empty();
-  const std::string value = hasValue ? arguments.front() : "";
-  arguments = arguments.subspan(hasValue ? 1 : 0);
-  if (known->take(value, options)) return {};
-  return name + ": expected " + std::string(known->expected) + ", not \"" + value + "\"";
-}
-
-std::string takeCamera(Arguments& arguments, Options& options) {
-  std::string problem;
-  const auto spec = cameraSpecFrom(arguments.front(), problem);
-  if (spec) options.cameras.push_back(*spec);
-  arguments = arguments.subspan(1);
-  return problem;
-}
-
-std::string takeProgram(Arguments& arguments, Options& options) {
-  options.program.assign(arguments.begin() + 1, arguments.end());
-  arguments = {};
-  return options.program.empty() ? "no program given after --" : "";
-}
-
 // What the options as a whole lack.
 std::string lackOf(const Options& options) {
   if (options.help || (options.unplug && options.cameras.empty())) return {};
@@ -118,12 +89,25 @@ std::string lackOf(const Options& options) {
 
 }  // namespace
 
-std::string optionsFrom(Arguments arguments, Options& options) {
+std::string optionsFrom(std::span<const std::string> arguments, Options& options) {
   std::string wrong;
-  while (!arguments.empty() && wrong.empty()) {
-    const std::string& word = arguments.front();
-    const auto take = word == "--" ? takeProgram : word.starts_with('-') ? takeOption : takeCamera;
-    wrong = take(arguments, options);
+  for (auto at = arguments.begin(); wrong.empty() && at != arguments.end();) {
+    const std::string& word = *at++;
+    const auto* const known = std::ranges::find(knownOptions, word, &Known::name);
+    if (known != std::end(knownOptions)) {
+      const std::string expected(known->expected);
+      const std::string value = expected.empty() || at == arguments.end() ? "" : *at++;
+      if (known->take(value, options)) continue;
+      wrong = word + ": expected " + expected + ", not \"" + value + "\"";
+    } else if (word == "--") {
+      options.program.assign(at, arguments.end());
+      at = arguments.end();
+      if (options.program.empty()) wrong = "no program given after --";
+    } else if (word.starts_with('-')) {
+      wrong = "unknown option \"" + word + "\"; see --help";
+    } else if (const auto camera = cameraSpecFrom(word, wrong)) {
+      options.cameras.push_back(*camera);
+    }
   }
   return wrong.empty() ? lackOf(options) : wrong;
 }

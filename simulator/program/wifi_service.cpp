@@ -65,7 +65,8 @@ void serveWifiCamera(HttpPort& port, PluggedCamera& camera, Desk& desk) {
   port.server.set_keep_alive_max_count(1);
   addPageRoutes(port.server, desk);
   port.server.set_pre_routing_handler([&camera](const Request& request, Response& response) {
-    return isForPage(request) ? Handled::Unhandled : serve(camera, request, response);
+    const bool isForPage = request.path.starts_with(pagePrefix);
+    return isForPage ? Handled::Unhandled : serve(camera, request, response);
   });
 }
 

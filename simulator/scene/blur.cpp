@@ -9,22 +9,22 @@ namespace {
 
 // Each item, which is `size` numbers, becomes the mean of those around it. The outermost stand for
 // what lies beyond them. A sum runs along: the cost does not depend on the radius.
-void average(const float* from, float* to, std::size_t count, std::size_t size, double radius) {
+void average(const float* from, float* to, std::ptrdiff_t count, std::ptrdiff_t size,
+             double radius) {
   const auto whole = static_cast<std::ptrdiff_t>(radius);
   const auto rest = static_cast<float>(radius - static_cast<double>(whole));
   const float weight = 1 / (static_cast<float>(2 * whole + 1) + 2 * rest);
   const auto item = [=](std::ptrdiff_t index) {
-    const auto last = static_cast<std::ptrdiff_t>(count) - 1;
-    return from + std::clamp<std::ptrdiff_t>(index, 0, last) * static_cast<std::ptrdiff_t>(size);
+    return from + std::clamp<std::ptrdiff_t>(index, 0, count - 1) * size;
   };
-  std::vector<float> sum(size);
+  Row sum(size);
   for (std::ptrdiff_t i = -whole; i <= whole; ++i) {
-    for (std::size_t k = 0; k < size; ++k) sum[k] += item(i)[k];
+    for (std::ptrdiff_t k = 0; k < size; ++k) sum[k] += item(i)[k];
   }
-  for (std::ptrdiff_t i = 0; i < static_cast<std::ptrdiff_t>(count); ++i, to += size) {
+  for (std::ptrdiff_t i = 0; i < count; ++i, to += size) {
     const float *const before = item(i - whole - 1), *const leaving = item(i - whole),
                        *const after = item(i + whole + 1);
-    for (std::size_t k = 0; k < size; ++k) {
+    for (std::ptrdiff_t k = 0; k < size; ++k) {
       to[k] = weight * (sum[k] + rest * (before[k] + after[k]));
       sum[k] += after[k] - leaving[k];
     }

@@ -1,11 +1,21 @@
-#include "simulator/scene/specimen.h"
+#include "simulator/scene/stages.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 
 namespace qvx::simulator {
+
+namespace {
+
+// ---- The specimen: a leaf in autumn, a network of veins within the meshes of a coarser one, from
+// a hand's width down to single cells. Detail too fine for the pixels blends into its mean.
+
+// A line of pixels across the specimen. Its middle is 0, 0; y points down.
+struct SpecimenLine {
+  Row rgb;  // reflected part of the light
+  Row height_um;
+};
 
 // Meshes of one size. Widths and heights count in cells, so that every level looks like the last.
 struct MeshLevel {
@@ -19,7 +29,15 @@ struct MeshPoint {
   float x, y, trait;
 };
 
-namespace {
+// For each pixel of a line the squared distances of the two nearest points, in cells.
+struct Mesh {
+  Row nearest, second, trait;  // the trait is the nearest point's
+};
+
+// What the levels so far have made of the leaf.
+struct Leaf {
+  Row shade, hue, veins;
+};
 
 constexpr MeshLevel levels[] = {
     {64'000, 0.018F, 0.85F, 0.10F, 0.55F}, {14'000, 0.024F, 0.80F, 0.12F, 0.30F},
@@ -30,17 +48,9 @@ constexpr MeshLevel levels[] = {
 
 constexpr float farAway = 1e9F;
 
-// By value, unlike the standard's: loops with these become vector instructions.
-float lower(float a, float b) {
-  return a < b ? a : b;
-}
-float higher(float a, float b) {
-  return a > b ? a : b;
-}
-
 // From 0 to 1 while `value` goes from -1 to 1.
 float edge(float value) {
-  const float t = lower(higher(0.5F + 0.5F * value, 0), 1);
+  const float t = std::fmin(std::fmax(0.5F + 0.5F * value, 0.0F), 1.0F);
   return t * t * (3 - 2 * t);
 }
 
@@ -71,36 +81,35 @@ constexpr float colours[][3] = {{0.05F, 0.20F, 0.03F},
                                 {0.34F, 0.05F, 0.05F}};
 constexpr float pale[3] = {0.86F, 0.80F, 0.52F};
 
-}  // namespace
-
-void Specimen::draw(double y_um, SpecimenLine& line) {
-  std::ranges::fill(cells_.shade, 1.0F);
-  std::ranges::fill(cells_.hue, 0.42F);
-  std::ranges::fill(cells_.veins, 0.0F);
-  std::ranges::fill(line.height_um, 0.0F);
-  for (const MeshLevel& level : levels) {
-    if (level.cell_um < 3 * pixel_um_) break;
-    measure(level, y_um);
-    add(level, line.height_um);
+// By value: what lies in memory would be read again after every write.
+void measure(MeshPoint point, float y, const Row& columns, std::size_t first, Mesh& mesh) {
+  const float down2 = (y - point.y) * (y - point.y);
+#pragma GCC ivdep  // the rows do not overlap
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const float across = columns[i] - point.x, distance2 = across * across + down2;
+    float &nearest = mesh.nearest[first + i], &second = mesh.second[first + i],
+          &trait = mesh.trait[first + i];
+    trait = distance2 < nearest ? point.trait : trait;
+    second = std::fmin(second, std::fmax(nearest, distance2));
+    nearest = std::fmin(nearest, distance2);
   }
-  paint(line.rgb);
 }
 
-// The two nearest points of each pixel, in cells.
-void Specimen::measure(const MeshLevel& level, double y_um) {
-  constexpr float spread = 0.38F;  // of a point around the middle of its square
-  const std::size_t width = cells_.x.size();
-  const double step = pixel_um_ / level.cell_um, left = -step * static_cast<double>(width) / 2;
+// Square by square of a grid with a point in each, around its middle.
+Mesh meshAt(const MeshLevel& level, double y_um, double pixel_um, std::size_t width) {
+  constexpr float spread = 0.38F;
+  Mesh mesh{Row(width, farAway), Row(width, farAway), Row(width)};
+  const double step = pixel_um / level.cell_um, left = -step * static_cast<double>(width) / 2;
   const double row = std::floor(y_um / level.cell_um);
   const auto y = static_cast<float>(y_um / level.cell_um - row);
-  std::ranges::fill(cells_.nearest, farAway);
-  std::ranges::fill(cells_.second, farAway);
-  for (std::size_t first = 0; first < width;) {
+  Row columns;
+  for (std::size_t first = 0; first < width; first += columns.size()) {
     const double column = std::floor(left + step * static_cast<double>(first));
-    std::size_t end = first;
-    for (; end < width; ++end) {
-      cells_.x[end] = static_cast<float>(left + step * static_cast<double>(end) - column);
-      if (cells_.x[end] >= 1 && end > first) break;
+    columns.clear();
+    for (std::size_t i = first; i < width; ++i) {
+      const auto x = static_cast<float>(left + step * static_cast<double>(i) - column);
+      if (x >= 1 && i > first) break;
+      columns.push_back(x);
     }
     for (int neighbour = 0; neighbour < 9; ++neighbour) {
       const int across = neighbour % 3 - 1, down = neighbour / 3 - 1;
@@ -109,67 +118,134 @@ void Specimen::measure(const MeshLevel& level, double y_um) {
                                            static_cast<std::uint64_t>(level.cell_um));
       measure({static_cast<float>(across) + 0.5F + spread * part(hash, 0),
                static_cast<float>(down) + 0.5F + spread * part(hash, 16), part(hash, 32)},
-              y, first, end);
+              y, columns, first, mesh);
     }
-    first = end;
   }
-}
-
-void Specimen::measure(const MeshPoint& point, float y, std::size_t first, std::size_t end) {
-  const float* const x = cells_.x.data();
-  float *const nearest = cells_.nearest.data(), *const second = cells_.second.data(),
-               *const trait = cells_.trait.data();
-  const float down2 = (y - point.y) * (y - point.y);
-  const MeshPoint here = point;
-#pragma GCC ivdep  // the lines do not overlap
-  for (std::size_t i = first; i < end; ++i) {
-    const float across = x[i] - here.x, before = nearest[i];
-    const float distance2 = across * across + down2;
-    trait[i] = distance2 < before ? here.trait : trait[i];
-    second[i] = lower(second[i], higher(before, distance2));
-    nearest[i] = lower(before, distance2);
-  }
+  return mesh;
 }
 
 // Veins stand out, cells bulge between them; in the veins of coarser levels there is little of
 // that.
-void Specimen::add(const MeshLevel& level, std::vector<float>& height_um) {
+void add(MeshLevel level, const Mesh& mesh, float pixel_um, Leaf& leaf, Row& height_um) {
   constexpr float bulge = 0.07F, ridge = 0.6F, hidden = 0.65F;
-  const auto cell_um = static_cast<float>(level.cell_um), pixel = static_cast<float>(pixel_um_);
-  const float seen = edge((cell_um / pixel - 6) / 3);
-  const float sharpness = 1 / (level.halfVein * 0.2F + 0.7F * pixel / cell_um);
-  const float *const nearest = cells_.nearest.data(), *const second = cells_.second.data(),
-                     *const trait = cells_.trait.data();
-  float *const height = height_um.data(), *const shade = cells_.shade.data(),
-               *const hue = cells_.hue.data(), *const veins = cells_.veins.data();
-  const std::size_t width = height_um.size();
-  const float halfVein = level.halfVein, paleness = seen * level.paleness, swell = cell_um * bulge,
-              rise = cell_um * ridge * halfVein, shades = level.shade, hues = level.hue;
+  const auto cell_um = static_cast<float>(level.cell_um);
+  const float seen = edge((cell_um / pixel_um - 6) / 3);
+  const float sharpness = 1 / (level.halfVein * 0.2F + 0.7F * pixel_um / cell_um);
 #pragma GCC ivdep
-  for (std::size_t i = 0; i < width; ++i) {
-    const float toVein = (std::sqrt(second[i]) - std::sqrt(nearest[i])) / 2;
-    const float free = seen * (1 - hidden * veins[i]);
-    const float vein = edge((halfVein - toVein) * sharpness);
-    const float inside = lower(toVein * 4, 1);
-    height[i] += free * (swell * inside * (2 - inside) + rise * vein);
-    shade[i] *= 1 + free * shades * trait[i];
-    hue[i] += free * hues * otherTrait(trait[i]);
-    veins[i] += (1 - veins[i]) * paleness * vein;
+  for (std::size_t i = 0; i < height_um.size(); ++i) {
+    const float toVein = (std::sqrt(mesh.second[i]) - std::sqrt(mesh.nearest[i])) / 2;
+    const float free = seen * (1 - hidden * leaf.veins[i]);
+    const float vein = edge((level.halfVein - toVein) * sharpness);
+    const float inside = std::fmin(toVein * 4, 1.0F);
+    height_um[i] +=
+        free * cell_um * (bulge * inside * (2 - inside) + ridge * level.halfVein * vein);
+    leaf.shade[i] *= 1 + free * level.shade * mesh.trait[i];
+    leaf.hue[i] += free * level.hue * otherTrait(mesh.trait[i]);
+    leaf.veins[i] += (1 - leaf.veins[i]) * seen * level.paleness * vein;
   }
 }
 
-void Specimen::paint(std::vector<float>& rgb) const {
+void paint(const Leaf& leaf, Row& rgb) {
   constexpr auto last = static_cast<float>(std::size(colours) - 1);
-  for (std::size_t i = 0; i < cells_.hue.size(); ++i) {
-    const float place = std::clamp(cells_.hue[i], 0.0F, 0.999F) * last;
+  for (std::size_t i = 0; i < leaf.hue.size(); ++i) {
+    const float place = std::clamp(leaf.hue[i], 0.0F, 0.999F) * last;
     const auto below = static_cast<std::size_t>(place);
     const float above = place - static_cast<float>(below);
     for (std::size_t c = 0; c < 3; ++c) {
-      const float leaf = (colours[below][c] + (colours[below + 1][c] - colours[below][c]) * above) *
-                         cells_.shade[i];
-      rgb[3 * i + c] = leaf + (pale[c] - leaf) * cells_.veins[i];
+      const float low = colours[below][c], high = colours[below + 1][c];
+      const float green = (low + (high - low) * above) * leaf.shade[i];
+      rgb[3 * i + c] = green + (pale[c] - green) * leaf.veins[i];
     }
   }
+}
+
+void drawSpecimen(double y_um, double pixel_um, SpecimenLine& line) {
+  const std::size_t width = line.height_um.size();
+  Leaf leaf{Row(width, 1), Row(width, 0.42F), Row(width)};
+  std::ranges::fill(line.height_um, 0.0F);
+  for (const MeshLevel& level : levels) {
+    if (level.cell_um < 3 * pixel_um) break;
+    const Mesh mesh = meshAt(level, y_um, pixel_um, width);
+    add(level, mesh, static_cast<float>(pixel_um), leaf, line.height_um);
+  }
+  paint(leaf, line.rgb);
+}
+
+// ---- The light on it
+
+// Where the quadrants stand, seen from the middle: the first at the upper right, then clockwise.
+constexpr float directions[4][2] = {{0.7F, -0.7F}, {0.7F, 0.7F}, {-0.7F, 0.7F}, {-0.7F, -0.7F}};
+
+// A place in the picture seen from its middle, in halves of its width; or a slope.
+struct Vector {
+  float across, down;
+
+  float dot(const Vector& other) const { return across * other.across + down * other.down; }
+};
+
+class Lighting {
+ public:
+  Lighting(const View& view, float field_um) : view_(view) {
+    constexpr float beam_um = 500, smallest = 0.015F;
+    beam_ = std::max(2 * beam_um / field_um, smallest);
+    for (std::size_t i = 0; i < view.quadrants.size(); ++i) {
+      const float share = static_cast<float>(view.quadrants[i]) / 4;
+      ring_ += share;
+      from_.across += share * directions[i][0];
+      from_.down += share * directions[i][1];
+    }
+  }
+
+  // Near a lit quadrant it is brighter, and slopes that face it are. The axial light comes back
+  // from what is level; hollows get less of everything.
+  float at(const Vector& place, const Vector& slope) const {
+    constexpr float nearer = 0.8F, relief = 2.2F, hollow = 0.25F, least = 0.2F;
+    const float steep = std::min(slope.dot(slope), 1.0F);
+    const float level = ring_ + nearer * place.dot(from_);
+    const float fromRing = std::max(level - relief * slope.dot(from_), least * level);
+    const float axial = static_cast<float>(view_.axial) * (1 - steep);
+    return (1 - hollow * steep) * (fromRing + axial + static_cast<float>(roomLight));
+  }
+
+  // The aiming point: a red spot, as wide as its beam but never too small to be seen.
+  float aimAt(const Vector& place) const {
+    constexpr float brightness = 2;
+    if (view_.aim == 0) return 0;
+    return brightness * static_cast<float>(view_.aim) *
+           std::exp(-place.dot(place) / (beam_ * beam_));
+  }
+
+ private:
+  const View& view_;
+  float ring_ = 0, beam_;
+  Vector from_{};
+};
+
+}  // namespace
+
+std::vector<float> illuminated(const View& view, std::size_t width, std::size_t height) {
+  const double step_um = view.fieldWidth_um / static_cast<double>(width);
+  const auto pixel_um = static_cast<float>(step_um), half = static_cast<float>(width) / 2;
+  const Lighting lights(view, static_cast<float>(view.fieldWidth_um));
+  SpecimenLine above{Row(3 * width), Row(width)}, here = above;
+  std::vector<float> rgb;
+  rgb.reserve(3 * width * height);
+  for (std::size_t line = 0; line <= height; ++line) {
+    const double y = static_cast<double>(line) - 1 - static_cast<double>(height) / 2;
+    drawSpecimen(y * step_um, step_um, here);
+    for (std::size_t i = 0; line != 0 && i < width; ++i) {
+      const Vector place{static_cast<float>(i) / half - 1, static_cast<float>(y) / half};
+      const std::size_t left = i == 0 ? 0 : i - 1, right = std::min(i + 1, width - 1);
+      const Vector slope{(here.height_um[right] - here.height_um[left]) / (2 * pixel_um),
+                         (here.height_um[i] - above.height_um[i]) / pixel_um};
+      const float light = lights.at(place, slope);
+      rgb.push_back(here.rgb[3 * i] * light + lights.aimAt(place));
+      rgb.push_back(here.rgb[3 * i + 1] * light);
+      rgb.push_back(here.rgb[3 * i + 2] * light);
+    }
+    std::swap(above, here);
+  }
+  return rgb;
 }
 
 }  // namespace qvx::simulator

@@ -5,7 +5,9 @@
 
 namespace qvx::simulator {
 
-// What comes from the specimen under the camera's lights and those of the room: white paper
+using Row = std::vector<float>;
+
+// What comes from a leaf in autumn under the camera's lights and those of the room: white paper
 // gives 1.
 std::vector<float> illuminated(const View& view, std::size_t width, std::size_t height);
 

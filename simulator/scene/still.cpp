@@ -1,10 +1,8 @@
 #include "simulator/scene/still.h"
 
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <vector>
 
 // After what it needs.
 #include <jpeglib.h>

@@ -1,4 +1,4 @@
-#include "simulator/scene/view.h"
+#include "simulator/scene/still.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,30 +12,26 @@ double setting(const Camera& camera, std::int32_t property) {
   return camera.picture().get(*pictureControl(property)).value;
 }
 
-struct Exposed {
-  double exposure, gain;
-};
-
-// By itself a camera first exposes longer, then amplifies.
-Exposed exposedBy(double wanted, double gain) {
-  constexpr double longest = 2, most = 16;
-  const double exposure = std::min(wanted, most);
-  return {exposure, std::max(gain, exposure / longest)};
+double ratio(const Camera& camera, std::int32_t property) {
+  return setting(camera, property) / pictureControl(property)->standard;
 }
 
-Exposed exposedIn(const Camera& camera, double light) {
-  constexpr double gainPerUnit = 0.03, backlightStep = 0.15;
-  const double gain = 1 + gainPerUnit * setting(camera, 9);
-  const double backlight = 1 + backlightStep * (setting(camera, 8) - pictureControl(8)->standard);
+// By itself a camera first exposes longer, then amplifies.
+void expose(const Camera& camera, double light, View& view) {
+  constexpr double gainPerUnit = 0.03, backlightStep = 0.15, longest = 2, most = 16;
+  view.gain = 1 + gainPerUnit * setting(camera, 9);
   const SensorExposure* const how = exposureFor(camera.productId());
-  if (how == nullptr) return exposedBy(backlight / light, gain);
-  if (!how->isAutomatic(camera))
-    return {gain * how->lines(camera.sensor()) / how->usualLines, gain};
-  return exposedBy(backlight * how->target(camera) / how->usualTarget / light, gain);
+  if (how != nullptr && !how->isAutomatic(camera)) {
+    view.exposure = view.gain * how->lines(camera.sensor()) / how->usualLines;
+    return;
+  }
+  const double target = how == nullptr ? 1 : how->target(camera) / how->usualTarget;
+  const double backlight = 1 + backlightStep * (setting(camera, 8) - pictureControl(8)->standard);
+  view.exposure = std::min(backlight * target / light, most);
+  view.gain = std::max(view.gain, view.exposure / longest);
 }
 
 // What the optics show at x1, in units of 0.55 mm: the sensor's width.
-constexpr double otherSensor = 640;
 constexpr struct {
   std::uint16_t first, last;  // product ids
   double width;
@@ -49,53 +45,39 @@ double sensorWidth(std::uint16_t productId) {
   for (const auto& row : widths) {
     if (productId >= row.first && productId <= row.last) return row.width;
   }
-  return otherSensor;
-}
-
-// A camera without a ring stands at a usual magnification.
-double magnificationOf(const Camera& camera) {
-  constexpr double usual = 50;
-  return camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
-}
-
-// The depth of focus shrinks as the magnification grows. A camera without a focus lens was focused
-// by hand.
-double blurOf(const Camera& camera) {
-  constexpr double perUnit = 1.0 / 80'000;  // of the lens, at x1
-  if (!camera.lens().isFitted()) return 0;
-  return std::abs(camera.lens().offset() - focusAt) * perUnit * magnificationOf(camera);
+  return 640;  // of all others
 }
 
 }  // namespace
 
+// A camera without a ring stands at a usual magnification, one without a focus lens was focused by
+// hand. The depth of focus shrinks as the magnification grows.
 View viewOf(const Camera& camera) {
-  constexpr double unit_um = 550, warmthExponent = 0.6;
+  constexpr double unit_um = 550, usual = 50, warmthExponent = 0.6;
+  constexpr double blurPerUnit = 1.0 / 80'000;  // of the lens, at x1
+  const double zoom = camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
+  const double offFocus = camera.lens().isFitted() ? camera.lens().offset() - focusAt : 0;
   const Illumination& lights = camera.controller().lights();
   View view{};
-  view.fieldWidth_um = unit_um * sensorWidth(camera.productId()) / magnificationOf(camera);
-  view.blur = blurOf(camera);
-  double light = roomLight;
+  view.fieldWidth_um = unit_um * sensorWidth(camera.productId()) / zoom;
+  view.blur = std::abs(offFocus) * blurPerUnit * zoom;
+  view.axial = Illumination::axialShare * lights.axial();
+  view.aim = lights.aim();
+  double light = roomLight + view.axial;
   for (std::size_t i = 0; i < view.quadrants.size(); ++i) {
     view.quadrants[i] =
         Illumination::ringShare * lights.quadrants()[i] + lights.ofPins(camera.gpio().lights());
     light += view.quadrants[i] / static_cast<double>(view.quadrants.size());
   }
-  view.axial = Illumination::axialShare * lights.axial();
-  view.aim = lights.aim();
-  const Exposed exposed = exposedIn(camera, light + view.axial);
-  view.exposure = exposed.exposure;
-  view.gain = exposed.gain;
+  expose(camera, light, view);
   view.brightness = setting(camera, 0) / 256;
-  view.contrast = setting(camera, 1) / pictureControl(1)->standard;
+  view.contrast = ratio(camera, 1);
   view.hue_rad = setting(camera, 2) * std::numbers::pi / 180;
-  view.saturation = setting(camera, 3) / pictureControl(3)->standard;
+  view.saturation = ratio(camera, 3);
   view.sharpening = (setting(camera, 4) - pictureControl(4)->standard) / 4;
-  view.gamma = setting(camera, 5) / pictureControl(5)->standard;
-  const auto balance = camera.picture().get(*pictureControl(7));
-  view.warmth = balance.automatic
-                    ? 1
-                    : std::pow(balance.value / static_cast<double>(pictureControl(7)->standard),
-                               warmthExponent);
+  view.gamma = ratio(camera, 5);
+  const bool whiteIsRight = camera.picture().get(*pictureControl(7)).automatic;
+  view.warmth = whiteIsRight ? 1 : std::pow(ratio(camera, 7), warmthExponent);
   return view;
 }
 

@@ -13,8 +13,6 @@
 // After what it needs.
 #include <jpeglib.h>
 
-#include "simulator/scene/view.h"
-
 namespace qvx::simulator {
 namespace {
 
