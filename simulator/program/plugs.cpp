@@ -13,15 +13,13 @@ namespace qvx::simulator {
 namespace {
 
 // One thread of all processes at a time plugs in or out, whatever becomes of it meanwhile.
-class Exclusive {
- public:
-  Exclusive() { WaitForSingleObject(mutex_.get(), limit_ms); }
-  ~Exclusive() { ReleaseMutex(mutex_.get()); }
-
- private:
+struct Exclusive {
   static constexpr DWORD limit_ms = 60'000;
 
-  const Handle mutex_{CreateMutexW(nullptr, FALSE, L"qvx-simulator-plugs")};
+  Exclusive() { WaitForSingleObject(mutex.get(), limit_ms); }
+  ~Exclusive() { ReleaseMutex(mutex.get()); }
+
+  const Handle mutex{CreateMutexW(nullptr, FALSE, L"qvx-simulator-plugs")};
 };
 
 CameraRecord recordOf(const CameraSpec& spec) {
