@@ -97,5 +97,16 @@ TEST(BridgeChip, ComplainsOfMisuseOfItsHidInterface) {
       });
 }
 
+TEST(BridgeChip, TellsWhatOthersHaveChanged) {
+  CameraDevice device({.productId = 0x9E0});
+  device.camera.gpio().setLights(5);
+  device.camera.firmwareExposure().automatic = false;
+  Bytes lights(1), exposureMode(2, 0xFF);
+  device.chip.readRegister(0x0080, lights);
+  device.chip.readRegister(0x1700, exposureMode);
+  EXPECT_EQ(lights, (Bytes{0xF5}));
+  EXPECT_EQ(exposureMode, (Bytes{0, 0}));
+}
+
 }  // namespace
 }  // namespace qvx::simulator
