@@ -150,14 +150,15 @@ UsbDevice Machine::usbDevice() {
   constexpr std::size_t textLengths[] = {4, 0, 255, 256, 1000};
   constexpr std::size_t pipeCounts[] = {2, 0, 1, 300};
   const auto text = [&] { return std::string(input_.oneOf(textLengths), '%'); };
-  UsbDevice device;
-  device.vendorId = input_.oneIn(8) ? 0 : 0x3C7E;
-  device.productId = productId();
-  device.instance = text();
-  device.description = text();
-  device.maker = text();
-  device.pipes.resize(input_.oneOf(pipeCounts), {0x81, 2, 255, 65535});
-  device.opens = !input_.oneIn(4);
+  // In the order of the members, as the language has it.
+  UsbDevice device{input_.oneIn(8) ? 0 : 0x3C7E,
+                   productId(),
+                   text(),
+                   text(),
+                   text(),
+                   std::vector<UsbPipe>(input_.oneOf(pipeCounts), {0x81, 2, 255, 65535}),
+                   !input_.oneIn(4),
+                   nullptr};
   if (!input_.oneIn(4)) device.endpoint = std::make_shared<MadeUpCamera>(input_);
   return device;
 }

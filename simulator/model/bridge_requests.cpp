@@ -132,23 +132,14 @@ constexpr BridgeRequest requests[] = {
     {oneShot, false, 21, 32, 32, 0x0D, writeI2cOneShot},
     {oneShot, true, 26, 32, 32, none, readRegister16},
     {oneShot, false, 27, 32, 32, none, writeRegister16},
-    {oneShot, true, 0, 0, 0, 0x1D, readCommand},
-    {oneShot, false, 0, 0, 0, 0x1E, writeCommand},
+    {oneShot, true, none, 0, 0, 0x1D, readCommand},
+    {oneShot, false, none, 0, 0, 0x1E, writeCommand},
 };
 
 }  // namespace
 
-const BridgeRequest* requestBySelector(std::uint32_t selector) {
-  const auto* const found = std::find_if(
-      std::begin(requests), std::end(requests),
-      [selector](const BridgeRequest& r) { return r.selector != 0 && r.selector == selector; });
-  return found == std::end(requests) ? nullptr : found;
-}
-
-const BridgeRequest* requestByReportCode(std::uint8_t code) {
-  const auto* const found =
-      std::find_if(std::begin(requests), std::end(requests),
-                   [code](const BridgeRequest& r) { return r.reportCode == code; });
+const BridgeRequest* findRequest(const std::function<bool(const BridgeRequest&)>& isMeant) {
+  const auto* const found = std::find_if(std::begin(requests), std::end(requests), isMeant);
   return found == std::end(requests) ? nullptr : found;
 }
 

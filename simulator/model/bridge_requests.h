@@ -18,7 +18,7 @@ struct BridgeOutcome {
 struct BridgeRequest {
   BridgeFirmware since;
   bool reads;                              // the client fetches an answer
-  std::uint8_t selector;                   // of the extension unit; 0: not there
+  std::optional<std::uint8_t> selector;    // of the extension unit; nothing: not there
   std::size_t shortest, longest;           // bytes of it
   std::optional<std::uint8_t> reportCode;  // on the HID interface; nothing: not there
   // Carries it out, for an answer of so many bytes at most. `body` is the request without codes.
@@ -28,8 +28,7 @@ struct BridgeRequest {
   bool isOneShot() const { return since == BridgeFirmware::oneShot; }
 };
 
-// Null for one that there is not.
-const BridgeRequest* requestBySelector(std::uint32_t selector);
-const BridgeRequest* requestByReportCode(std::uint8_t code);
+// The first of them for which that holds; null for none.
+const BridgeRequest* findRequest(const std::function<bool(const BridgeRequest&)>& isMeant);
 
 }  // namespace qvx::simulator

@@ -33,7 +33,8 @@ bool ExtensionUnit::set(const PropertySetId& set, std::uint32_t selector, Bytes 
   place_ = {set == bridgeCommandSet, selector};
   if (place_.command) return runCommand(data);
   if (selector == accessModeSelector) return setAccessMode(data);
-  const BridgeRequest* const request = requestBySelector(selector);
+  const BridgeRequest* const request =
+      findRequest([selector](const auto& known) { return known.selector == selector; });
   if (request == nullptr) return violate("unknown");
   if (request->since > chip_.firmware()) return false;
   if (data.size() < request->shortest || data.size() > request->longest) {

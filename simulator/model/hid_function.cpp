@@ -75,10 +75,10 @@ bool HidFunction::violate(std::string_view what) {
 // A read is done at once; what a write is about comes in a data block, a one-shot one all over
 // again.
 bool HidFunction::begin(Bytes payload) {
-  const BridgeRequest* const request = requestByReportCode(payload[0]);
-  if (request == nullptr || request->isOneShot() != (report_ == oneShot)) {
-    return violate("unknown request in");
-  }
+  const BridgeRequest* const request = findRequest([&](const BridgeRequest& known) {
+    return known.reportCode == payload[0] && known.isOneShot() == (report_ == oneShot);
+  });
+  if (request == nullptr) return violate("unknown request in");
   if (request->since > chip_.firmware()) return false;
   // The firmware forgets what it was asked before.
   if (open_ != nullptr) violate("exchange not finished before");

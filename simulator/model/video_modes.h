@@ -12,7 +12,25 @@ struct VideoMode {
 };
 
 // Every camera has the mode of command 0.
-std::span<const VideoMode> videoModesFor(std::uint16_t productId);
+inline std::span<const VideoMode> videoModesFor(std::uint16_t productId) {
+  static constexpr VideoMode fiveMegapixels[] = {
+      {0, 1280, 960}, {1, 640, 480}, {2, 1600, 1200}, {3, 2048, 1536}, {4, 2592, 1944}};
+  static constexpr VideoMode megapixel[] = {{0, 640, 480}, {3, 1280, 1024}};
+  static constexpr struct {
+    std::uint16_t first, last;  // product ids
+    std::span<const VideoMode> modes;
+  } cameras[] = {
+      {0x870, 0x89F, megapixel},
+      {0x910, 0x91F, megapixel},
+      {0x920, 0x92F, std::span(fiveMegapixels).first(3)},
+      {0x960, 0x99F, fiveMegapixels},
+      {0x9C0, 0x9CF, megapixel},
+  };
+  for (const auto& camera : cameras) {
+    if (productId >= camera.first && productId <= camera.last) return camera.modes;
+  }
+  return std::span(megapixel).first(1);
+}
 
 class VideoOutput {
  public:

@@ -1,9 +1,7 @@
 // The hand on the zoom ring: a magnification as a function of time.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string_view>
+#include "simulator/model/words.h"
 
 namespace qvx::simulator {
 
@@ -15,8 +13,23 @@ struct ZoomMotion {
 
 // "63" stands at x63; "1:200/10s" goes from x1 to x200 in 10 s, and back, for ever. Seconds may
 // have decimals; "ms" is understood. Nothing for anything else, and for magnifications below 1.
-std::optional<ZoomMotion> zoomMotionFrom(std::string_view text);
+inline std::optional<ZoomMotion> zoomMotionFrom(std::string_view text) {
+  constexpr double most = 999'999;
+  const bool turns = text.find(':') != std::string_view::npos;
+  const auto from = decimalFrom(takePart(text, ':'), 1, most);
+  if (from && !turns) return ZoomMotion{*from, *from, 0};
+  const auto to = decimalFrom(takePart(text, '/'), 1, most);
+  const auto sweep_ms = duration_msFrom(text);
+  if (!from || !to || !sweep_ms) return std::nullopt;
+  return ZoomMotion{*from, *to, *sweep_ms};
+}
 
-double magnificationAt(const ZoomMotion& motion, std::uint64_t now_ms);
+inline double magnificationAt(const ZoomMotion& motion, std::uint64_t now_ms) {
+  if (motion.sweep_ms == 0) return motion.from;
+  const std::uint64_t sweeps = now_ms / motion.sweep_ms;
+  const double part = static_cast<double>(now_ms % motion.sweep_ms) / motion.sweep_ms;
+  const bool returning = sweeps % 2 == 1;
+  return motion.from + (motion.to - motion.from) * (returning ? 1 - part : part);
+}
 
 }  // namespace qvx::simulator

@@ -1,5 +1,6 @@
 // The platform's internet functions over the simulated machine.
 #include "platform/system.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,17 +21,11 @@ namespace {
 using simulator::OpenCounts;
 using simulator::world;
 
-std::string narrow(const std::wstring& text) {
-  std::string result;
-  for (const wchar_t character : text) result += static_cast<char>(character);
-  return result;
-}
-
 }  // namespace
 
 InternetHandle openInternetSession(const wchar_t* agent) {
   if (std::wstring(agent) != L"HTTP Downloader") {
-    world().note([=] { return "session as " + narrow(agent); });
+    world().note([=] { return "session as " + wideToAnsi(agent); });
   }
   if (!world().grants()) return nullptr;
   return world().keep(InternetObject{&OpenCounts::internetSessions});
@@ -49,7 +44,7 @@ void setInternetTimeouts(InternetHandle /*session*/, std::uint32_t connect_ms,
 
 InternetHandle system::openUrl(InternetHandle session, const std::wstring& url) {
   if (session == nullptr) return nullptr;
-  const std::string text = narrow(url);
+  const std::string text = wideToAnsi(url);
   const bool sent = world().operate([&] { return "GET " + text; });
   if (!sent || !world().pluggedIn() || !world().wifi) return nullptr;
   simulator::HttpAnswer answer = world().wifi(text);

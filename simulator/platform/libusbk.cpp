@@ -14,8 +14,8 @@ namespace qvx::platform {
 
 namespace {
 
+using simulator::CountedAs;
 using simulator::hex;
-using simulator::OpenCounter;
 using simulator::OpenCounts;
 using simulator::UsbDevice;
 using simulator::world;
@@ -23,12 +23,9 @@ using simulator::world;
 constexpr int driverId = 0;
 constexpr std::uint32_t openFailed = 31;  // a device that does not work
 
-struct DeviceList : simulator::Usb3DeviceList<KLST_DEVINFO> {
-  static constexpr OpenCounter counter = &OpenCounts::deviceLists;
-};
+struct DeviceList : CountedAs<&OpenCounts::deviceLists>, simulator::Usb3DeviceList<KLST_DEVINFO> {};
 
-struct OpenedDevice {
-  static constexpr OpenCounter counter = &OpenCounts::usbHandles;
+struct OpenedDevice : CountedAs<&OpenCounts::usbHandles> {
   std::size_t device;
   simulator::CameraConnection connection{};
 };
@@ -65,7 +62,7 @@ KUSB_BOOL openDevice(KUSB_HANDLE* handle, const KLST_DEVINFO* record) {
     setLastError(openFailed);
     return 0;
   }
-  *handle = world().keep(OpenedDevice{index});
+  *handle = world().keep(OpenedDevice{{}, index});
   return 1;
 }
 
@@ -89,7 +86,7 @@ bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   for (const UsbDevice& device : world().usbDevices) {
     if (world().pluggedIn()) records.push_back(recordOf(device, records.size()));
   }
-  *deviceList = world().keep(DeviceList{simulator::Usb3DeviceList(std::move(records))});
+  *deviceList = world().keep(DeviceList{{}, simulator::Usb3DeviceList(std::move(records))});
   return true;
 }
 

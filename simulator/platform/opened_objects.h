@@ -25,6 +25,12 @@ struct OpenCounts {
 };
 using OpenCounter = int OpenCounts::*;
 
+// What makes an object one of those that are counted there.
+template <OpenCounter place>
+struct CountedAs {
+  static constexpr OpenCounter counter = place;
+};
+
 // Kept reachable as the system keeps them. Each object names its `counter`.
 class OpenedObjects {
   using Objects = std::deque<std::shared_ptr<void>>;

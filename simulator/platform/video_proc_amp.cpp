@@ -6,29 +6,19 @@
 namespace qvx::platform {
 
 using simulator::CameraConnection;
-using simulator::OpenCounter;
+using simulator::CountedAs;
 using simulator::OpenCounts;
 using simulator::world;
 
-struct InputList {
-  static constexpr OpenCounter counter = &OpenCounts::inputLists;
-};
-struct CaptureFilter {
-  static constexpr OpenCounter counter = &OpenCounts::captureFilters;
+struct InputList : CountedAs<&OpenCounts::inputLists> {};
+struct CaptureFilter : CountedAs<&OpenCounts::captureFilters> {
   simulator::PictureControls* picture;
   CameraConnection connection{};
 };
-struct FilterGraph {
-  static constexpr OpenCounter counter = &OpenCounts::filterGraphs;
-};
-struct CaptureBuilder {
-  static constexpr OpenCounter counter = &OpenCounts::captureBuilders;
-};
-struct StreamConfig {
-  static constexpr OpenCounter counter = &OpenCounts::streamConfigs;
-};
-struct VideoProcAmp {
-  static constexpr OpenCounter counter = &OpenCounts::videoProcAmps;
+struct FilterGraph : CountedAs<&OpenCounts::filterGraphs> {};
+struct CaptureBuilder : CountedAs<&OpenCounts::captureBuilders> {};
+struct StreamConfig : CountedAs<&OpenCounts::streamConfigs> {};
+struct VideoProcAmp : CountedAs<&OpenCounts::videoProcAmps> {
   simulator::PictureControls& controls;
   CameraConnection connection;  // its filter's
 };
@@ -72,7 +62,7 @@ CaptureFilter* openFilter(InputList& /*list*/,
   for (const auto& input : world().videoInputs) {
     if (!isWanted(input.path)) continue;
     if (!step("open filter") || !world().pluggedIn() || !input.opens) return nullptr;
-    return world().keep(CaptureFilter{input.picture});
+    return world().keep(CaptureFilter{{}, input.picture});
   }
   return nullptr;
 }
@@ -99,7 +89,7 @@ void countCapabilities(StreamConfig& /*config*/) {
 
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   if (!step("query amplifier") || filter.picture == nullptr) return nullptr;
-  return world().keep(VideoProcAmp{*filter.picture, filter.connection});
+  return world().keep(VideoProcAmp{{}, *filter.picture, filter.connection});
 }
 
 void system::setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {

@@ -4,11 +4,28 @@
 #pragma once
 
 #include "simulator/platform/furniture.h"
-#include "simulator/platform/message_loop.h"
 #include "simulator/platform/opened_objects.h"
 #include "simulator/platform/operations.h"
 
 namespace qvx::simulator {
+
+// The message loop, with its timers.
+class MessageLoop {
+ public:
+  explicit MessageLoop(Clock& clock) : clock_(clock) {}
+
+  struct Timer {
+    std::uint64_t period_ms, due_ms;
+    std::function<void()> run;
+  };
+  std::vector<Timer> timers;
+
+  // Dispatches the timers that fall due in that time.
+  void pumpMessages(std::uint64_t milliseconds);
+
+ private:
+  Clock& clock_;
+};
 
 class World : public Furniture, public OpenedObjects, public Operations, public MessageLoop {
  public:
