@@ -21,7 +21,7 @@ check_dll() {
 
 # Nobody has to find a DLL for the other programs either.
 check_programs() {
-  local foreign windows='advapi32|hid|hidclass|kernel32|msvcrt|ntoskrnl|ole32|oleaut32|setupapi|user32'
+  local foreign windows='advapi32|hid|hidclass|kernel32|msvcrt|ntoskrnl|ole32|oleaut32|setupapi|shlwapi|user32'
   foreign=$(find "$content"/{bin,simulator} -type f -print0 | xargs -0 x86_64-w64-mingw32-objdump -p |
     sed -n 's/.*DLL Name: //p' | grep -viE "^($windows|wininet|ws2_32|qvx64)\.")
   [ -z "$foreign" ] || fail "a program needs what Windows does not have: $foreign"
