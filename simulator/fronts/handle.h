@@ -1,4 +1,4 @@
-// A handle of the system that closes itself.
+// Handles of the system that close themselves.
 #pragma once
 
 #include <windows.h>
@@ -7,10 +7,11 @@
 
 namespace qvx::simulator {
 
-struct CloseHandleOf {
-  void operator()(HANDLE handle) const { CloseHandle(handle); }
+template <auto close>
+struct Closing {
+  void operator()(auto handle) const { close(handle); }
 };
-using Handle = std::unique_ptr<void, CloseHandleOf>;
+using Handle = std::unique_ptr<void, Closing<CloseHandle>>;
 
 // Set and reset by hand.
 inline Handle makeEvent() {

@@ -1,7 +1,6 @@
 #include "simulator/fronts/pipe_client.h"
 
 #include <algorithm>
-#include <cstring>
 #include <map>
 
 namespace qvx::simulator {
@@ -34,32 +33,32 @@ PipeClient& PipeClient::of(const std::wstring& pipe) {
   return clients.try_emplace(pipe, pipe).first->second;
 }
 
-std::optional<std::size_t> PipeClient::ask(RequestHead head, std::span<const std::uint8_t> bytes,
-                                           std::span<std::uint8_t> reply, std::uint32_t limit_ms) {
-  head.wanted = static_cast<std::uint32_t>(reply.size());
-  std::vector<std::uint8_t> request(sizeof head + bytes.size()),
-      answer(sizeof(ReplyHead) + reply.size());
-  std::memcpy(request.data(), &head, sizeof head);
-  std::ranges::copy(bytes, request.begin() + sizeof head);
+std::optional<std::size_t> PipeClient::transfer(const RequestHead& head,
+                                                std::span<std::uint8_t> bytes,
+                                                std::uint32_t limit_ms) {
+  const std::size_t sent = head.sets != 0 ? bytes.size() : 0, wanted = bytes.size() - sent;
+  if (sent > mostBytes) return std::nullopt;
+  Request request{head, {}};
+  request.head.wanted = static_cast<std::uint32_t>(wanted);
+  std::ranges::copy(bytes.first(sent), request.bytes);
+  std::vector<std::uint8_t> reply(replyHeadSize + wanted);
 
   auto connection = connect();
   if (!connection) return std::nullopt;
   OVERLAPPED transfer{};
   const HANDLE event = transfer.hEvent = connection->event.get();
   const BOOL done =
-      TransactNamedPipe(connection->pipe.get(), request.data(), static_cast<DWORD>(request.size()),
-                        answer.data(), static_cast<DWORD>(answer.size()), nullptr, &transfer);
+      TransactNamedPipe(connection->pipe.get(), &request, static_cast<DWORD>(sizeof head + sent),
+                        reply.data(), static_cast<DWORD>(reply.size()), nullptr, &transfer);
   const auto size = finish(connection->pipe.get(), transfer, done, {&event, 1}, limit_ms);
-  if (!size || *size < sizeof(ReplyHead)) return std::nullopt;
+  if (!size || *size < replyHeadSize) return std::nullopt;
   {
     const std::lock_guard lock(guard_);
     idle_.push_back(std::move(*connection));
   }
-  ReplyHead told;
-  std::memcpy(&told, answer.data(), sizeof told);
-  if (told.done == 0) return std::nullopt;
-  std::copy_n(answer.begin() + sizeof told, *size - sizeof told, reply.begin());
-  return *size - sizeof told;
+  if (reply[0] == 0) return std::nullopt;
+  std::copy(reply.begin() + replyHeadSize, reply.begin() + *size, bytes.begin());
+  return sent + *size - replyHeadSize;
 }
 
 std::optional<PipeClient::Connection> PipeClient::connect() {

@@ -30,25 +30,10 @@ class PipeClient {
 
   explicit PipeClient(const std::wstring& pipe) : path_(pathOfPipe(pipe)) {}
 
-  // The bytes of the reply, in `reply`; how many there are. Nothing when the camera refuses, takes
-  // too long or is gone.
-  std::optional<std::size_t> ask(RequestHead head, std::span<const std::uint8_t> bytes,
-                                 std::span<std::uint8_t> reply,
-                                 std::uint32_t limit_ms = transferLimit_ms);
-
-  // Bytes to the camera, or from it.
-  std::optional<std::size_t> transfer(const RequestHead& head, bool sends,
-                                      std::span<std::uint8_t> bytes) {
-    return sends ? ask(head, bytes, {}) : ask(head, {}, bytes);
-  }
-
-  // For what has a fixed size.
-  template <class Answer>
-  std::optional<Answer> askFor(const RequestHead& head) {
-    Answer answer;
-    const std::span bytes(reinterpret_cast<std::uint8_t*>(&answer), sizeof answer);
-    return ask(head, {}, bytes) == sizeof answer ? std::optional(answer) : std::nullopt;
-  }
+  // Bytes to the camera, or from it; how many. Nothing when the camera refuses, takes too long or
+  // is gone.
+  std::optional<std::size_t> transfer(const RequestHead& head, std::span<std::uint8_t> bytes,
+                                      std::uint32_t limit_ms = transferLimit_ms);
 
  private:
   struct Connection {

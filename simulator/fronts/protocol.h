@@ -3,7 +3,6 @@
 // unplugged its pipe is gone. A kernel-mode driver is among the fronts: nothing here needs a heap.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -12,35 +11,33 @@
 namespace qvx::simulator {
 
 enum class RequestKind : std::uint32_t {
-  control,       // USB control transfer: `key` begins with the setup packet
-  setProperty,   // of an extension unit: `key` is the set, `number` the selector
-  getProperty,   //
-  setFeature,    // HID feature report, its id in byte 0
-  getFeature,    // of the id `number`
-  setPicture,    // picture property `number`: a PictureValue
-  getPicture,    //
-  pictureRange,  // the reply is a PictureControl
-  frame,         // a picture for video, as YUY2, in the size of the mode `number`
+  control,   // USB control transfer with this `setup`
+  property,  // of an extension unit: `number` is its selector in `set`
+  feature,   // HID feature report of the id `number`, the id in byte 0
+  picture,   // picture property `number`: a PictureValue
+  frame,     // a picture for video, as YUY2, in the size of the mode `number`
 };
-
-using RequestKey = std::array<std::uint8_t, 16>;
 
 struct RequestHead {
   RequestKind kind;
+  std::uint32_t sets;  // 1: bytes for the camera follow; 0: the reply brings some
   std::uint32_t number = 0;
-  RequestKey key{};
-  std::uint32_t wanted = 0;  // bytes of the reply at most, without its head
+  PropertySetId set{};
+  UsbSetup setup{};
+  std::uint32_t wanted = 0;  // of these bytes at most
 };
-static_assert(sizeof(RequestHead) == 28);
+static_assert(sizeof(RequestHead) == 40);
 
-struct ReplyHead {
-  std::uint32_t done;  // 0: the camera has refused
-};
-
-// Of a property or a feature report, and of the messages that carry them.
+// Of a property or a feature report.
 constexpr std::size_t mostBytes = 1024;
-constexpr std::size_t mostRequestBytes = sizeof(RequestHead) + mostBytes;
-constexpr std::size_t mostReplyBytes = sizeof(ReplyHead) + mostBytes;
+
+struct Request {
+  RequestHead head;
+  std::uint8_t bytes[mostBytes];
+};
+
+// A reply begins with a byte of its own, which is 0 when the camera has refused.
+constexpr std::uint32_t replyHeadSize = 1;
 
 // Two bytes a pixel: two lumas share their chroma.
 constexpr std::uint32_t yuy2Bytes(std::uint32_t width, std::uint32_t height) {

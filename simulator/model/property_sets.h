@@ -28,6 +28,12 @@ struct PropertySetId {
 // A property as a log calls it, by the first field of its set: "5A215226/26".
 std::string inWords(const PropertySetId& set, std::uint32_t selector);
 
+// The head of a control transfer.
+struct UsbSetup {
+  std::uint8_t requestType, request;
+  std::uint16_t value, index, length;
+};
+
 // The sets of the bridges. A bridge of variant 1 knows only its own.
 inline constexpr PropertySetId bridgeRegisterSet = {
     0x5A215226, 0x3289, 0x4156, {0x89, 0x4A, 0x5C, 0x55, 0x7C, 0xDF, 0x96, 0x64}};

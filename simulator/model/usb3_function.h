@@ -5,13 +5,9 @@
 #include <map>
 
 #include "simulator/model/camera.h"
+#include "simulator/model/property_sets.h"
 
 namespace qvx::simulator {
-
-struct UsbSetup {
-  std::uint8_t requestType, request;
-  std::uint16_t value, index, length;
-};
 
 // "21 01 0303 0300 2"
 std::string inWords(const UsbSetup& setup);

@@ -1,9 +1,7 @@
 #include "simulator/program/front_requests.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
-#include <optional>
 
 #include "simulator/program/live_picture.h"
 
@@ -13,95 +11,59 @@ namespace {
 
 using ByteVector = std::vector<std::uint8_t>;
 
-struct Request {
-  RequestHead head;
-  std::span<const std::uint8_t> bytes;
-};
-
-// What bytes begin with.
-template <class Value>
-Value as(std::span<const std::uint8_t> bytes) {
-  Value value;
-  std::memcpy(&value, bytes.data(), sizeof value);
-  return value;
-}
-
-template <class Value>
-bool give(const Value& value, ByteVector& reply) {
-  reply.resize(sizeof value);
-  std::memcpy(reply.data(), &value, sizeof value);
-  return true;
-}
-
-// What is asked for carries its answer into the reply, which has the size that is wanted. False for
-// a refusal.
-bool control(CameraDevice& device, const Request& request, ByteVector& reply) {
-  constexpr std::uint8_t toHost = 0x80;
-  const auto setup = as<UsbSetup>(request.head.key);
-  const bool reads = (setup.requestType & toHost) != 0;
-  if (!reads) reply.assign(request.bytes.begin(), request.bytes.end());
-  const auto moved = device.usb3.transfer(setup, reply);
-  reply.resize(reads ? moved.value_or(0) : 0);
+// Each takes bytes to the camera or from it. False for a refusal.
+bool control(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
+  const auto moved = device.usb3.transfer(head.setup, bytes);
+  bytes.resize(moved.value_or(0));
   return moved.has_value();
 }
 
-bool setProperty(CameraDevice& device, const Request& request, ByteVector& /*reply*/) {
-  return device.extensionUnit.set(as<PropertySetId>(request.head.key), request.head.number,
-                                  request.bytes);
+bool property(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
+  ExtensionUnit& unit = device.extensionUnit;
+  return head.sets != 0 ? unit.set(head.set, head.number, bytes)
+                        : unit.get(head.set, head.number, bytes);
 }
 
-bool getProperty(CameraDevice& device, const Request& request, ByteVector& reply) {
-  return device.extensionUnit.get(as<PropertySetId>(request.head.key), request.head.number, reply);
+bool feature(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
+  if (head.sets != 0) return device.hid.setFeature(bytes);
+  if (!bytes.empty()) bytes[0] = static_cast<std::uint8_t>(head.number);
+  return device.hid.getFeature(bytes);
 }
 
-bool setFeature(CameraDevice& device, const Request& request, ByteVector& /*reply*/) {
-  return device.hid.setFeature(request.bytes);
+bool picture(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
+  const auto* const control = pictureControl(static_cast<std::int32_t>(head.number));
+  PictureValue wire;
+  if (control == nullptr || bytes.size() != sizeof wire) return false;
+  PictureControls& controls = device.camera.picture();
+  std::memcpy(&wire, bytes.data(), sizeof wire);
+  if (head.sets != 0) {
+    return device.camera.tap().losesWrites ||
+           controls.set(*control, {wire.value, wire.automatic != 0});
+  }
+  const auto [value, automatic] = controls.get(*control);
+  wire = {value, automatic};
+  std::memcpy(bytes.data(), &wire, sizeof wire);
+  return true;
 }
 
-bool getFeature(CameraDevice& device, const Request& request, ByteVector& reply) {
-  if (!reply.empty()) reply[0] = static_cast<std::uint8_t>(request.head.number);
-  return device.hid.getFeature(reply);
-}
+// What is an access of the camera, by its kind.
+constexpr bool (*transfers[])(CameraDevice&, const RequestHead&, ByteVector&) = {control, property,
+                                                                                 feature, picture};
 
-const PictureControl* controlOf(const Request& request) {
-  return pictureControl(static_cast<std::int32_t>(request.head.number));
+// "control 21 01 0303 0300 2", "set 5A215226/26", "set feature", "get feature 93", "get picture 7".
+std::string inWords(const RequestHead& head) {
+  const std::string verb = head.sets != 0 ? "set " : "get ";
+  switch (head.kind) {
+    case RequestKind::control:
+      return "control " + inWords(head.setup);
+    case RequestKind::property:
+      return verb + inWords(head.set, head.number);
+    case RequestKind::feature:
+      return verb + (head.sets != 0 ? "feature" : "feature " + hex(head.number, 2).substr(2));
+    default:
+      return verb + "picture " + std::to_string(head.number);
+  }
 }
-
-bool setPicture(CameraDevice& device, const Request& request, ByteVector& /*reply*/) {
-  const PictureControl* const control = controlOf(request);
-  if (control == nullptr || request.bytes.size() != sizeof(PictureValue)) return false;
-  const auto [value, automatic] = as<PictureValue>(request.bytes);
-  return device.camera.tap().losesWrites ||
-         device.camera.picture().set(*control, {value, automatic != 0});
-}
-
-bool getPicture(CameraDevice& device, const Request& request, ByteVector& reply) {
-  const PictureControl* const control = controlOf(request);
-  if (control == nullptr) return false;
-  const auto [value, automatic] = device.camera.picture().get(*control);
-  return give(PictureValue{value, automatic}, reply);
-}
-
-bool pictureRange(CameraDevice& /*device*/, const Request& request, ByteVector& reply) {
-  const PictureControl* const control = controlOf(request);
-  return control != nullptr && give(*control, reply);
-}
-
-// What is an access of the camera, and how the log calls it.
-constexpr struct {
-  RequestKind kind;
-  const char* name;
-  bool (*carry)(CameraDevice&, const Request&, ByteVector&);
-} transfers[] = {
-    {RequestKind::control, "control", control},
-    {RequestKind::setProperty, "set", setProperty},
-    {RequestKind::getProperty, "get", getProperty},
-    {RequestKind::setFeature, "set feature", setFeature},
-    {RequestKind::getFeature, "get feature", getFeature},
-    {RequestKind::setPicture, "set picture", setPicture},
-    {RequestKind::getPicture, "get picture", getPicture},
-    {RequestKind::pictureRange, "picture range", pictureRange},
-};
 
 // Without the padding that most transfers end with.
 std::string shortHex(std::span<const std::uint8_t> bytes) {
@@ -113,39 +75,16 @@ std::string shortHex(std::span<const std::uint8_t> bytes) {
   return hex(bytes.first(size)) + " (and " + std::to_string(zeros) + " zeros)";
 }
 
-// "control 21 01 0303 0300 2", "set 5A215226/26", "get picture 7".
-std::string headInWords(const char* name, const RequestHead& head) {
-  char text[64];
-  if (head.kind == RequestKind::control) {
-    const auto setup = as<UsbSetup>(head.key);
-    std::snprintf(text, sizeof text, "%s %02X %02X %04X %04X %u", name, setup.requestType,
-                  setup.request, setup.value, setup.index, setup.length);
-  } else if (head.kind == RequestKind::setProperty || head.kind == RequestKind::getProperty) {
-    std::snprintf(text, sizeof text, "%s %08X/%u", name, as<PropertySetId>(head.key).data1,
-                  head.number);
-  } else if (head.kind == RequestKind::setFeature) {
-    std::snprintf(text, sizeof text, "%s", name);
-  } else if (head.kind == RequestKind::getFeature) {
-    std::snprintf(text, sizeof text, "%s %02X", name, head.number);
-  } else {
-    std::snprintf(text, sizeof text, "%s %u", name, head.number);
-  }
-  return text;
-}
-
-template <class Transfer>
-Reply carryOut(CameraDevice& device, const Transfer& transfer, const Request& request) {
+Reply carryOut(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
   std::string happened;
   device.camera.tap().tell = [&happened](const std::string& line) { happened += "  " + line; };
-  ByteVector bytes(request.head.wanted);
   Reply reply;
-  reply.done = transfer.carry(device, request, bytes);
+  reply.done = transfers[static_cast<std::size_t>(head.kind)](device, head, bytes);
   device.camera.tap().tell = nullptr;
-  reply.text = headInWords(transfer.name, request.head);
-  if (reply.done) reply.bytes.assign(bytes.begin(), bytes.end());
-  const auto moved = bytes.empty() ? request.bytes : std::span<const std::uint8_t>(bytes);
-  reply.text += !reply.done ? ": refused" : moved.empty() ? "" : ": " + shortHex(moved);
+  reply.text = inWords(head);
+  reply.text += !reply.done ? ": refused" : bytes.empty() ? "" : ": " + shortHex(bytes);
   reply.text += happened;
+  if (reply.done && head.sets == 0) reply.bytes.assign(bytes.begin(), bytes.end());
   return reply;
 }
 
@@ -178,20 +117,16 @@ Reply frame(PluggedCamera& camera, const RequestHead& head) {
 
 }  // namespace
 
-std::string answerFront(PluggedCamera& camera, std::span<const std::uint8_t> message) {
+std::string answerFront(PluggedCamera& camera, const Request& request, std::size_t size) {
+  const RequestHead& head = request.head;
   Reply reply;
-  if (message.size() >= sizeof(RequestHead)) {
-    Request request{as<RequestHead>(message), message.subspan(sizeof(RequestHead))};
-    if (request.head.kind == RequestKind::frame) reply = frame(camera, request.head);
-    request.head.wanted = std::min<std::uint32_t>(request.head.wanted, mostBytes);
-    for (const auto& transfer : transfers) {
-      if (transfer.kind != request.head.kind) continue;
-      reply =
-          camera.carry([&](CameraDevice& device) { return carryOut(device, transfer, request); });
-    }
+  if (size >= sizeof head && head.kind == RequestKind::frame) reply = frame(camera, head);
+  if (size >= sizeof head && static_cast<std::size_t>(head.kind) < std::size(transfers)) {
+    ByteVector bytes(request.bytes, request.bytes + (size - sizeof head));
+    if (head.sets == 0) bytes.assign(std::min<std::size_t>(head.wanted, mostBytes), 0);
+    reply = camera.carry([&](CameraDevice& device) { return carryOut(device, head, bytes); });
   }
-  const ReplyHead head{reply.done};
-  return std::string(reinterpret_cast<const char*>(&head), sizeof head) + reply.bytes;
+  return std::string(1, static_cast<char>(reply.done)) + reply.bytes;
 }
 
 }  // namespace qvx::simulator

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "simulator/fronts/handle.h"
 #include "simulator/program/plugs.h"
 
 namespace qvx::simulator {
@@ -65,30 +66,20 @@ bool awaitListed(const CameraRecords& cameras, bool listed) {
   });
 }
 
-struct CloseService {
-  void operator()(SC_HANDLE handle) const { CloseServiceHandle(handle); }
-};
-using Service = std::unique_ptr<SC_HANDLE__, CloseService>;
+using Service = std::unique_ptr<SC_HANDLE__, Closing<CloseServiceHandle>>;
 
-Service services() {
-  return Service(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
-}
-
-// The driver as a service; null when there is none.
-Service installed() {
-  return Service(OpenServiceW(services().get(), serviceName, SERVICE_ALL_ACCESS));
-}
-
-// Only drivers of this group are told of the devices below the root bus.
-Service install(const std::wstring& path) {
-  Service driver = installed();
-  if (driver == nullptr) {
-    driver.reset(CreateServiceW(services().get(), serviceName, serviceName, SERVICE_ALL_ACCESS,
-                                SERVICE_KERNEL_DRIVER, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
-                                path.c_str(), L"WinePlugPlay", nullptr, nullptr, nullptr, nullptr));
-  } else {
+// The driver, installed with that file if it is not and there is one; null when there is none. Only
+// drivers of this group are told of the devices below the root bus.
+Service driverFrom(const wchar_t* file) {
+  const Service all(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
+  Service driver(OpenServiceW(all.get(), serviceName, SERVICE_ALL_ACCESS));
+  if (driver != nullptr) {
     ChangeServiceConfigW(driver.get(), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, SERVICE_NO_CHANGE,
-                         path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+                         file, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+  } else if (file != nullptr) {
+    driver.reset(CreateServiceW(all.get(), serviceName, serviceName, SERVICE_ALL_ACCESS,
+                                SERVICE_KERNEL_DRIVER, SERVICE_DEMAND_START, SERVICE_ERROR_NORMAL,
+                                file, L"WinePlugPlay", nullptr, nullptr, nullptr, nullptr));
   }
   return driver;
 }
@@ -109,7 +100,7 @@ std::string plugIn(const CameraRecords& cameras) {
   if (!std::ranges::all_of(cameras, writeDevice)) {
     return "the registry's list of devices cannot be written";
   }
-  if (!enumerate(install(driverFile))) return "the HID driver does not start";
+  if (!enumerate(driverFrom(driverFile.c_str()))) return "the HID driver does not start";
   return awaitListed(cameras, true) ? "" : "the system does not list the HID devices";
 }
 
@@ -119,7 +110,7 @@ void takeOut(const CameraRecords& cameras, bool last) {
   for (const CameraRecord& camera : cameras) {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, keyOf(camera, L"ROOT").c_str());
   }
-  const Service driver = installed();
+  const Service driver = driverFrom(nullptr);
   if (driver == nullptr) return;
   if (enumerate(driver)) awaitListed(cameras, false);
   SERVICE_STATUS status;

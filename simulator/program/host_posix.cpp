@@ -1,6 +1,8 @@
+#include <semaphore.h>
 #include <spawn.h>
 #include <sys/wait.h>
 
+#include <atomic>
 #include <csignal>
 #include <vector>
 
@@ -12,53 +14,39 @@ namespace qvx::simulator {
 
 namespace {
 
-sigset_t interrupts() {
-  sigset_t signals;
-  sigemptyset(&signals);
-  for (const int signal : {SIGINT, SIGTERM, SIGCHLD}) sigaddset(&signals, signal);
-  return signals;
-}
+sem_t interrupted;
+std::atomic<pid_t> child = 0;  // the program that runs; it has Ctrl-C from the terminal itself
 
-// With no signal kept from it.
-std::optional<pid_t> start(std::span<const std::string> arguments) {
-  std::vector<char*> words;
-  for (const std::string& word : arguments) words.push_back(const_cast<char*>(word.c_str()));
-  words.push_back(nullptr);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t none;
-  sigemptyset(&none);
-  posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  pid_t child = 0;
-  const int error = posix_spawnp(&child, words[0], nullptr, &attributes, words.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  return error == 0 ? std::optional(child) : std::nullopt;
+void onInterrupt(int signal) {
+  if (child == 0) sem_post(&interrupted);
+  if (child != 0 && signal == SIGTERM) kill(child, SIGTERM);
 }
 
 }  // namespace
 
 void claimInterrupts() {
-  const sigset_t signals = interrupts();
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  sem_init(&interrupted, 0, 0);
+  for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, onInterrupt);
 }
 
 void awaitInterrupt() {
-  const sigset_t signals = interrupts();
-  for (int signal = 0; signal != SIGINT && signal != SIGTERM;) sigwait(&signals, &signal);
+  while (sem_wait(&interrupted) != 0) {
+  }
 }
 
 std::optional<int> runProgram(std::span<const std::string> arguments) {
   constexpr int killedBySignal = 128;
-  const auto child = start(arguments);
-  if (!child) return std::nullopt;
-  const sigset_t signals = interrupts();
+  std::vector<char*> words;
+  for (const std::string& word : arguments) words.push_back(const_cast<char*>(word.c_str()));
+  words.push_back(nullptr);
+  pid_t started = 0;
+  if (posix_spawnp(&started, words[0], nullptr, nullptr, words.data(), environ) != 0) return {};
+  child = started;
+  if (sem_trywait(&interrupted) == 0) kill(started, SIGTERM);  // it came while the program did
   int status = 0;
-  while (waitpid(*child, &status, WNOHANG) == 0) {
-    int signal = 0;
-    sigwait(&signals, &signal);
-    if (signal == SIGTERM) kill(*child, SIGTERM);
+  while (waitpid(started, &status, 0) < 0) {
   }
+  child = 0;
   return WIFEXITED(status) ? WEXITSTATUS(status) : killedBySignal + WTERMSIG(status);
 }
 

@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <regex>
 
 #include "simulator/fronts/handle.h"
 #include "simulator/fronts/text.h"
@@ -18,17 +19,11 @@ BOOL WINAPI onInterrupt(DWORD /*event*/) {
   return TRUE;
 }
 
-// As the C runtime of the program takes it apart again.
+// As the C runtime of the program takes it apart again: backslashes count where a quote follows.
 std::wstring asArgument(const std::wstring& argument) {
   if (!argument.empty() && argument.find_first_of(L" \t\"") == std::wstring::npos) return argument;
-  std::wstring result = L"\"";
-  std::size_t backslashes = 0;
-  for (const wchar_t character : argument) {
-    if (character == L'"') result.append(backslashes + 1, L'\\');
-    backslashes = character == L'\\' ? backslashes + 1 : 0;
-    result += character;
-  }
-  return result.append(backslashes, L'\\') + L'"';
+  const auto escaped = std::regex_replace(argument, std::wregex(L"(\\\\*)\""), L"$1$1\\\"");
+  return L'"' + std::regex_replace(escaped, std::wregex(L"(\\\\+)$"), L"$1$1") + L'"';
 }
 
 // Null when it does not start.

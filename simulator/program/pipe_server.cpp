@@ -24,7 +24,7 @@ void PipeServer::listen() {
   Handle instance(
       CreateNamedPipeW(path_.c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED,
                        PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE | PIPE_REJECT_REMOTE_CLIENTS,
-                       PIPE_UNLIMITED_INSTANCES, mostReplyBytes, mostRequestBytes, 0, nullptr));
+                       PIPE_UNLIMITED_INSTANCES, sizeof(Request), sizeof(Request), 0, nullptr));
   if (instance.get() == INVALID_HANDLE_VALUE) return;
   {
     const std::lock_guard lock(guard_);
@@ -49,12 +49,11 @@ void PipeServer::serve(HANDLE instance) {
   await(ConnectNamedPipe(instance, &operation));
   if (WaitForSingleObject(closing_.get(), 0) == WAIT_OBJECT_0) return;
   listen();
-  std::array<std::uint8_t, mostRequestBytes> request{};
+  Request request{};
   for (;;) {
-    const auto asked =
-        await(ReadFile(instance, request.data(), request.size(), nullptr, &operation));
+    const auto asked = await(ReadFile(instance, &request, sizeof request, nullptr, &operation));
     if (!asked) return;
-    const std::string reply = answerFront(camera_, {request.data(), *asked});
+    const std::string reply = answerFront(camera_, request, *asked);
     if (!camera_.isPluggedIn() ||
         !await(WriteFile(instance, reply.data(), static_cast<DWORD>(reply.size()), nullptr,
                          &operation))) {

@@ -1,22 +1,23 @@
 #include "simulator/fronts/capture_filter/capture_filter.h"
 
+#include <bit>
 #include <string>
 
 #include "simulator/fronts/capture_filter/capture_pin.h"
-#include "simulator/fronts/capture_filter/topology.h"
-#include "simulator/fronts/capture_filter/video_proc_amp.h"
+#include "simulator/model/picture_controls.h"
 
 namespace qvx::simulator {
 
 namespace {
 
-class CaptureFilter final : public ComObject<IBaseFilter> {
+class CaptureFilter final
+    : public ComObject<IBaseFilter, IAMVideoProcAmp, IKsTopologyInfo, IKsControl> {
  public:
-  CaptureFilter(PipeClient& camera, const CameraRecord& record)
-      : pin_(*this, camera, record.productId),
-        procAmp_(*this, camera),
-        topology_(*this, camera, record.unit),
-        hasTopology_(record.unit != Unit::plain) {}
+  explicit CaptureFilter(const CameraRecord& record)
+      : camera_(PipeClient::of(record.pipe)),
+        hasTopology_(record.unit != Unit::plain),
+        extensions_(extensionsOf(record.unit)),
+        pin_(*this, camera_, record.productId) {}
 
   // As for real cameras.
   STDMETHODIMP GetClassID(CLSID* id) override {
@@ -76,22 +77,138 @@ class CaptureFilter final : public ComObject<IBaseFilter> {
   }
   STDMETHODIMP QueryVendorInfo(LPWSTR*) override { return E_NOTIMPL; }
 
+  // The picture controls.
+  STDMETHODIMP GetRange(long property, long* least, long* most, long* step, long* standard,
+                        long* flags) override {
+    PictureValue current;
+    if (!transferPicture(property, false, current)) return E_PROP_ID_UNSUPPORTED;
+    const PictureControl& control = *pictureControl(property);
+    *least = control.least;
+    *most = control.most;
+    *step = control.step;
+    *standard = control.standard;
+    *flags = VideoProcAmp_Flags_Manual | (control.hasAutomatic ? VideoProcAmp_Flags_Auto : 0);
+    return S_OK;
+  }
+  STDMETHODIMP Set(long property, long value, long flags) override {
+    PictureValue wanted = {value, flags == VideoProcAmp_Flags_Auto};
+    return transferPicture(property, true, wanted) ? S_OK : E_INVALIDARG;
+  }
+  STDMETHODIMP Get(long property, long* value, long* flags) override {
+    PictureValue current;
+    if (!transferPicture(property, false, current)) return E_PROP_ID_UNSUPPORTED;
+    *value = current.value;
+    *flags = current.automatic != 0 ? VideoProcAmp_Flags_Auto : VideoProcAmp_Flags_Manual;
+    return S_OK;
+  }
+
+  // The nodes: what processes pictures, then the extension units, then where the pictures go.
+  STDMETHODIMP get_NumCategories(DWORD* count) override {
+    *count = 1;
+    return S_OK;
+  }
+  STDMETHODIMP get_Category(DWORD index, GUID* category) override {
+    if (index != 0) return E_INVALIDARG;
+    *category = {STATIC_KSCATEGORY_VIDEO};
+    return S_OK;
+  }
+  STDMETHODIMP get_NumConnections(DWORD* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  STDMETHODIMP get_ConnectionInfo(DWORD, KSTOPOLOGY_CONNECTION*) override { return E_INVALIDARG; }
+  STDMETHODIMP get_NodeName(DWORD, WCHAR*, DWORD, DWORD* length) override {
+    *length = 0;
+    return E_NOTIMPL;
+  }
+  STDMETHODIMP get_NumNodes(DWORD* count) override {
+    *count = nodeCount();
+    return S_OK;
+  }
+  STDMETHODIMP get_NodeType(DWORD node, GUID* type) override {
+    constexpr GUID first[] = {{STATIC_KSNODETYPE_VIDEO_CAMERA_TERMINAL},
+                              {STATIC_KSNODETYPE_VIDEO_PROCESSING}};
+    if (node >= nodeCount()) return E_INVALIDARG;
+    *type = node < firstExtension     ? first[node]
+            : node == nodeCount() - 1 ? GUID{STATIC_KSNODETYPE_VIDEO_STREAMING}
+                                      : GUID{STATIC_KSNODETYPE_DEV_SPECIFIC};
+    return S_OK;
+  }
+  STDMETHODIMP CreateNodeInstance(DWORD node, REFIID iid, void** object) override {
+    return node < nodeCount() ? QueryInterface(iid, object) : E_INVALIDARG;
+  }
+
+  // Requests to extension units of exactly the given bytes.
+  STDMETHODIMP KsProperty(PKSPROPERTY property, ULONG propertySize, LPVOID data, ULONG dataSize,
+                          ULONG* returned) override {
+    if (returned == nullptr) return E_POINTER;
+    *returned = 0;
+    const bool ofNode = (property->Flags & KSPROPERTY_TYPE_TOPOLOGY) != 0;
+    if (!ofNode || propertySize < sizeof(KSP_NODE)) return failure(ERROR_INVALID_PARAMETER);
+    const ULONG node = reinterpret_cast<const KSP_NODE*>(property)->NodeId;
+    if (node >= nodeCount()) return failure(ERROR_INVALID_PARAMETER);
+    if (!has(node, property->Set)) return failure(ERROR_SET_NOT_FOUND);
+
+    const ULONG type = property->Flags & ~KSPROPERTY_TYPE_TOPOLOGY;
+    const bool sets = type == KSPROPERTY_TYPE_SET;
+    if (type == KSPROPERTY_TYPE_SETSUPPORT) return S_OK;
+    if (!sets && type != KSPROPERTY_TYPE_GET) return failure(ERROR_NOT_SUPPORTED);
+    const RequestHead head{RequestKind::property, sets, property->Id,
+                           std::bit_cast<PropertySetId>(property->Set)};
+    const auto moved = camera_.transfer(head, {static_cast<std::uint8_t*>(data), dataSize});
+    if (!moved) return failure(ERROR_GEN_FAILURE);
+    if (!sets) *returned = static_cast<ULONG>(*moved);
+    return S_OK;
+  }
+  STDMETHODIMP KsMethod(PKSMETHOD, ULONG, LPVOID, ULONG, ULONG*) override { return E_NOTIMPL; }
+  STDMETHODIMP KsEvent(PKSEVENT, ULONG, LPVOID, ULONG, ULONG*) override { return E_NOTIMPL; }
+
  protected:
   void* find(REFIID iid) override {
+    const bool isTopology = iid == __uuidof(IKsTopologyInfo) || iid == __uuidof(IKsControl);
+    if (isTopology && !hasTopology_) return nullptr;
     if (iid == __uuidof(IMediaFilter) || iid == __uuidof(IPersist)) {
       return static_cast<IBaseFilter*>(this);
     }
-    void* found = ComObject::find(iid);
-    if (found == nullptr) found = procAmp_.find(iid);
-    if (found == nullptr && hasTopology_) found = topology_.find(iid);
-    return found;
+    return ComObject::find(iid);
   }
 
  private:
-  CapturePin pin_;
-  VideoProcAmp procAmp_;
-  Topology topology_;
+  // The one property set of each.
+  using Extensions = std::span<const PropertySetId* const>;
+
+  static constexpr DWORD firstExtension = 2;
+
+  // One of another maker comes first: a client must ask each for the set it wants.
+  static Extensions extensionsOf(Unit unit) {
+    static constexpr const PropertySetId* bridge[] = {nullptr, &bridgeRegisterSet,
+                                                      &bridgeCommandSet};
+    static constexpr const PropertySetId* variant1[] = {&bridgeVariant1Set};
+    if (unit == Unit::bridge) return bridge;
+    if (unit == Unit::variant1) return variant1;
+    return unit == Unit::foreign ? Extensions(bridge).first(1) : Extensions();
+  }
+
+  static HRESULT failure(DWORD error) { return HRESULT_FROM_WIN32(error); }
+
+  DWORD nodeCount() const { return firstExtension + static_cast<DWORD>(extensions_.size()) + 1; }
+
+  bool has(ULONG node, const GUID& set) const {
+    if (node < firstExtension || node == nodeCount() - 1) return false;
+    const PropertySetId* const own = extensions_[node - firstExtension];
+    return own != nullptr && *own == std::bit_cast<PropertySetId>(set);
+  }
+
+  bool transferPicture(long property, bool sets, PictureValue& value) {
+    const RequestHead head{RequestKind::picture, sets, static_cast<std::uint32_t>(property)};
+    auto* const bytes = reinterpret_cast<std::uint8_t*>(&value);
+    return camera_.transfer(head, {bytes, sizeof value}) == sizeof value;
+  }
+
+  PipeClient& camera_;
   const bool hasTopology_;
+  const Extensions extensions_;
+  CapturePin pin_;
 
   FILTER_STATE state_ = State_Stopped;
   ComPtr<IReferenceClock> clock_;
@@ -102,7 +219,7 @@ class CaptureFilter final : public ComObject<IBaseFilter> {
 }  // namespace
 
 IBaseFilter* makeCaptureFilter(const CameraRecord& camera) {
-  return new CaptureFilter(PipeClient::of(camera.pipe), camera);
+  return new CaptureFilter(camera);
 }
 
 }  // namespace qvx::simulator

@@ -14,12 +14,12 @@
 namespace qvx::simulator {
 
 // Lives and dies with its filter, but is a COM object of its own.
-class CapturePin final : public ComPart<IPin, IAMStreamConfig, IKsPropertySet> {
+class CapturePin final : public IPin, public IAMStreamConfig, public IKsPropertySet {
  public:
   static constexpr wchar_t name[] = L"Capture";
 
   CapturePin(IBaseFilter& filter, PipeClient& camera, std::uint16_t productId)
-      : ComPart(filter), filter_(filter), stream_(camera) {
+      : filter_(filter), stream_(camera) {
     const auto modes = videoModesFor(productId);
     sizes_.assign(modes.begin(), modes.end());
     std::ranges::sort(sizes_, {}, &VideoMode::width);
@@ -29,11 +29,13 @@ class CapturePin final : public ComPart<IPin, IAMStreamConfig, IKsPropertySet> {
   VideoStream& stream() { return stream_; }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    *object = iid == __uuidof(IUnknown) ? static_cast<IPin*>(this) : find(iid);
+    *object = interfaceOf<IPin, IAMStreamConfig, IKsPropertySet>(this, iid);
     if (*object == nullptr) return E_NOINTERFACE;
     AddRef();
     return S_OK;
   }
+  STDMETHODIMP_(ULONG) AddRef() override { return filter_.AddRef(); }
+  STDMETHODIMP_(ULONG) Release() override { return filter_.Release(); }
 
   // Tries what the caller allows, in the order in which it is offered.
   STDMETHODIMP Connect(IPin* other, const AM_MEDIA_TYPE* wanted) override {

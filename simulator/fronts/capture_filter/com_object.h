@@ -12,10 +12,12 @@ namespace qvx::simulator {
 
 using Microsoft::WRL::ComPtr;
 
-// The pointer to the interface with this id, among those listed; null when it is none of them.
-template <class... Interfaces, class Object>
+// The pointer to the interface with this id, among those listed, the first of which is the object's
+// identity; null when it is none of them.
+template <class First, class... Interfaces, class Object>
 void* interfaceOf(Object* object, REFIID iid) {
-  void* found = nullptr;
+  const bool isFirst = iid == __uuidof(IUnknown) || iid == __uuidof(First);
+  void* found = isFirst ? static_cast<First*>(object) : nullptr;
   ((iid == __uuidof(Interfaces) ? found = static_cast<Interfaces*>(object) : nullptr), ...);
   return found;
 }
@@ -41,34 +43,10 @@ class ComObject : public First, public Others... {
  protected:
   virtual ~ComObject() = default;
 
-  virtual void* find(REFIID iid) {
-    if (iid == __uuidof(IUnknown)) return static_cast<First*>(this);
-    return interfaceOf<First, Others...>(this, iid);
-  }
+  virtual void* find(REFIID iid) { return interfaceOf<First, Others...>(this, iid); }
 
  private:
   std::atomic<ULONG> references_{1};
-};
-
-// Interfaces of a COM object that live in a member of it: the object answers and counts for them.
-template <class First, class... Others>
-class ComPart : public First, public Others... {
- public:
-  explicit ComPart(IUnknown& whole) : whole_(whole) {}
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    return whole_.QueryInterface(iid, object);
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return whole_.AddRef(); }
-  STDMETHODIMP_(ULONG) Release() override { return whole_.Release(); }
-
-  void* find(REFIID iid) { return interfaceOf<First, Others...>(this, iid); }
-
- protected:
-  ~ComPart() = default;
-
- private:
-  IUnknown& whole_;
 };
 
 // An enumerator of items that are made one by one.

@@ -17,22 +17,20 @@ inline HRESULT fillMediaType(const VideoMode& size, AM_MEDIA_TYPE& type) {
   type = {};
   auto* const format = static_cast<VIDEOINFOHEADER*>(CoTaskMemAlloc(sizeof(VIDEOINFOHEADER)));
   if (format == nullptr) return E_OUTOFMEMORY;
-  *format = {};
-  format->AvgTimePerFrame = frameTime_100ns;
-  format->bmiHeader.biSize = sizeof format->bmiHeader;
-  format->bmiHeader.biWidth = size.width;
-  format->bmiHeader.biHeight = size.height;
-  format->bmiHeader.biPlanes = 1;
-  format->bmiHeader.biBitCount = 16;
-  format->bmiHeader.biCompression = MAKEFOURCC('Y', 'U', 'Y', '2');
-  format->bmiHeader.biSizeImage = yuy2Bytes(size.width, size.height);
-  type.majortype = MEDIATYPE_Video;
-  type.subtype = MEDIASUBTYPE_YUY2;
-  type.bFixedSizeSamples = TRUE;
-  type.lSampleSize = format->bmiHeader.biSizeImage;
-  type.formattype = FORMAT_VideoInfo;
-  type.cbFormat = sizeof *format;
-  type.pbFormat = reinterpret_cast<BYTE*>(format);
+  const DWORD bytes = yuy2Bytes(size.width, size.height);
+  const BITMAPINFOHEADER header = {
+      sizeof header, size.width, size.height, 1, 16, MAKEFOURCC('Y', 'U', 'Y', '2'),
+      bytes,         0,          0,           0, 0};
+  *format = {{}, {}, 0, 0, frameTime_100ns, header};
+  type = {MEDIATYPE_Video,
+          MEDIASUBTYPE_YUY2,
+          TRUE,
+          FALSE,
+          bytes,
+          FORMAT_VideoInfo,
+          nullptr,
+          sizeof *format,
+          reinterpret_cast<BYTE*>(format)};
   return S_OK;
 }
 

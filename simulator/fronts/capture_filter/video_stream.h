@@ -104,13 +104,13 @@ class VideoStream {
   // Whether it goes on. A camera that is gone gives no more pictures, and no error either.
   bool send() {
     constexpr std::uint32_t limit_ms = 15'000;  // large pictures on a busy machine
-    const RequestHead request{RequestKind::frame, static_cast<std::uint32_t>(size_.command)};
+    const RequestHead request{RequestKind::frame, 0, static_cast<std::uint32_t>(size_.command)};
     const std::size_t size = yuy2Bytes(size_.width, size_.height);
     ComPtr<IMediaSample> sample;
     if (FAILED(allocator_->GetBuffer(&sample, nullptr, nullptr, 0))) return false;
     BYTE* bytes = nullptr;
     sample->GetPointer(&bytes);
-    if (camera_.ask(request, {}, {bytes, size}, limit_ms) != size) return true;
+    if (camera_.transfer(request, {bytes, size}, limit_ms) != size) return true;
     sample->SetActualDataLength(static_cast<long>(size));
     sample->SetSyncPoint(TRUE);
     return !stamp(*sample.Get()) || input_->Receive(sample.Get()) == S_OK;

@@ -41,9 +41,9 @@ struct DeviceExtension {
 };
 
 struct Attributes {
-  ULONG size;
-  USHORT vendorId, productId, version;
-  USHORT reserved[11];
+  ULONG size = sizeof(Attributes);
+  USHORT vendorId, productId, version = 0x0100;
+  USHORT reserved[11] = {};
 };
 
 struct TransferPacket {
@@ -54,10 +54,10 @@ struct TransferPacket {
 
 #pragma pack(push, 1)
 struct Descriptor {
-  UCHAR size, type;
-  USHORT version;
-  UCHAR country, descriptorCount;
-  UCHAR reportType;
+  UCHAR size = sizeof(Descriptor), type = 0x21;
+  USHORT hidVersion = 0x0111;
+  UCHAR country = 0, descriptorCount = 1;
+  UCHAR reportType = 0x22;
   USHORT reportSize;
 };
 #pragma pack(pop)

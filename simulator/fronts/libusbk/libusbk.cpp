@@ -1,53 +1,44 @@
 // A stand-in for libusbK.dll: the USB 3 cameras of all simulators that run on this machine.
 #include <array>
+#include <bit>
 #include <cstdio>
-#include <cstring>
 
+#include "platform/libusbk.h"
 #include "simulator/fronts/camera_list.h"
 #include "simulator/fronts/pipe_client.h"
 #include "simulator/fronts/text.h"
 #include "simulator/model/usb3_device_list.h"
-#include "simulator/model/usb3_function.h"
 
 namespace {
 
 using namespace qvx::simulator;
 
-constexpr std::size_t textSize = 256;
+using qvx::platform::KLST_DEVINFO;
+using qvx::platform::KUSB_DRIVER_API;
+using qvx::platform::WINUSB_PIPE_INFORMATION;
+using qvx::platform::WINUSB_SETUP_PACKET;
 
-// The library's record of a device, as its clients know it.
-struct DeviceRecord {
-  std::int32_t vendorId, productId, interfaceNumber;
-  char instance[textSize];
-  std::int32_t driver;
-  char interfaceGuid[textSize], deviceId[textSize], classGuid[textSize], maker[textSize],
-      description[textSize], service[textSize], symbolicLink[textSize], path[textSize];
-  std::int32_t filterIndex, connected, syncFlags, bus, address;
-  char serialNumber[textSize];
-};
-static_assert(sizeof(DeviceRecord) == 2596);
-
-using DeviceList = Usb3DeviceList<DeviceRecord>;
+using DeviceList = Usb3DeviceList<KLST_DEVINFO>;
 
 // A record's path is the camera's pipe.
-DeviceRecord recordOf(const CameraRecord& camera) {
-  DeviceRecord record{};
-  record.vendorId = camera.vendorId;
-  record.productId = camera.productId;
-  record.connected = 1;
-  const auto copy = [](char(&field)[textSize], const std::string& text) {
-    std::snprintf(field, textSize, "%s", text.c_str());
+KLST_DEVINFO recordOf(const CameraRecord& camera) {
+  KLST_DEVINFO record{};
+  record.Common.Vid = camera.vendorId;
+  record.Common.Pid = camera.productId;
+  record.Connected = 1;
+  const auto copy = [](auto& field, const std::string& text) {
+    std::snprintf(field, sizeof field, "%s", text.c_str());
   };
-  copy(record.instance, std::to_string(camera.order));
-  copy(record.path, narrow(camera.pipe));
-  copy(record.description, camera.name);
-  copy(record.maker, "QVX64");
+  copy(record.Common.InstanceID, std::to_string(camera.order));
+  copy(record.DevicePath, narrow(camera.pipe));
+  copy(record.DeviceDesc, camera.name);
+  copy(record.Mfg, "QVX64");
   return record;
 }
 
 // Handles are never closed: one of each camera serves all its clients.
-BOOL WINAPI openDevice(void** handle, DeviceRecord* record) {
-  const std::wstring pipe = wide(record->path);
+BOOL WINAPI openDevice(void** handle, const KLST_DEVINFO* record) {
+  const std::wstring pipe = wide(record->DevicePath);
   if (!isServed(pipe)) {
     SetLastError(ERROR_GEN_FAILURE);
     return FALSE;
@@ -56,38 +47,21 @@ BOOL WINAPI openDevice(void** handle, DeviceRecord* record) {
   return TRUE;
 }
 
-struct PipeInformation {
-  std::int32_t type;
-  std::uint8_t id;
-  std::uint16_t maximumPacketSize;
-  std::uint8_t interval;
-};
-
 // The video stream and the status interrupt.
 BOOL WINAPI queryPipe(void* /*handle*/, std::uint8_t alternateSetting, std::uint8_t index,
-                      PipeInformation* pipe) {
-  constexpr std::array<PipeInformation, 2> pipes = {{{2, 0x81, 1024, 0}, {3, 0x82, 64, 8}}};
+                      WINUSB_PIPE_INFORMATION* pipe) {
+  constexpr std::array<WINUSB_PIPE_INFORMATION, 2> pipes = {{{2, 0x81, 1024, 0}, {3, 0x82, 64, 8}}};
   if (alternateSetting != 0 || index >= pipes.size()) return FALSE;
   *pipe = pipes[index];
   return TRUE;
 }
-
-// A driver's functions: the ones that clients call, at their places in the table.
-struct DriverFunctions {
-  void* information;
-  decltype(&openDevice) open;
-  void* unused_1[20];
-  decltype(&queryPipe) queryPipe;
-  void* unused_2[41];
-};
-static_assert(sizeof(DriverFunctions) == 512);
 
 }  // namespace
 
 extern "C" {
 
 BOOL WINAPI LstK_Init(void** list, int) {
-  std::vector<DeviceRecord> devices;
+  std::vector<KLST_DEVINFO> devices;
   for (const CameraRecord& camera : listedCameras()) {
     if (camera.isUsb3 && isServed(camera.pipe)) devices.push_back(recordOf(camera));
   }
@@ -101,14 +75,14 @@ BOOL WINAPI LstK_Count(void* list, std::uint32_t* count) {
   return TRUE;
 }
 
-BOOL WINAPI LstK_FindByVidPid(void* list, int vendorId, int productId, DeviceRecord** found) {
-  *found = static_cast<DeviceList*>(list)->find([=](const DeviceRecord& record) {
-    return record.vendorId == vendorId && record.productId == productId;
+BOOL WINAPI LstK_FindByVidPid(void* list, int vendorId, int productId, KLST_DEVINFO** found) {
+  *found = static_cast<DeviceList*>(list)->find([=](const KLST_DEVINFO& record) {
+    return record.Common.Vid == vendorId && record.Common.Pid == productId;
   });
   return *found != nullptr;
 }
 
-BOOL WINAPI LstK_MoveNext(void* list, DeviceRecord** next) {
+BOOL WINAPI LstK_MoveNext(void* list, KLST_DEVINFO** next) {
   *next = static_cast<DeviceList*>(list)->next();
   return *next != nullptr;
 }
@@ -118,21 +92,20 @@ BOOL WINAPI LstK_Free(void* list) {
   return TRUE;
 }
 
-BOOL WINAPI LibK_LoadDriverAPI(DriverFunctions* functions, int) {
-  *functions = {nullptr, openDevice, {}, queryPipe, {}};
+BOOL WINAPI LibK_LoadDriverAPI(KUSB_DRIVER_API* functions, int) {
+  *functions = {{}, openDevice, {}, queryPipe, {}};
   return TRUE;
 }
 
-BOOL WINAPI UsbK_ControlTransfer(void* handle, UsbSetup setup, std::uint8_t* buffer,
+BOOL WINAPI UsbK_ControlTransfer(void* handle, WINUSB_SETUP_PACKET setup, std::uint8_t* buffer,
                                  std::uint32_t length, std::uint32_t* transferred, OVERLAPPED*) {
   constexpr std::uint8_t toHost = 0x80;
   if (handle == nullptr) return FALSE;
-  RequestHead head{RequestKind::control};
-  std::memcpy(head.key.data(), &setup, sizeof setup);
-  const bool reads = (setup.requestType & toHost) != 0;
-  const auto moved = static_cast<PipeClient*>(handle)->transfer(head, !reads, {buffer, length});
+  const bool sets = (setup.RequestType & toHost) == 0;
+  const RequestHead head{RequestKind::control, sets, 0, {}, std::bit_cast<UsbSetup>(setup)};
+  const auto moved = static_cast<PipeClient*>(handle)->transfer(head, {buffer, length});
   if (!moved) return FALSE;
-  *transferred = static_cast<std::uint32_t>(reads ? *moved : length);
+  *transferred = static_cast<std::uint32_t>(*moved);
   return TRUE;
 }
 

@@ -1,0 +1,69 @@
+// What applications reach through a DLL: it takes the place of the system's until the last camera
+// is taken out.
+#include "simulator/program/plugs.h"
+
+namespace qvx::simulator {
+
+namespace {
+
+// Our enumerator gives video inputs display names like those of real cameras, in the order in which
+// they were plugged in.
+constexpr wchar_t deviceEnumerator[] =
+    L"Software\\Classes\\CLSID\\{62BE5D10-60EB-11D0-BD3B-00A0C911CE86}\\InprocServer32";
+constexpr wchar_t replacedValue[] = L"SimulatorReplaced";  // the enumerator's own DLL
+
+// An earlier run may have replaced it: what stands there would no longer be the system's.
+std::string replaceEnumerator(const CameraRecords& /*cameras*/) {
+  const std::wstring filterDll = programFolder() + L"qvx-capture-filter.dll";
+  if (std::string problem = missing(filterDll); !problem.empty()) return problem;
+  const bool kept = !readText(deviceEnumerator, replacedValue).empty() ||
+                    writeText(deviceEnumerator, replacedValue, readText(deviceEnumerator, L""));
+  return kept && writeText(deviceEnumerator, L"", filterDll)
+             ? ""
+             : "the system's device enumerator cannot be replaced";
+}
+
+void restoreEnumerator(const CameraRecords& /*cameras*/, bool last) {
+  const std::wstring own = readText(deviceEnumerator, replacedValue);
+  if (!last || own.empty() || !writeText(deviceEnumerator, L"", own)) return;
+  RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, deviceEnumerator, replacedValue);
+}
+
+// The stand-in libusbK.dll lies where the driver's installer would put the genuine one.
+constexpr wchar_t ownKey[] = L"Software\\qvx-simulator\\usb3";
+constexpr wchar_t installedValue[] = L"Installed";  // the stand-in is ours to take away
+
+// A genuine library stays, and so does a stand-in that a process still has loaded. Where one lies
+// beside the program, that is meant.
+std::string installStandIn(const CameraRecords& /*cameras*/) {
+  if (missing(programFolder() + L"libusbK.dll").empty()) return {};
+  wchar_t folder[MAX_PATH];
+  const std::wstring system(folder, GetSystemDirectoryW(folder, MAX_PATH)),
+      place = system + L"\\libusbK.dll", standIn = programFolder() + L"usb3\\libusbK.dll";
+  if (std::string problem = missing(standIn); !problem.empty()) return problem;
+  const bool ours = RegGetValueW(HKEY_LOCAL_MACHINE, ownKey, installedValue, RRF_RT_ANY, nullptr,
+                                 nullptr, nullptr) == ERROR_SUCCESS;
+  const bool copied = CopyFileW(standIn.c_str(), place.c_str(), !ours) != FALSE;
+  if (copied || ours) {
+    return writeText(ownKey, installedValue, place) ? "" : "the registry cannot be written";
+  }
+  return GetLastError() == ERROR_FILE_EXISTS
+             ? "this machine has a libusbK.dll of its own: USB 3 cameras cannot be simulated on it"
+             : "libusbK.dll cannot be put into the system's folder";
+}
+
+void removeStandIn(const CameraRecords& /*cameras*/, bool last) {
+  const std::wstring installed = readText(ownKey, installedValue);
+  if (!last || installed.empty() || !DeleteFileW(installed.c_str())) return;
+  RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, ownKey, installedValue);
+}
+
+}  // namespace
+
+const DeviceKind videoInputs = {
+    [](const CameraRecord& camera) { return camera.unit != Unit::absent; }, replaceEnumerator,
+    restoreEnumerator};
+const DeviceKind usb3Devices = {[](const CameraRecord& camera) { return camera.isUsb3; },
+                                installStandIn, removeStandIn};
+
+}  // namespace qvx::simulator
