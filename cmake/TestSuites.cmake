@@ -1,7 +1,8 @@
-# GoogleTest from Debian's sources, built like everything else here, and one way to add a suite.
+# GoogleTest from Debian's sources, and one way to add a suite.
 set(INSTALL_GTEST OFF)
 add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 include(GoogleTest)
+target_compile_options(gtest PRIVATE -O0 -g0 -fno-sanitize=all) # its own faults are not looked for
 
 # Builds every suite and nothing that no suite needs.
 add_custom_target(test_suites)
@@ -26,6 +27,10 @@ function(qvx_add_test_suite name)
   target_link_libraries(${name} PRIVATE ${suite_LIBS} qvx_options gtest_main)
   # Long tables of cases cost the optimiser more than their tests take.
   target_compile_options(${name} PRIVATE -O0)
+  list(LENGTH suite_SOURCES count)
+  if(count GREATER 2)
+    target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
+  endif()
   add_dependencies(test_suites ${name})
 
   if(WIN32)

@@ -30,7 +30,7 @@ stage_fuzz() { scripts/fuzz.sh 30 1; }
 
 # Under Wine, with the programs that use the installed package, and a camera beside it. Most of it is
 # waiting.
-stage_windows() { stage_build && build_and_test windows $((2 * jobs)); }
+stage_windows() { stage_build && build_and_test windows $((jobs + 1)); }
 
 stage_demo() { scripts/demo.sh; }
 
@@ -65,12 +65,18 @@ run_stage() {
   echo "$stage $(count_tests "$log" $status) $((SECONDS - start))" >"$logs/$stage.result"
 }
 
-# Beside the stages that follow: those wait more than they compute.
+# Those of the stages that are asked for, one after the other.
+run_stages() {
+  local stage
+  for stage in "$@"; do
+    [[ " ${stages[*]} " != *" $stage "* ]] || run_stage "$stage"
+  done
+}
+
+# In what processor time others leave.
 run_beside() {
-  (
-    renice -n 10 "$BASHPID" >/dev/null
-    run_stage "$1"
-  ) &
+  renice -n 19 "$BASHPID" >/dev/null
+  run_stages "$@"
 }
 
 tell_results() {
@@ -94,11 +100,8 @@ done
 scripts/setup.sh test || { echo "0 passed, 1 failed"; exit 1; }
 # What several presets compile alike is compiled once.
 export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=$PWD/build/ccache
-for stage in "${stages[@]}"; do
-  case $stage in
-    fuzz | package | tsan) run_beside "$stage" ;;
-    *) run_stage "$stage" ;;
-  esac
-done
+run_stages format scripts build native
+run_beside fuzz tsan package &
+run_stages windows demo docs # these wait more than they compute
 wait
 tell_results

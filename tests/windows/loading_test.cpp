@@ -1,13 +1,21 @@
 // The DLL by itself: a machine without any camera, and where it looks for the driver's library.
+// What an earlier suite has left plugged in goes first.
 #include <climits>
 #include <cstdio>
 #include <cstring>
 #include <string>
+
+#include "simulator/program/plugs.h"
 #include "tests/windows/fixtures/library_copy.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
 namespace {
+
+struct Tidied : testing::Environment {
+  void SetUp() override { simulator::sweepPlugs(); }
+};
+[[maybe_unused]] const auto* const tidied = testing::AddGlobalTestEnvironment(new Tidied);
 
 TEST(NoCamera, InitFailsAndTheLibraryStaysUsable) {
   for (const int index : {-1, 0, 1, 7, 8, 90, 91, 1234, -2, INT_MIN, INT_MAX}) {
