@@ -1,14 +1,13 @@
 #include <semaphore.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
 #include <vector>
 
 #include "simulator/program/host.h"
-
-extern char** environ;
 
 namespace qvx::simulator {
 
