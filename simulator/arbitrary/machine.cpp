@@ -76,6 +76,141 @@ std::vector<std::string> pieces(const std::string& text, std::size_t length) {
   return parts;
 }
 
+int productId(Input& input) {
+  constexpr int blocks[] = {0x9E0, 0x9C0, 0x9B0, 0x9D0, 0x9A0, 0x990, 0x980, 0x970,
+                            0x960, 0x920, 0x910, 0x890, 0x870, 0x880, 0x840, 0x000};
+  return input.oneOf(blocks) + input.number(0, 15);
+}
+
+std::wstring path(Input& input) {
+  constexpr std::size_t markerPositions[] = {20, 20, 20, 20, 0, 1, 600, 601, 3000};
+  wchar_t marker[32];
+  std::swprintf(marker, std::size(marker), L"vid_3c7e&pid_%04x&mi_00#", productId(input));
+  std::wstring path = std::wstring(input.oneOf(markerPositions), L'A') + marker;
+  if (input.oneIn(8)) path.resize(input.number<std::size_t>(0, path.size()));
+  if (input.oneIn(8) && !path.empty()) {
+    path[input.number<std::size_t>(0, path.size() - 1)] = input.number<wchar_t>(0, 0x10FFFF);
+  }
+  return path;
+}
+
+VideoInput videoInput(Input& input, PictureControls& picture) {
+  VideoInput device{path(input), L"Microscope", {}, nullptr, !input.oneIn(8)};
+  if (input.oneIn(8)) device.name = std::nullopt;
+  const int nodes = input.number(0, 3);
+  for (int i = 0; i < nodes; ++i) {
+    const bool isOther = input.oneIn(4);
+    device.nodes.push_back(isOther ? nullptr
+                                   : std::make_shared<MadeUpCamera>(input, input.number(0, 7)));
+  }
+  if (!input.oneIn(4)) device.picture = &picture;
+  return device;
+}
+
+HidInterface hidInterface(Input& input, std::size_t number) {
+  HidInterface interface {
+    "hid#" + std::to_string(number), 2, {0x87, 0x93, 0x97}, std::make_shared<MadeUpCamera>(input)
+  };
+  if (input.oneIn(4)) interface.device = nullptr;
+  if (input.oneIn(4)) interface.featureItems = input.number<std::size_t>(0, 4);
+  if (input.oneIn(8)) interface.featureItems = std::nullopt;
+  if (input.oneIn(8)) interface.featureReportIds.resize(input.number<std::size_t>(0, 3));
+  return interface;
+}
+
+UsbDevice usbDevice(Input& input) {
+  constexpr std::size_t textLengths[] = {4, 0, 255, 256, 1000};
+  constexpr std::size_t pipeCounts[] = {2, 0, 1, 300};
+  const auto text = [&] { return std::string(input.oneOf(textLengths), '%'); };
+  // In the order of the members, as the language has it.
+  UsbDevice device{input.oneIn(8) ? 0 : 0x3C7E,
+                   productId(input),
+                   text(),
+                   text(),
+                   text(),
+                   std::vector<UsbPipe>(input.oneOf(pipeCounts), {0x81, 2, 255, 65535}),
+                   !input.oneIn(4),
+                   nullptr};
+  if (!input.oneIn(4)) device.endpoint = std::make_shared<MadeUpCamera>(input);
+  return device;
+}
+
+std::string rawText(Input& input) {
+  std::string text(input.byte() % 64, '\0');
+  for (char& character : text) character = static_cast<char>(input.byte());
+  return text;
+}
+
+// One or two controls; their values are texts, numbers or something else.
+std::string controlDocument(Input& input) {
+  constexpr const char* names[] = {"Brightness", "Contrast", "Hue", "Saturation"};
+  constexpr const char* values[] = {"\"%d\"", "%d", "null", "{}", "-1e99", "\"%d", "99999999999%d"};
+  constexpr const char* members[] = {"value", "min", "max", "step", "default"};
+  std::string document = R"({"controls":[)";
+  for (int count = 1 + input.byte() % 2; count > 0; --count) {
+    document += std::string(R"({"name":")") + names[input.byte() % std::size(names)] + '"';
+    for (const char* const member : members) {
+      char value[40];
+      const std::uint8_t kind = input.byte();
+      std::snprintf(value, sizeof value, values[kind % std::size(values)], kind);
+      document += std::string(",\"") + member + "\":" + value;
+    }
+    document += count > 1 ? "}," : "}";
+  }
+  return document + "]}";
+}
+
+// As the camera writes them, the product id's digits stand 25 characters behind the vendor id.
+std::string deviceList(Input& input) {
+  std::string list;
+  for (int count = (input.byte() + 1) % 3; count > 0; --count) {
+    char entry[64];
+    std::snprintf(entry, sizeof entry, "\"0x3c7e\", \"idProduct\": \"0x0%c%02x\"",
+                  "9890"[input.byte() % 4], input.byte());
+    list += entry;
+  }
+  return list;
+}
+
+std::string bodyFor(Input& input, const std::string& url) {
+  if (url.ends_with("usbdevlist.json")) return deviceList(input);
+  if (url.ends_with("input_0_control.json")) return controlDocument(input);
+  if (url.ends_with("snapshot")) return rawText(input);
+  return "res:" + std::to_string(input.registerValue());
+}
+
+HttpAnswer answerTo(Input& input, const std::string& url) {
+  std::string body = bodyFor(input, url);
+  const std::uint8_t way = input.byte();
+  if (way < 0xC0) return {true, {body}};
+  switch (way % 10) {
+    case 0:
+      return {false, {}};
+    case 1:
+      return {true, {}, input.byte() % 2 == 0};
+    case 2:
+      return {true, pieces(body, 1 + input.byte() % 64), input.byte() % 2 == 0};
+    case 3:
+      return {true, {rawText(input)}};
+    case 4:
+      return {true, {std::string(readCapacity - 100 + input.byte(), '[') + body}};
+    case 5:
+      body.insert(input.byte() % (body.size() + 1), 1, '\0');
+      break;
+    case 6:
+      body.insert(std::min<std::size_t>(4, body.size()), "-4294967296");
+      break;
+    case 7:
+      body.resize(std::min<std::size_t>(4, body.size()));
+      break;
+    case 8:
+      throw std::bad_alloc();
+    default:
+      world().clock.sleep(longStall_ms);
+  }
+  return {true, {body}};
+}
+
 }  // namespace
 
 Machine::Machine(Input& input) : input_(input) {
@@ -104,163 +239,29 @@ bool Machine::isLate() {
   return mood_ == Mood::silent || (mood_ == Mood::capricious && input_.byte() >= 0xE0);
 }
 
-int Machine::productId() {
-  constexpr int blocks[] = {0x9E0, 0x9C0, 0x9B0, 0x9D0, 0x9A0, 0x990, 0x980, 0x970,
-                            0x960, 0x920, 0x910, 0x890, 0x870, 0x880, 0x840, 0x000};
-  return input_.oneOf(blocks) + input_.number(0, 15);
-}
-
-std::wstring Machine::path() {
-  constexpr std::size_t markerPositions[] = {20, 20, 20, 20, 0, 1, 600, 601, 3000};
-  wchar_t marker[32];
-  std::swprintf(marker, std::size(marker), L"vid_3c7e&pid_%04x&mi_00#", productId());
-  std::wstring path = std::wstring(input_.oneOf(markerPositions), L'A') + marker;
-  if (input_.oneIn(8)) path.resize(input_.number<std::size_t>(0, path.size()));
-  if (input_.oneIn(8) && !path.empty()) {
-    path[input_.number<std::size_t>(0, path.size() - 1)] = input_.number<wchar_t>(0, 0x10FFFF);
-  }
-  return path;
-}
-
-VideoInput Machine::videoInput() {
-  VideoInput input{path(), L"Microscope", {}, nullptr, !input_.oneIn(8)};
-  if (input_.oneIn(8)) input.name = std::nullopt;
-  const int nodes = input_.number(0, 3);
-  for (int i = 0; i < nodes; ++i) {
-    const bool isOther = input_.oneIn(4);
-    input.nodes.push_back(isOther ? nullptr
-                                  : std::make_shared<MadeUpCamera>(input_, input_.number(0, 7)));
-  }
-  if (!input_.oneIn(4)) input.picture = &picture_;
-  return input;
-}
-
-HidInterface Machine::hidInterface(std::size_t number) {
-  HidInterface interface {
-    "hid#" + std::to_string(number), 2, {0x87, 0x93, 0x97}, std::make_shared<MadeUpCamera>(input_)
-  };
-  if (input_.oneIn(4)) interface.device = nullptr;
-  if (input_.oneIn(4)) interface.featureItems = input_.number<std::size_t>(0, 4);
-  if (input_.oneIn(8)) interface.featureItems = std::nullopt;
-  if (input_.oneIn(8)) interface.featureReportIds.resize(input_.number<std::size_t>(0, 3));
-  return interface;
-}
-
-UsbDevice Machine::usbDevice() {
-  constexpr std::size_t textLengths[] = {4, 0, 255, 256, 1000};
-  constexpr std::size_t pipeCounts[] = {2, 0, 1, 300};
-  const auto text = [&] { return std::string(input_.oneOf(textLengths), '%'); };
-  // In the order of the members, as the language has it.
-  UsbDevice device{input_.oneIn(8) ? 0 : 0x3C7E,
-                   productId(),
-                   text(),
-                   text(),
-                   text(),
-                   std::vector<UsbPipe>(input_.oneOf(pipeCounts), {0x81, 2, 255, 65535}),
-                   !input_.oneIn(4),
-                   nullptr};
-  if (!input_.oneIn(4)) device.endpoint = std::make_shared<MadeUpCamera>(input_);
-  return device;
-}
-
 void Machine::furnish() {
   constexpr std::size_t counts[] = {1, 0, 2, 10}, hidCounts[] = {1, 0, 2, 30};
   World& machine = world();
   machine.wifi = nullptr;
-  if (!input_.oneIn(4)) machine.wifi = [this](const std::string& url) { return answerTo(url); };
+  if (!input_.oneIn(4))
+    machine.wifi = [this](const std::string& url) { return answerTo(input_, url); };
   machine.videoInputs.clear();
   for (std::size_t count = input_.oneOf(counts); count > 0; --count) {
-    machine.videoInputs.push_back(videoInput());
+    machine.videoInputs.push_back(videoInput(input_, picture_));
   }
   machine.hidInterfaces.emplace();
   for (std::size_t count = input_.oneOf(hidCounts); count > 0; --count) {
-    machine.hidInterfaces->push_back(hidInterface(count));
+    machine.hidInterfaces->push_back(hidInterface(input_, count));
   }
   if (input_.oneIn(8)) machine.hidInterfaces = std::nullopt;
   machine.usbDevices.clear();
   for (int count = input_.number(0, 2); count > 0; --count) {
-    machine.usbDevices.push_back(usbDevice());
+    machine.usbDevices.push_back(usbDevice(input_));
   }
   machine.libusbkInstalled = !input_.oneIn(8);
   machine.threadsStart = !input_.oneIn(8);
   machine.diskRoom = std::nullopt;
   if (input_.oneIn(8)) machine.diskRoom = input_.number<std::size_t>(0, 5000);
-}
-
-std::string Machine::rawText() {
-  std::string text(input_.byte() % 64, '\0');
-  for (char& character : text) character = static_cast<char>(input_.byte());
-  return text;
-}
-
-// One or two controls; their values are texts, numbers or something else.
-std::string Machine::controlDocument() {
-  constexpr const char* names[] = {"Brightness", "Contrast", "Hue", "Saturation"};
-  constexpr const char* values[] = {"\"%d\"", "%d", "null", "{}", "-1e99", "\"%d", "99999999999%d"};
-  constexpr const char* members[] = {"value", "min", "max", "step", "default"};
-  std::string document = R"({"controls":[)";
-  for (int count = 1 + input_.byte() % 2; count > 0; --count) {
-    document += std::string(R"({"name":")") + names[input_.byte() % std::size(names)] + '"';
-    for (const char* const member : members) {
-      char value[40];
-      const std::uint8_t kind = input_.byte();
-      std::snprintf(value, sizeof value, values[kind % std::size(values)], kind);
-      document += std::string(",\"") + member + "\":" + value;
-    }
-    document += count > 1 ? "}," : "}";
-  }
-  return document + "]}";
-}
-
-// As the camera writes them, the product id's digits stand 25 characters behind the vendor id.
-std::string Machine::deviceList() {
-  std::string list;
-  for (int count = (input_.byte() + 1) % 3; count > 0; --count) {
-    char entry[64];
-    std::snprintf(entry, sizeof entry, "\"0x3c7e\", \"idProduct\": \"0x0%c%02x\"",
-                  "9890"[input_.byte() % 4], input_.byte());
-    list += entry;
-  }
-  return list;
-}
-
-std::string Machine::bodyFor(const std::string& url) {
-  if (url.ends_with("usbdevlist.json")) return deviceList();
-  if (url.ends_with("input_0_control.json")) return controlDocument();
-  if (url.ends_with("snapshot")) return rawText();
-  return "res:" + std::to_string(input_.registerValue());
-}
-
-HttpAnswer Machine::answerTo(const std::string& url) {
-  std::string body = bodyFor(url);
-  const std::uint8_t way = input_.byte();
-  if (way < 0xC0) return {true, {body}};
-  switch (way % 10) {
-    case 0:
-      return {false, {}};
-    case 1:
-      return {true, {}, input_.byte() % 2 == 0};
-    case 2:
-      return {true, pieces(body, 1 + input_.byte() % 64), input_.byte() % 2 == 0};
-    case 3:
-      return {true, {rawText()}};
-    case 4:
-      return {true, {std::string(readCapacity - 100 + input_.byte(), '[') + body}};
-    case 5:
-      body.insert(input_.byte() % (body.size() + 1), 1, '\0');
-      break;
-    case 6:
-      body.insert(std::min<std::size_t>(4, body.size()), "-4294967296");
-      break;
-    case 7:
-      body.resize(std::min<std::size_t>(4, body.size()));
-      break;
-    case 8:
-      throw std::bad_alloc();
-    default:
-      world().clock.sleep(longStall_ms);
-  }
-  return {true, {body}};
 }
 
 }  // namespace qvx::simulator

@@ -2,7 +2,6 @@
 // usually.
 #pragma once
 
-#include <string>
 #include <thread>
 
 #include "simulator/platform/world.h"
@@ -27,16 +26,6 @@ class Machine {
 
   bool permits();
   bool isLate();
-  int productId();
-  std::wstring path();
-  VideoInput videoInput();
-  HidInterface hidInterface(std::size_t number);
-  UsbDevice usbDevice();
-  HttpAnswer answerTo(const std::string& url);
-  std::string bodyFor(const std::string& url);
-  std::string controlDocument();
-  std::string deviceList();
-  std::string rawText();
 
   Input& input_;
   Mood mood_ = Mood::well;

@@ -1,35 +1,19 @@
 #include "simulator/platform/cameras.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace qvx::simulator {
 
-bool VirtualBridge::setProperty(const PropertySetId& set, std::uint32_t selector, Bytes data) {
-  follow();
-  return extensionUnit.set(set, selector, data);
-}
-
-bool VirtualBridge::getProperty(const PropertySetId& set, std::uint32_t selector, Room data) {
-  return extensionUnit.get(set, selector, data);
-}
-
-bool VirtualBridge::setFeature(Bytes report) {
-  follow();
-  return hid.setFeature(report);
-}
-
-std::optional<std::size_t> VirtualBridge::transfer(const UsbSetup& setup, Room buffer) {
-  follow();
-  return usb3.transfer(setup, buffer);
-}
-
 // Goes with the machine's clock, and starts anew after it was plugged in again.
-void VirtualBridge::follow() {
+CameraDevice& VirtualBridge::asItIsNow() {
   advanceTo(world().clock.now_ms());
-  if (connection_ == world().connection()) return;
-  connection_ = world().connection();
-  extensionUnit.reset();
-  hid.reset();
+  const unsigned last = std::exchange(connection_, world().connection());
+  if (last != connection_) {
+    extensionUnit.reset();
+    hid.reset();
+  }
+  return *this;
 }
 
 std::string complaintsOf(Camera& camera) {

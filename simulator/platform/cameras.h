@@ -15,17 +15,23 @@ class VirtualBridge : public CameraDevice, public CameraPort {
       : CameraDevice({.productId = productId, .unit = unit, .setup = setup}) {}
 
   bool supports(const PropertySetId& set) override { return extensionUnit.supports(set); }
-  bool setProperty(const PropertySetId& set, std::uint32_t selector, Bytes data) override;
-  bool getProperty(const PropertySetId& set, std::uint32_t selector, Room data) override;
-  bool setFeature(Bytes report) override;
+  bool setProperty(const PropertySetId& set, std::uint32_t selector, Bytes data) override {
+    return asItIsNow().extensionUnit.set(set, selector, data);
+  }
+  bool getProperty(const PropertySetId& set, std::uint32_t selector, Room data) override {
+    return extensionUnit.get(set, selector, data);
+  }
+  bool setFeature(Bytes report) override { return asItIsNow().hid.setFeature(report); }
   bool getFeature(Room report) override { return hid.getFeature(report); }
-  std::optional<std::size_t> transfer(const UsbSetup& setup, Room buffer) override;
+  std::optional<std::size_t> transfer(const UsbSetup& setup, Room buffer) override {
+    return asItIsNow().usb3.transfer(setup, buffer);
+  }
 
   // For the machine, which does not own it.
   std::shared_ptr<CameraPort> port() { return {std::shared_ptr<void>(), this}; }
 
  private:
-  void follow();
+  CameraDevice& asItIsNow();
 
   unsigned connection_ = world().connection();
 };

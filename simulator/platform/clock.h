@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <list>
 #include <mutex>
+#include <vector>
 
 namespace qvx::simulator {
 
@@ -37,21 +37,17 @@ class Clock {
  private:
   struct Waiter {
     std::uint64_t deadline;
-    const std::function<bool()>* ready;
+    const std::function<bool()>& ready;
     bool woken = false;
-    std::condition_variable wake;
   };
 
-  void block(std::unique_lock<std::mutex>& lock, Waiter& waiter);
-  void wake(Waiter& waiter);
-  void wakeReady();
-  void moveOnIfAllWait();
+  void settle();
 
   mutable std::mutex mutex_;
-  std::list<Waiter*> waiters_;
+  std::condition_variable wake_;
+  std::vector<Waiter*> waiters_;  // that nobody has woken yet: the other threads run
   std::uint64_t now_ms_ = 0;
-  int threads_ = 1;  // the one that made the clock takes part
-  int running_ = 1;
+  std::size_t threads_ = 1;  // the one that made the clock takes part
 };
 
 }  // namespace qvx::simulator

@@ -2,15 +2,11 @@
 #include "platform/system.h"
 #include "platform/text.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "simulator/platform/world.h"
 
 namespace qvx::platform {
 
 struct InternetObject {
-  simulator::OpenCounter counter;
   simulator::HttpAnswer answer{};        // to a request
   std::size_t nextChunk = 0, taken = 0;  // and how much of it
   simulator::CameraConnection connection{};
@@ -25,31 +21,29 @@ using simulator::world;
 
 InternetHandle openInternetSession(const wchar_t* agent) {
   if (std::wstring(agent) != L"HTTP Downloader") {
-    world().note([=] { return "session as " + wideToAnsi(agent); });
+    world().note("session as ", wideToAnsi(agent));
   }
   if (!world().grants()) return nullptr;
-  return world().keep(InternetObject{&OpenCounts::internetSessions});
+  return world().keep(&OpenCounts::internetSessions, InternetObject{});
 }
 
 InternetHandle openDirectInternetSession(const wchar_t* agent) {
-  world().note([] { return "session past proxies"; });
+  world().note("session past proxies");
   return openInternetSession(agent);
 }
 
 void setInternetTimeouts(InternetHandle /*session*/, std::uint32_t connect_ms,
                          std::uint32_t receive_ms) {
-  world().note(
-      [=] { return "time-outs " + std::to_string(connect_ms) + " " + std::to_string(receive_ms); });
+  world().note("time-outs ", connect_ms, " ", receive_ms);
 }
 
 InternetHandle system::openUrl(InternetHandle session, const std::wstring& url) {
   if (session == nullptr) return nullptr;
   const std::string text = wideToAnsi(url);
-  const bool sent = world().operate([&] { return "GET " + text; });
-  if (!sent || !world().pluggedIn() || !world().wifi) return nullptr;
+  if (!world().operate("GET ", text) || !world().pluggedIn() || !world().wifi) return nullptr;
   simulator::HttpAnswer answer = world().wifi(text);
   if (!answer.reachable) return nullptr;
-  return world().keep(InternetObject{&OpenCounts::internetRequests, std::move(answer)});
+  return world().keep(&OpenCounts::internetRequests, InternetObject{std::move(answer)});
 }
 
 bool system::readUrl(InternetHandle request, void* buffer, std::uint32_t capacity,
@@ -58,11 +52,10 @@ bool system::readUrl(InternetHandle request, void* buffer, std::uint32_t capacit
   if (!world().grants() || !request->connection.isThere()) return false;
   if (request->nextChunk == request->answer.chunks.size()) return !request->answer.breaksOff;
   const std::string& chunk = request->answer.chunks[request->nextChunk];
-  const std::size_t left = chunk.size() - request->taken;
-  received = static_cast<std::uint32_t>(std::min<std::size_t>(left, capacity));
-  std::memcpy(buffer, chunk.data() + request->taken, received);
+  received =
+      static_cast<std::uint32_t>(chunk.copy(static_cast<char*>(buffer), capacity, request->taken));
   request->taken += received;
-  if (received == left) {
+  if (request->taken == chunk.size()) {
     ++request->nextChunk;
     request->taken = 0;
   }

@@ -1,11 +1,6 @@
 // libusbK over the simulated machine.
 #include "platform/system.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-
 #include "platform/process.h"
 #include "simulator/model/usb3_device_list.h"
 #include "simulator/platform/world.h"
@@ -14,8 +9,6 @@ namespace qvx::platform {
 
 namespace {
 
-using simulator::CountedAs;
-using simulator::hex;
 using simulator::OpenCounts;
 using simulator::UsbDevice;
 using simulator::world;
@@ -23,17 +16,12 @@ using simulator::world;
 constexpr int driverId = 0;
 constexpr std::uint32_t openFailed = 31;  // a device that does not work
 
-struct DeviceList : CountedAs<&OpenCounts::deviceLists>, simulator::Usb3DeviceList<KLST_DEVINFO> {};
+using DeviceList = simulator::Usb3DeviceList<KLST_DEVINFO>;
 
-struct OpenedDevice : CountedAs<&OpenCounts::usbHandles> {
+struct OpenedDevice {
   std::size_t device;
   simulator::CameraConnection connection{};
 };
-
-template <std::size_t size>
-void copyText(char (&field)[size], const std::string& text) {
-  std::snprintf(field, size, "%s", text.c_str());
-}
 
 KLST_DEVINFO recordOf(const UsbDevice& device, std::size_t index) {
   KLST_DEVINFO record{};
@@ -41,9 +29,9 @@ KLST_DEVINFO recordOf(const UsbDevice& device, std::size_t index) {
   record.Common.Pid = device.productId;
   record.DriverID = driverId;
   record.BusNumber = static_cast<int>(index);
-  copyText(record.Common.InstanceID, device.instance);
-  copyText(record.DeviceDesc, device.description);
-  copyText(record.Mfg, device.maker);
+  device.instance.copy(record.Common.InstanceID, sizeof record.Common.InstanceID - 1);
+  device.description.copy(record.DeviceDesc, sizeof record.DeviceDesc - 1);
+  device.maker.copy(record.Mfg, sizeof record.Mfg - 1);
   return record;
 }
 
@@ -57,12 +45,12 @@ UsbDevice* deviceOf(KUSB_HANDLE handle) {
 
 KUSB_BOOL openDevice(KUSB_HANDLE* handle, const KLST_DEVINFO* record) {
   const auto index = static_cast<std::size_t>(record->BusNumber);
-  if (!world().operate([=] { return "usb open " + std::to_string(index); }) ||
-      !world().pluggedIn() || !world().usbDevices.at(index).opens) {
+  if (!world().operate("usb open ", index) || !world().pluggedIn() ||
+      !world().usbDevices.at(index).opens) {
     setLastError(openFailed);
     return 0;
   }
-  *handle = world().keep(OpenedDevice{{}, index});
+  *handle = world().keep(&OpenCounts::usbHandles, OpenedDevice{index});
   return 1;
 }
 
@@ -86,7 +74,7 @@ bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   for (const UsbDevice& device : world().usbDevices) {
     if (world().pluggedIn()) records.push_back(recordOf(device, records.size()));
   }
-  *deviceList = world().keep(DeviceList{{}, simulator::Usb3DeviceList(std::move(records))});
+  *deviceList = world().keep(&OpenCounts::deviceLists, DeviceList(std::move(records)));
   return true;
 }
 
@@ -129,10 +117,9 @@ bool system::UsbK_ControlTransfer(KUSB_HANDLE interfaceHandle, WINUSB_SETUP_PACK
   const simulator::Room bytes(buffer, length);
   const simulator::UsbSetup request = {setup.RequestType, setup.Request, setup.Value, setup.Index,
                                        setup.Length};
-  const bool sent = world().operate([&] {
-    const bool isOut = (setup.RequestType & 0x80) == 0;
-    return "usb " + inWords(request) + (isOut ? ": " + hex(bytes) : "");
-  });
+  const bool isOut = (setup.RequestType & 0x80) == 0;
+  const bool sent =
+      world().operate("usb ", request, isOut ? ": " : "", bytes.first(isOut ? length : 0));
   UsbDevice* const device = deviceOf(interfaceHandle);
   if (!sent || device == nullptr || device->endpoint == nullptr) return false;
   const auto moved = device->endpoint->transfer(request, bytes);

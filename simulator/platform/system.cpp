@@ -9,24 +9,16 @@
 
 namespace qvx::platform {
 
-struct FileObject : simulator::CountedAs<&simulator::OpenCounts::files> {
+struct FileObject {
   std::string& content;
 };
 
 namespace {
 
+using simulator::OpenCounts;
 using simulator::world;
 
 thread_local std::uint32_t threadError = 0;
-
-// One byte a character, in the style of an 8-bit code page.
-std::string toNarrow(std::wstring_view text) {
-  std::string narrow;
-  for (const wchar_t character : text) {
-    narrow += character > 0 && character < 0x100 ? static_cast<char>(character) : '?';
-  }
-  return narrow;
-}
 
 std::wstring folderOf(const std::wstring& path) {
   const std::size_t separator = path.find_last_of(L"\\/");
@@ -36,8 +28,7 @@ std::wstring folderOf(const std::wstring& path) {
 }  // namespace
 
 void initializeCom() {
-  const std::lock_guard<std::mutex> lock(world().guard);
-  ++world().open.comInitializations;
+  world().count(&OpenCounts::comInitializations, 1);
 }
 
 ComUse::ComUse() : thread_(1) {
@@ -45,21 +36,17 @@ ComUse::ComUse() : thread_(1) {
 }
 
 ComUse::~ComUse() {
-  if (thread_ == none) return;
-  const std::lock_guard<std::mutex> lock(world().guard);
-  --world().open.comInitializations;
+  if (thread_ != none) world().count(&OpenCounts::comInitializations, -1);
 }
 
 void system::pause(std::uint32_t milliseconds) {
-  world().note([=] { return "pause " + std::to_string(milliseconds); });
+  world().note("pause ", milliseconds);
   world().clock.sleep(milliseconds);
 }
 
 void system::startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms,
                               TimerProcedure procedure) {
-  world().note([=] {
-    return "timer " + std::to_string(identifier) + " every " + std::to_string(period_ms);
-  });
+  world().note("timer ", identifier, " every ", period_ms);
   if (!world().grants()) return;
   world().timers.push_back({period_ms, world().clock.now_ms() + period_ms,
                             [procedure, identifier] { procedure(nullptr, 0x113, identifier, 0); }});
@@ -67,11 +54,9 @@ void system::startThreadTimer(std::uintptr_t identifier, std::uint32_t period_ms
 
 std::uint32_t floatingPointControl(std::uint32_t value, std::uint32_t mask) {
   constexpr std::uint32_t usual = 0x9001F;
-  world().note([=] {
-    char line[64];
-    std::snprintf(line, sizeof line, "floating point %X mask %X", value, mask);
-    return std::string(line);
-  });
+  char line[64];
+  std::snprintf(line, sizeof line, "floating point %X mask %X", value, mask);
+  world().note(line);
   return usual;
 }
 
@@ -101,7 +86,7 @@ std::wstring environmentVariable(const char* name) {
 }
 
 void system::tellDebugger(const std::string& line) {
-  world().note([&] { return "debugger: " + line; });
+  world().note("debugger: ", line);
 }
 
 std::uint32_t lastError() {
@@ -120,18 +105,23 @@ std::wstring ansiToWide(std::string_view text) {
   return wide;
 }
 
+// One byte a character, in the style of an 8-bit code page.
 std::string wideToAnsi(std::wstring_view text) {
-  return toNarrow(text);
+  std::string narrow;
+  for (const wchar_t character : text) {
+    narrow += character > 0 && character < 0x100 ? static_cast<char>(character) : '?';
+  }
+  return narrow;
 }
 
 std::string wideToOem(std::wstring_view text) {
-  return toNarrow(text);
+  return wideToAnsi(text);
 }
 
 // Of characters up to U+00FF, as all texts of the simulated machine have.
 std::string wideToUtf8(std::wstring_view text) {
   std::string utf8;
-  for (const char character : toNarrow(text)) {
+  for (const char character : wideToAnsi(text)) {
     const auto byte = static_cast<unsigned char>(character);
     if (byte >= 0x80) utf8 += static_cast<char>(0xC0 | byte >> 6);
     utf8 += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
@@ -140,15 +130,15 @@ std::string wideToUtf8(std::wstring_view text) {
 }
 
 FileHandle createFile(const std::wstring& path) {
-  const bool exists = !path.empty() && world().folders.contains(folderOf(path));
-  if (!exists || !world().grants()) return nullptr;
-  world().files[path].clear();
-  return world().keep(FileObject{{}, world().files[path]});
+  const FileHandle file = openForAppending(path);
+  if (file != nullptr) file->content.clear();
+  return file;
 }
 
 FileHandle openForAppending(const std::wstring& path) {
-  if (!world().folders.contains(folderOf(path)) || !world().grants()) return nullptr;
-  return world().keep(FileObject{{}, world().files[path]});
+  const bool mayBe = !path.empty() && world().folders.contains(folderOf(path));
+  if (!mayBe || !world().grants()) return nullptr;
+  return world().keep(&OpenCounts::files, FileObject{world().files[path]});
 }
 
 // Never takes simulated time: its caller holds a lock that the simulated clock does not know of,

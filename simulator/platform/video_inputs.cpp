@@ -1,8 +1,6 @@
 // Video inputs, their topologies and HID devices of the simulated machine.
 #include "platform/system.h"
 
-#include <utility>
-
 #include "simulator/platform/world.h"
 
 namespace qvx::platform {
@@ -36,22 +34,20 @@ class SimulatedFilter final : public TopologyFilter {
 
   PropertyOutcome getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
                               void* data, std::uint32_t size) override {
-    const auto line = [&] { return "get " + inWords(idOf(set), id) + " " + std::to_string(size); };
-    return world().operate(line) && connection_.isThere() &&
+    return world().operate("get ", inWords(idOf(set), id), " ", size) && connection_.isThere() &&
            nodes_.at(node)->getProperty(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
   }
 
   PropertyOutcome setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
                               const void* data, std::uint32_t size) override {
     const Bytes bytes(static_cast<const std::uint8_t*>(data), size);
-    const auto line = [&] { return "set " + inWords(idOf(set), id) + ": " + hex(bytes); };
-    return world().operate(line) && connection_.isThere() &&
+    return world().operate("set ", inWords(idOf(set), id), ": ", bytes) && connection_.isThere() &&
            nodes_.at(node)->setProperty(idOf(set), id, bytes);
   }
 
  private:
   Nodes nodes_;
-  OpenObject open_{&OpenCounts::filters};
+  std::shared_ptr<void> open_ = openObject(&OpenCounts::filters);
   CameraConnection connection_;
 };
 
@@ -61,21 +57,18 @@ class SimulatedHidDevice final : public HidDevice {
 
   bool setFeature(const std::uint8_t* report, std::uint32_t size) override {
     const Bytes bytes(report, size);
-    return world().operate([&] { return "set feature " + hex(bytes); }) && isThere() &&
-           device_->setFeature(bytes);
+    return world().operate("set feature ", bytes) && isThere() && device_->setFeature(bytes);
   }
   bool getFeature(std::uint8_t* report, std::uint32_t size) override {
-    const auto line = [&] {
-      return "get feature " + hex(Bytes(report, 1)) + " " + std::to_string(size);
-    };
-    return world().operate(line) && isThere() && device_->getFeature({report, size});
+    return world().operate("get feature ", Bytes(report, 1), " ", size) && isThere() &&
+           device_->getFeature({report, size});
   }
 
  private:
   bool isThere() const { return device_ != nullptr && connection_.isThere(); }
 
   std::shared_ptr<CameraPort> device_;
-  OpenObject open_{&OpenCounts::hidDevices};
+  std::shared_ptr<void> open_ = openObject(&OpenCounts::hidDevices);
   CameraConnection connection_;
 };
 

@@ -6,19 +6,18 @@
 namespace qvx::platform {
 
 using simulator::CameraConnection;
-using simulator::CountedAs;
 using simulator::OpenCounts;
 using simulator::world;
 
-struct InputList : CountedAs<&OpenCounts::inputLists> {};
-struct CaptureFilter : CountedAs<&OpenCounts::captureFilters> {
+struct InputList {};
+struct CaptureFilter {
   simulator::PictureControls* picture;
   CameraConnection connection{};
 };
-struct FilterGraph : CountedAs<&OpenCounts::filterGraphs> {};
-struct CaptureBuilder : CountedAs<&OpenCounts::captureBuilders> {};
-struct StreamConfig : CountedAs<&OpenCounts::streamConfigs> {};
-struct VideoProcAmp : CountedAs<&OpenCounts::videoProcAmps> {
+struct FilterGraph {};
+struct CaptureBuilder {};
+struct StreamConfig {};
+struct VideoProcAmp {
   simulator::PictureControls& controls;
   CameraConnection connection;  // its filter's
 };
@@ -26,7 +25,7 @@ struct VideoProcAmp : CountedAs<&OpenCounts::videoProcAmps> {
 namespace {
 
 bool step(const char* line) {
-  return world().operate([line] { return std::string("capture: ") + line; });
+  return world().operate("capture: ", line);
 }
 
 // One request for a property, whose number the driver knows as the platform does. Null when it does
@@ -34,15 +33,15 @@ bool step(const char* line) {
 const simulator::PictureControl* ask(const VideoProcAmp& amplifier, const char* verb,
                                      PictureProperty property, const std::string& more = "") {
   const auto number = static_cast<std::int32_t>(property);
-  const bool reached = world().operate(
-      [&] { return std::string("capture: ") + verb + std::to_string(number) + more; });
-  return reached && amplifier.connection.isThere() ? simulator::pictureControl(number) : nullptr;
+  return world().operate("capture: ", verb, number, more) && amplifier.connection.isThere()
+             ? simulator::pictureControl(number)
+             : nullptr;
 }
 
 template <class Object>
 void releaseNoted(Object* object, const char* name) {
   if (object == nullptr) return;
-  world().note([name] { return std::string("capture: release ") + name; });
+  world().note("capture: release ", name);
   world().drop<Object>(object);
 }
 
@@ -50,7 +49,7 @@ void releaseNoted(Object* object, const char* name) {
 
 InputList* openInputList() {
   if (!step("list inputs") || !world().pluggedIn() || world().videoInputs.empty()) return nullptr;
-  return world().keep(InputList{});
+  return world().keep(&OpenCounts::inputLists, InputList{});
 }
 
 void release(InputList* list) {
@@ -62,13 +61,13 @@ CaptureFilter* openFilter(InputList& /*list*/,
   for (const auto& input : world().videoInputs) {
     if (!isWanted(input.path)) continue;
     if (!step("open filter") || !world().pluggedIn() || !input.opens) return nullptr;
-    return world().keep(CaptureFilter{{}, input.picture});
+    return world().keep(&OpenCounts::captureFilters, CaptureFilter{input.picture});
   }
   return nullptr;
 }
 
 FilterGraph* createFilterGraph() {
-  return step("create graph") ? world().keep(FilterGraph{}) : nullptr;
+  return step("create graph") ? world().keep(&OpenCounts::filterGraphs, FilterGraph{}) : nullptr;
 }
 
 void release(FilterGraph* graph) {
@@ -76,11 +75,13 @@ void release(FilterGraph* graph) {
 }
 
 CaptureBuilder* createCaptureBuilder() {
-  return step("create builder") ? world().keep(CaptureBuilder{}) : nullptr;
+  return step("create builder") ? world().keep(&OpenCounts::captureBuilders, CaptureBuilder{})
+                                : nullptr;
 }
 
 StreamConfig* findStreamConfig(CaptureBuilder& /*builder*/, CaptureFilter& /*filter*/) {
-  return step("find stream config") ? world().keep(StreamConfig{}) : nullptr;
+  return step("find stream config") ? world().keep(&OpenCounts::streamConfigs, StreamConfig{})
+                                    : nullptr;
 }
 
 void countCapabilities(StreamConfig& /*config*/) {
@@ -89,7 +90,7 @@ void countCapabilities(StreamConfig& /*config*/) {
 
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter) {
   if (!step("query amplifier") || filter.picture == nullptr) return nullptr;
-  return world().keep(VideoProcAmp{{}, *filter.picture, filter.connection});
+  return world().keep(&OpenCounts::videoProcAmps, VideoProcAmp{*filter.picture, filter.connection});
 }
 
 void system::setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value) {

@@ -2,9 +2,6 @@
 #include "platform/system.h"
 
 #include <map>
-#include <string>
-#include <thread>
-#include <utility>
 
 #include "simulator/platform/world.h"
 
@@ -39,7 +36,7 @@ class SimulatedMutex final : public NamedMutex {
 
  private:
   std::shared_ptr<MutexState> state_;
-  simulator::OpenObject open_{&simulator::OpenCounts::mutexHandles};
+  std::shared_ptr<void> open_ = simulator::openObject(&simulator::OpenCounts::mutexHandles);
 };
 
 std::optional<std::uint32_t> runInline(const std::function<std::uint32_t()>& task,
@@ -56,12 +53,8 @@ std::optional<std::uint32_t> runInline(const std::function<std::uint32_t()>& tas
 std::optional<std::uint32_t> system::runOnWorker(std::function<std::uint32_t()> task,
                                                  std::uint32_t limit_ms) {
   simulator::World& machine = world();
-  if (!machine.grants()) return std::nullopt;
-  {
-    const std::lock_guard<std::mutex> lock(machine.guard);
-    if (!machine.threadsStart) return std::nullopt;
-    ++machine.threadsStarted;
-  }
+  if (!machine.grants() || !machine.threadsStart) return std::nullopt;
+  ++machine.threadsStarted;
   if (machine.runsInline()) return runInline(task, limit_ms);
   auto result = std::make_shared<std::optional<std::uint32_t>>();
   machine.clock.startThread([&machine, result, task = std::move(task)]() mutable {
@@ -69,10 +62,8 @@ std::optional<std::uint32_t> system::runOnWorker(std::function<std::uint32_t()> 
     task = nullptr;  // what the task owns goes before anyone learns that it has finished
     machine.clock.change([&] { *result = value; });
   });
-  machine.clock.waitFor(limit_ms, [result] { return result->has_value(); });
-  std::optional<std::uint32_t> finished;
-  machine.clock.change([&] { finished = *result; });
-  return finished;
+  const bool inTime = machine.clock.waitFor(limit_ms, [&] { return result->has_value(); });
+  return inTime ? *result : std::nullopt;
 }
 
 std::shared_ptr<NamedMutex> system::openNamedMutex(const char* name) {
@@ -81,10 +72,7 @@ std::shared_ptr<NamedMutex> system::openNamedMutex(const char* name) {
   static std::map<std::string, std::weak_ptr<MutexState>> states;
   const std::lock_guard<std::mutex> lock(guard);
   std::shared_ptr<MutexState> state = states[name].lock();
-  if (state == nullptr) {
-    state = std::make_shared<MutexState>();
-    states[name] = state;
-  }
+  if (state == nullptr) states[name] = state = std::make_shared<MutexState>();
   return std::make_shared<SimulatedMutex>(state);
 }
 

@@ -1,12 +1,14 @@
 #include "simulator/platform/world.h"
 
+#include <utility>
+
 namespace qvx::simulator {
 
 namespace {
 
 Clock& newClock() {
-  static auto* const all = new std::vector<std::unique_ptr<Clock>>;
-  return *all->emplace_back(std::make_unique<Clock>());
+  static auto* const all = new std::deque<Clock>;
+  return all->emplace_back();
 }
 
 // Not destroyed at the end of the process: the library's globals may still need it.
@@ -17,22 +19,69 @@ std::unique_ptr<World>& current() {
 
 }  // namespace
 
-void MessageLoop::pumpMessages(std::uint64_t milliseconds) {
-  const std::uint64_t end_ms = clock_.now_ms() + milliseconds;
+World::World() : clock(newClock()) {}
+
+std::vector<std::string> World::takeJournal() {
+  const std::lock_guard<std::mutex> lock(guard);
+  return std::exchange(journal_, {});
+}
+
+std::uint64_t World::operations(Operation kind) const {
+  const std::lock_guard<std::mutex> lock(guard);
+  return operations_.contains(kind) ? operations_.at(kind) : 0;
+}
+
+void World::set(const Fault& fault) {
+  const std::lock_guard<std::mutex> lock(guard);
+  faults_.set(fault);
+}
+
+void World::count(OpenCounter counter, int change) {
+  const std::lock_guard<std::mutex> lock(guard);
+  open.*counter += change;
+}
+
+void World::write(std::string line) {
+  const std::lock_guard<std::mutex> lock(guard);
+  journal_.push_back(std::move(line));
+}
+
+// Whether the operation may succeed. What spoils replies is a matter of the cameras.
+bool World::proceeds(Operation kind) {
+  Fault fault;
+  {
+    const std::lock_guard<std::mutex> lock(guard);
+    ++operations_[kind];
+    fault = faults_.next(kind);
+  }
+  if (fault.kind == Fault::stalls) {
+    if (std::this_thread::get_id() == maker_) stalled_ms += fault.stall_ms;
+    clock.sleep(fault.stall_ms);
+  }
+  if (fault.kind == Fault::unplugs) unplug();
+  if (fault.kind == Fault::fails || fault.kind == Fault::unplugs) return false;
+  return !permits || permits();
+}
+
+bool World::runsInline() const {
+  constexpr std::uint64_t mostOperationsOfWorker = 16;
+  const std::lock_guard<std::mutex> lock(guard);
+  return workersInline && !faults_.stallsWithin(mostOperationsOfWorker) && clock.isAlone();
+}
+
+void World::pumpMessages(std::uint64_t milliseconds) {
+  const std::uint64_t end_ms = clock.now_ms() + milliseconds;
   for (;;) {
-    const auto next =
-        std::min_element(timers.begin(), timers.end(),
-                         [](const Timer& a, const Timer& b) { return a.due_ms < b.due_ms; });
-    if (next == timers.end() || next->due_ms > end_ms) break;
-    const std::uint64_t now_ms = clock_.now_ms();
-    if (next->due_ms > now_ms) clock_.sleep(next->due_ms - now_ms);
+    const auto next = std::ranges::min_element(timers, {}, &Timer::due_ms);
+    const bool isDue = next != timers.end() && next->due_ms <= end_ms;
+    const std::uint64_t until_ms = isDue ? next->due_ms : end_ms, now_ms = clock.now_ms();
+    if (until_ms > now_ms) clock.sleep(until_ms - now_ms);
+    if (!isDue) return;
     // A tick that comes late is not made up for.
-    next->due_ms = std::max(next->due_ms, clock_.now_ms()) + next->period_ms;
+    next->due_ms = std::max(next->due_ms, clock.now_ms()) + next->period_ms;
     const std::function<void()> run = next->run;
     run();
   }
-  const std::uint64_t now_ms = clock_.now_ms();
-  if (now_ms < end_ms) clock_.sleep(end_ms - now_ms);
 }
 
 World& world() {
@@ -43,7 +92,5 @@ void resetWorld() {
   world().clock.waitForOthers();
   current() = std::make_unique<World>();
 }
-
-World::World() : World(newClock()) {}
 
 }  // namespace qvx::simulator
