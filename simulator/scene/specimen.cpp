@@ -11,12 +11,6 @@ namespace {
 // ---- The specimen: a leaf in autumn, a network of veins within the meshes of a coarser one, from
 // a hand's width down to single cells. Detail too fine for the pixels blends into its mean.
 
-// A line of pixels across the specimen. Its middle is 0, 0; y points down.
-struct SpecimenLine {
-  Row rgb;  // reflected part of the light
-  Row height_um;
-};
-
 // Meshes of one size. Widths and heights count in cells, so that every level looks like the last.
 struct MeshLevel {
   double cell_um;
@@ -34,9 +28,9 @@ struct Mesh {
   Row nearest, second, trait;  // the trait is the nearest point's
 };
 
-// What the levels so far have made of the leaf.
+// A line of pixels across the leaf, as the levels so far have made it.
 struct Leaf {
-  Row shade, hue, veins;
+  Row shade, hue, veins, height_um;
 };
 
 constexpr MeshLevel levels[] = {
@@ -126,18 +120,18 @@ Mesh meshAt(const MeshLevel& level, double y_um, double pixel_um, std::size_t wi
 
 // Veins stand out, cells bulge between them; in the veins of coarser levels there is little of
 // that.
-void add(MeshLevel level, const Mesh& mesh, float pixel_um, Leaf& leaf, Row& height_um) {
+void add(MeshLevel level, const Mesh& mesh, float pixel_um, Leaf& leaf) {
   constexpr float bulge = 0.07F, ridge = 0.6F, hidden = 0.65F;
   const auto cell_um = static_cast<float>(level.cell_um);
   const float seen = edge((cell_um / pixel_um - 6) / 3);
   const float sharpness = 1 / (level.halfVein * 0.2F + 0.7F * pixel_um / cell_um);
 #pragma GCC ivdep
-  for (std::size_t i = 0; i < height_um.size(); ++i) {
+  for (std::size_t i = 0; i < leaf.height_um.size(); ++i) {
     const float toVein = (std::sqrt(mesh.second[i]) - std::sqrt(mesh.nearest[i])) / 2;
     const float free = seen * (1 - hidden * leaf.veins[i]);
     const float vein = edge((level.halfVein - toVein) * sharpness);
     const float inside = std::fmin(toVein * 4, 1.0F);
-    height_um[i] +=
+    leaf.height_um[i] +=
         free * cell_um * (bulge * inside * (2 - inside) + ridge * level.halfVein * vein);
     leaf.shade[i] *= 1 + free * level.shade * mesh.trait[i];
     leaf.hue[i] += free * level.hue * otherTrait(mesh.trait[i]);
@@ -145,30 +139,29 @@ void add(MeshLevel level, const Mesh& mesh, float pixel_um, Leaf& leaf, Row& hei
   }
 }
 
-void paint(const Leaf& leaf, Row& rgb) {
+// The part of the light that a pixel reflects.
+Light colourOf(const Leaf& leaf, std::size_t pixel) {
   constexpr auto last = static_cast<float>(std::size(colours) - 1);
-  for (std::size_t i = 0; i < leaf.hue.size(); ++i) {
-    const float place = std::clamp(leaf.hue[i], 0.0F, 0.999F) * last;
-    const auto below = static_cast<std::size_t>(place);
-    const float above = place - static_cast<float>(below);
-    for (std::size_t c = 0; c < 3; ++c) {
-      const float low = colours[below][c], high = colours[below + 1][c];
-      const float green = (low + (high - low) * above) * leaf.shade[i];
-      rgb[3 * i + c] = green + (pale[c] - green) * leaf.veins[i];
-    }
+  const float place = std::clamp(leaf.hue[pixel], 0.0F, 0.999F) * last;
+  const auto below = static_cast<std::size_t>(place);
+  const float above = place - static_cast<float>(below);
+  Light rgb;
+  for (std::size_t c = 0; c < rgb.size(); ++c) {
+    const float low = colours[below][c], high = colours[below + 1][c];
+    const float green = (low + (high - low) * above) * leaf.shade[pixel];
+    rgb[c] = green + (pale[c] - green) * leaf.veins[pixel];
   }
+  return rgb;
 }
 
-void drawSpecimen(double y_um, double pixel_um, SpecimenLine& line) {
-  const std::size_t width = line.height_um.size();
-  Leaf leaf{Row(width, 1), Row(width, 0.42F), Row(width)};
-  std::ranges::fill(line.height_um, 0.0F);
+// Its middle is at 0, 0; y points down.
+Leaf leafAt(double y_um, double pixel_um, std::size_t width) {
+  Leaf leaf{Row(width, 1), Row(width, 0.42F), Row(width), Row(width)};
   for (const MeshLevel& level : levels) {
     if (level.cell_um < 3 * pixel_um) break;
-    const Mesh mesh = meshAt(level, y_um, pixel_um, width);
-    add(level, mesh, static_cast<float>(pixel_um), leaf, line.height_um);
+    add(level, meshAt(level, y_um, pixel_um, width), static_cast<float>(pixel_um), leaf);
   }
-  paint(leaf, line.rgb);
+  return leaf;
 }
 
 // ---- The light on it
@@ -227,23 +220,22 @@ std::vector<float> illuminated(const View& view, std::size_t width, std::size_t 
   const double step_um = view.fieldWidth_um / static_cast<double>(width);
   const auto pixel_um = static_cast<float>(step_um), half = static_cast<float>(width) / 2;
   const Lighting lights(view, static_cast<float>(view.fieldWidth_um));
-  SpecimenLine above{Row(3 * width), Row(width)}, here = above;
+  Leaf above;
   std::vector<float> rgb;
   rgb.reserve(3 * width * height);
   for (std::size_t line = 0; line <= height; ++line) {
     const double y = static_cast<double>(line) - 1 - static_cast<double>(height) / 2;
-    drawSpecimen(y * step_um, step_um, here);
+    Leaf here = leafAt(y * step_um, step_um, width);
     for (std::size_t i = 0; line != 0 && i < width; ++i) {
       const Vector place{static_cast<float>(i) / half - 1, static_cast<float>(y) / half};
       const std::size_t left = i == 0 ? 0 : i - 1, right = std::min(i + 1, width - 1);
       const Vector slope{(here.height_um[right] - here.height_um[left]) / (2 * pixel_um),
                          (here.height_um[i] - above.height_um[i]) / pixel_um};
       const float light = lights.at(place, slope);
-      rgb.push_back(here.rgb[3 * i] * light + lights.aimAt(place));
-      rgb.push_back(here.rgb[3 * i + 1] * light);
-      rgb.push_back(here.rgb[3 * i + 2] * light);
+      for (const float part : colourOf(here, i)) rgb.push_back(part * light);
+      rgb.end()[-3] += lights.aimAt(place);
     }
-    std::swap(above, here);
+    above = std::move(here);
   }
   return rgb;
 }

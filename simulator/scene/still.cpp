@@ -12,9 +12,8 @@
 namespace qvx::simulator {
 
 Picture render(const View& view, int width, int height, std::uint64_t frame) {
-  const auto columns = static_cast<std::size_t>(width), lines = static_cast<std::size_t>(height);
-  std::vector<float> light = illuminated(view, columns, lines);
-  blur(light, columns, lines, view.blur * width);
+  std::vector<float> light =
+      illuminated(view, static_cast<std::size_t>(width), static_cast<std::size_t>(height));
   Picture picture{width, height, std::vector<std::uint8_t>(light.size())};
   develop(view, light, frame, picture);
   addScaleBar(picture, view.fieldWidth_um);
