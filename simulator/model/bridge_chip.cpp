@@ -67,11 +67,11 @@ void BridgeChip::writeRegister(std::uint16_t address, Bytes value) {
     violations().push_back("bridge: unknown state of the lights " + hex(value[0], 2));
   }
   tell(true, address, value);
-  if (camera_.tap().losesWrites) return;
+  if (camera_.tap.losesWrites) return;
   entry->value.assign(value.begin(), value.end());
-  if (address == lights) camera_.gpio().setLights(value[0]);
+  if (address == lights) camera_.gpio.setLights(value[0]);
   if (address == exposureMode) {
-    camera_.firmwareExposure().automatic = (value[1] & automaticBit) != 0;
+    camera_.firmwareExposure.automatic = (value[1] & automaticBit) != 0;
   }
 }
 
@@ -102,19 +102,20 @@ void BridgeChip::readI2cLegacy(std::uint8_t slave, Room data) {
 }
 
 void BridgeChip::writeCommand(Bytes command) {
-  std::uint8_t* const value = camera_.tap().losesWrites ? nullptr : meantBy(command);
+  std::uint8_t* const value = camera_.tap.losesWrites ? nullptr : meantBy(command);
   if (value == nullptr) return;
   if (command[0] == parameters) *value = command[4];
   if (command[0] == touchButton && command[2] == 1) *value = 0;
-  camera_.firmwareExposure().target = parameters_[0];
+  camera_.firmwareExposure.target = parameters_[0];
   if ((command[0] == segmentRing || command[0] == segmentPower) && command[1] == 1) *value = 1;
 }
 
-void BridgeChip::readCommand(Bytes command, Room reply) {
+std::vector<std::uint8_t> BridgeChip::readCommand(Bytes command) {
   const std::uint8_t* const value = meantBy(command);
-  std::fill(reply.begin(), reply.end(), std::uint8_t{0});
+  std::vector<std::uint8_t> reply(bridgeCommandSize);
   reply[0] = command[0];
   if (value != nullptr) reply[command[0] == parameters ? 0 : 2] = *value;
+  return reply;
 }
 
 // Where the firmware keeps what a command is about; null, and a violation, when it is unknown.
@@ -132,13 +133,13 @@ std::uint8_t* BridgeChip::meantBy(Bytes command) {
 }
 
 void BridgeChip::tell(bool isWrite, std::uint16_t address, Bytes value) const {
-  if (camera_.tap().tell) camera_.tap().tell(inWords(isWrite, "bridge " + hex(address, 4), value));
+  if (camera_.tap.tell) camera_.tap.tell(inWords(isWrite, "bridge " + hex(address, 4), value));
 }
 
 // What else changes these is to be read here, too.
 void BridgeChip::refresh() {
-  registers_.at(lights).value[0] = allLightPinsLow | camera_.gpio().lights();
-  setBit(exposureMode, automaticBit, camera_.firmwareExposure().automatic);
+  registers_.at(lights).value[0] = allLightPinsLow | camera_.gpio.lights();
+  setBit(exposureMode, automaticBit, camera_.firmwareExposure.automatic);
 }
 
 BridgeChip::Register* BridgeChip::findForAccess(std::uint16_t address, std::size_t length) {

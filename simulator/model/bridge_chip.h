@@ -50,14 +50,12 @@ class BridgeChip {
   };
 
   BridgeChip(const BridgeSetup& setup, Camera& camera);
-  BridgeChip(const BridgeChip&) = delete;
-  BridgeChip& operator=(const BridgeChip&) = delete;
 
   // The button on the camera's body.
   void touch(bool touched);
 
   BridgeFirmware firmware() const { return setup_.firmware; }
-  Violations& violations() { return camera_.violations(); }
+  Violations& violations() { return camera_.violations; }
 
   // For tests: a register's value, little-endian, read without a trace. 0 when there is none.
   std::uint32_t peek(std::uint16_t address) const;
@@ -80,7 +78,7 @@ class BridgeChip {
   // Does what the flags of the command say. Cleared flags leave everything as it is.
   void writeCommand(Bytes command);
   // What the camera answers; changes nothing.
-  void readCommand(Bytes command, Room reply);
+  std::vector<std::uint8_t> readCommand(Bytes command);
 
  private:
   struct Register {

@@ -6,44 +6,34 @@ namespace {
 
 constexpr std::string_view wrongLength = "wrong length of", notZero = "unused bytes not 0 in";
 
-// Two bytes, the low one first.
-std::uint16_t wideAddress(Bytes bytes) {
-  return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
+// An address of one or two bytes, the low one first.
+template <std::size_t addressBytes>
+std::uint16_t addressIn(Bytes body) {
+  return static_cast<std::uint16_t>(body[0] | (addressBytes == 2 ? body[1] << 8 : 0));
 }
 
 // The parameters of a register access behind its address: n, and for a write n bytes; the rest is
 // 0.
-BridgeOutcome readRegister(BridgeChip& chip, std::uint16_t address, Bytes parameters) {
-  constexpr std::size_t most = 4;
-  const std::size_t count = parameters[0];
-  if (count < 1 || count > most) return {wrongLength};
-  if (!allZero(parameters.subspan(1))) return {notZero};
+constexpr std::size_t mostRegisterBytes = 4;
+
+template <std::size_t addressBytes>
+BridgeOutcome readRegister(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  const std::size_t count = body[addressBytes];
+  if (count < 1 || count > mostRegisterBytes) return {wrongLength};
+  if (!allZero(body.subspan(addressBytes + 1))) return {notZero};
   BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(count)};
-  chip.readRegister(address, outcome.answer);
+  chip.readRegister(addressIn<addressBytes>(body), outcome.answer);
   return outcome;
 }
 
-BridgeOutcome writeRegister(BridgeChip& chip, std::uint16_t address, Bytes parameters) {
-  constexpr std::size_t most = 4;
-  const std::size_t count = parameters[0];
-  const Bytes value = parameters.subspan(1);
-  if (count < 1 || count > std::min(most, value.size())) return {wrongLength};
+template <std::size_t addressBytes>
+BridgeOutcome writeRegister(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+  const std::size_t count = body[addressBytes];
+  const Bytes value = body.subspan(addressBytes + 1);
+  if (count < 1 || count > std::min(mostRegisterBytes, value.size())) return {wrongLength};
   if (!allZero(value.subspan(count))) return {notZero};
-  chip.writeRegister(address, value.first(count));
+  chip.writeRegister(addressIn<addressBytes>(body), value.first(count));
   return {.padding = value.size() - count};
-}
-
-BridgeOutcome readRegister8(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
-  return readRegister(chip, body[0], body.subspan(1));
-}
-BridgeOutcome readRegister16(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
-  return readRegister(chip, wideAddress(body), body.subspan(2));
-}
-BridgeOutcome writeRegister8(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
-  return writeRegister(chip, body[0], body.subspan(1));
-}
-BridgeOutcome writeRegister16(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
-  return writeRegister(chip, wideAddress(body), body.subspan(2));
 }
 
 // Slave, n, 1.
@@ -106,9 +96,7 @@ BridgeOutcome writeI2cOneShot(BridgeChip& chip, Bytes body, std::size_t /*most*/
 
 BridgeOutcome readCommand(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
   if (!allZero(body.subspan(bridgeCommandSize))) return {notZero};
-  BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(bridgeCommandSize)};
-  chip.readCommand(body, outcome.answer);
-  return outcome;
+  return {.answer = chip.readCommand(body)};
 }
 
 BridgeOutcome writeCommand(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
@@ -122,16 +110,16 @@ constexpr auto narrow = BridgeFirmware::narrow, wide = BridgeFirmware::wide,
 constexpr std::nullopt_t none = std::nullopt;
 
 constexpr BridgeRequest requests[] = {
-    {narrow, true, 2, 2, 2, 0x00, readRegister8},
-    {narrow, false, 3, 3, 6, 0x01, writeRegister8},
+    {narrow, true, 2, 2, 2, 0x00, readRegister<1>},
+    {narrow, false, 3, 3, 6, 0x01, writeRegister<1>},
     {narrow, true, 4, 3, 3, 0x02, readI2c},
     {narrow, false, 5, 3, 131, 0x03, writeI2c},
-    {wide, true, 10, 3, 3, 0x08, readRegister16},
-    {wide, false, 11, 4, 7, 0x09, writeRegister16},
+    {wide, true, 10, 3, 3, 0x08, readRegister<2>},
+    {wide, false, 11, 4, 7, 0x09, writeRegister<2>},
     {oneShot, true, 20, 32, 32, 0x0C, readI2cOneShot},
     {oneShot, false, 21, 32, 32, 0x0D, writeI2cOneShot},
-    {oneShot, true, 26, 32, 32, none, readRegister16},
-    {oneShot, false, 27, 32, 32, none, writeRegister16},
+    {oneShot, true, 26, 32, 32, none, readRegister<2>},
+    {oneShot, false, 27, 32, 32, none, writeRegister<2>},
     {oneShot, true, none, 0, 0, 0x1D, readCommand},
     {oneShot, false, none, 0, 0, 0x1E, writeCommand},
 };

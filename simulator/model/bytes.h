@@ -15,11 +15,18 @@ inline bool allZero(Bytes bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
+// The highest byte comes first.
+inline std::uint32_t numberIn(Bytes bytes) {
+  std::uint32_t number = 0;
+  for (const std::uint8_t byte : bytes) number = number << 8 | byte;
+  return number;
+}
+
 // "0x" and at least so many upper-case digits.
-inline std::string hex(std::uint32_t value, int digits) {
+inline std::string hex(std::uint64_t value, int digits) {
   std::string text = "0x";
-  for (int digit = 7; digit >= 0; --digit) {
-    const std::uint32_t rest = value >> (4 * digit);
+  for (int digit = 15; digit >= 0; --digit) {
+    const std::uint64_t rest = value >> (4 * digit);
     if (rest != 0 || digit < digits) text += "0123456789ABCDEF"[rest & 15];
   }
   return text;

@@ -14,9 +14,9 @@ std::string inWords(bool isWrite, std::uint8_t address, Bytes subAddress, Bytes 
                     bool acknowledged) {
   const bool isController = address == controllerAddress;
   std::string target = isController ? "controller" : "I2C " + hex(address, 2);
-  std::uint32_t reg = 0;
-  for (const std::uint8_t byte : subAddress) reg = reg << 8 | byte;
-  if (!subAddress.empty()) target += ' ' + hex(reg, 2 * static_cast<int>(subAddress.size()));
+  if (!subAddress.empty()) {
+    target += ' ' + hex(numberIn(subAddress), 2 * static_cast<int>(subAddress.size()));
+  }
   if (!acknowledged) return (isWrite ? "write " : "read  ") + target + ": no answer";
   const bool isRegister = isController && subAddress.size() == 1 && data.size() == 1;
   const std::string meaning = isRegister ? "  " + meaningOf(subAddress[0], data[0]) : "";
@@ -24,18 +24,18 @@ std::string inWords(bool isWrite, std::uint8_t address, Bytes subAddress, Bytes 
 }
 
 Camera::Camera(std::uint16_t productId)
-    : productId_(productId),
-      calibration_(calibrationFor(productFor(productId).magnification)),
-      controller_(productId, violations_),
-      gpio_(productId, violations_),
-      lens_(productId, controller_, violations_),
-      sensor_(productId, violations_),
-      video_(productId) {
-  bus_ = {{controllerAddress, 1, &controller_},
-          {lensControllerAddress, 0, lens_.driverAt(lensControllerAddress)},
-          {voiceCoilAddress, 1, lens_.driverAt(voiceCoilAddress)}};
+    : controller(productId, violations),
+      gpio(productId, violations),
+      lens(productId, controller, violations),
+      sensor(productId, violations),
+      video(productId),
+      productId_(productId),
+      calibration_(calibrationFor(productFor(productId).magnification)) {
+  bus_ = {{controllerAddress, 1, &controller},
+          {lensControllerAddress, 0, lens.driverAt(lensControllerAddress)},
+          {voiceCoilAddress, 1, lens.driverAt(voiceCoilAddress)}};
   if (const SensorKind* const kind = sensorFor(productId)) {
-    bus_.push_back({kind->slave, kind->addressBytes, &sensor_});
+    bus_.push_back({kind->slave, kind->addressBytes, &sensor});
   }
   turnRing();
 }
@@ -48,14 +48,14 @@ std::optional<BusPlace> Camera::placeAt(std::uint8_t address) const {
 }
 
 bool Camera::write(const BusPlace& place, Bytes subAddress, Bytes data) const {
-  const bool done = tap_.losesWrites || place.device->write(subAddress, data);
-  if (tap_.tell) tap_.tell(inWords(true, place.address, subAddress, data, done));
+  const bool done = tap.losesWrites || place.device->write(subAddress, data);
+  if (tap.tell) tap.tell(inWords(true, place.address, subAddress, data, done));
   return done;
 }
 
 bool Camera::read(const BusPlace& place, Bytes subAddress, Room data) const {
   const bool done = place.device->read(subAddress, data);
-  if (tap_.tell) tap_.tell(inWords(false, place.address, subAddress, data, done));
+  if (tap.tell) tap.tell(inWords(false, place.address, subAddress, data, done));
   return done;
 }
 
@@ -82,10 +82,10 @@ void Camera::turnRing() {
   if (!hasZoomRing()) return;
   constexpr int fractionStep = 0x40;
   quarters_ = quartersFor(calibration_, magnificationAt(motion_, now_ms_ - motionStart_ms_));
-  controller_.set(controller_register::encoderPosition,
-                  static_cast<std::uint8_t>(quarters_ / quartersPerUnit));
-  controller_.set(controller_register::encoderFraction,
-                  static_cast<std::uint8_t>(quarters_ % quartersPerUnit * fractionStep));
+  controller.set(controller_register::encoderPosition,
+                 static_cast<std::uint8_t>(quarters_ / quartersPerUnit));
+  controller.set(controller_register::encoderFraction,
+                 static_cast<std::uint8_t>(quarters_ % quartersPerUnit * fractionStep));
 }
 
 }  // namespace qvx::simulator

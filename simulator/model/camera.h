@@ -42,8 +42,6 @@ struct FirmwareExposure {
 class Camera {
  public:
   explicit Camera(std::uint16_t productId);
-  Camera(const Camera&) = delete;
-  Camera& operator=(const Camera&) = delete;
 
   std::uint16_t productId() const { return productId_; }
 
@@ -65,25 +63,15 @@ class Camera {
   // What the zoom ring shows: what an ideal client reads from the encoder. 0 without a ring.
   double magnification() const;
 
-  // What its lights give, from 0 to 1.
-  double brightness() const { return controller_.lights().brightness(gpio_.lights()); }
-
-  Controller& controller() { return controller_; }
-  const Controller& controller() const { return controller_; }
-  Gpio& gpio() { return gpio_; }
-  const Gpio& gpio() const { return gpio_; }
-  FocusLens& lens() { return lens_; }
-  const FocusLens& lens() const { return lens_; }
-  Sensor& sensor() { return sensor_; }
-  const Sensor& sensor() const { return sensor_; }
-  FirmwareExposure& firmwareExposure() { return firmwareExposure_; }
-  const FirmwareExposure& firmwareExposure() const { return firmwareExposure_; }
-  PictureControls& picture() { return picture_; }
-  const PictureControls& picture() const { return picture_; }
-  VideoOutput& video() { return video_; }
-  const VideoOutput& video() const { return video_; }
-  Violations& violations() { return violations_; }
-  BusTap& tap() { return tap_; }
+  Violations violations;
+  Controller controller;
+  Gpio gpio;
+  FocusLens lens;
+  Sensor sensor;
+  FirmwareExposure firmwareExposure;
+  PictureControls picture;
+  VideoOutput video;
+  BusTap tap;
 
  private:
   void turnRing();
@@ -93,15 +81,6 @@ class Camera {
   std::uint64_t now_ms_ = 0, motionStart_ms_ = 0;
   ZoomMotion motion_{50, 50, 0};
   int quarters_ = 0;
-  Violations violations_;
-  Controller controller_;
-  Gpio gpio_;
-  FocusLens lens_;
-  Sensor sensor_;
-  FirmwareExposure firmwareExposure_;
-  PictureControls picture_;
-  VideoOutput video_;
-  BusTap tap_;
   std::vector<BusPlace> bus_;
 };
 

@@ -35,7 +35,7 @@ class CameraDevice {
   }
 
   void touchButton(bool touched) {
-    camera.gpio().touch(touched);
+    camera.gpio.touch(touched);
     chip.touch(touched);
   }
 

@@ -9,31 +9,20 @@ namespace {
 
 using Text = std::string_view;
 
+// In the order of what they name.
 constexpr Text transportNames[] = {"wifi", "usb", "hid", "usb3"};
+constexpr Text units[] = {"bridge", "variant1", "foreign", "none", "plain", "absent"};
+constexpr Text reportKinds[] = {"bridge", "extra", "without-block", "none"};
+constexpr Text firmwares[] = {"narrow", "wide", "one-shot"};
+constexpr Text chips[] = {"0", "2", "2-hid"};
+constexpr std::uint8_t families[] = {BridgeFamily::generation0, BridgeFamily::generation2,
+                                     BridgeFamily::generation2HidOnly};
 
-constexpr Word<Unit> units[] = {
-    {"bridge", Unit::bridge}, {"variant1", Unit::variant1}, {"foreign", Unit::foreign},
-    {"none", Unit::none},     {"plain", Unit::plain},       {"absent", Unit::absent},
-};
-
-constexpr Word<HidReports> reportKinds[] = {
-    {"bridge", HidReports::bridge},
-    {"extra", HidReports::extra},
-    {"without-block", HidReports::withoutBlock},
-    {"none", HidReports::none},
-};
-
-constexpr Word<std::uint8_t> chips[] = {
-    {"0", BridgeFamily::generation0},
-    {"2", BridgeFamily::generation2},
-    {"2-hid", BridgeFamily::generation2HidOnly},
-};
-
-constexpr Word<BridgeFirmware> firmwares[] = {
-    {"narrow", BridgeFirmware::narrow},
-    {"wide", BridgeFirmware::wide},
-    {"one-shot", BridgeFirmware::oneShot},
-};
+template <std::size_t count>
+std::optional<std::ptrdiff_t> placeOf(Text name, const Text (&names)[count]) {
+  const auto* const found = std::find(std::begin(names), std::end(names), name);
+  return found == std::end(names) ? std::nullopt : std::optional(found - names);
+}
 
 template <class Target, class Value>
 bool assign(Target& target, const std::optional<Value>& value) {
@@ -71,17 +60,20 @@ constexpr struct {
      [](Text text, CameraSpec& spec) { return assign(spec.port, numberFrom(text, 0, 0xFFFF)); }},
     {"chip=C", "usb, hid: generation of its bridge chip: 0, 2, or 2-hid (2 on HID only)",
      onUsb | onHid,
-     [](Text text, CameraSpec& spec) { return assign(spec.setup.family, valueOf(text, chips)); }},
+     [](Text text, CameraSpec& spec) {
+       const auto chip = placeOf(text, chips);
+       return assign(spec.setup.family, chip ? std::optional(families[*chip]) : std::nullopt);
+     }},
     {"firmware=F", "usb, hid: one-shot, wide or narrow, newest to oldest", onUsb | onHid,
      [](Text text, CameraSpec& spec) {
-       return assign(spec.setup.firmware, valueOf(text, firmwares));
+       return assign(spec.setup.firmware, placeOf(text, firmwares));
      }},
     {"unit=U",
      "its extension unit: bridge, variant1, foreign, none, or plain (not even\n"
      "                  a topology); absent: no video interface",
-     onVideo, [](Text text, CameraSpec& spec) { return assign(spec.unit, valueOf(text, units)); }},
+     onVideo, [](Text text, CameraSpec& spec) { return assign(spec.unit, placeOf(text, units)); }},
     {"reports=R", "hid: its feature reports: bridge, extra, without-block, none", onHid,
-     [](Text text, CameraSpec& spec) { return assign(spec.reports, valueOf(text, reportKinds)); }},
+     [](Text text, CameraSpec& spec) { return assign(spec.reports, placeOf(text, reportKinds)); }},
 };
 
 // "3C7E:0970", or the product id alone.
@@ -105,10 +97,9 @@ bool takeOption(Text text, CameraSpec& spec) {
 }
 
 bool takeTransport(Text name, CameraSpec& spec) {
-  const auto* const found = std::find(std::begin(transportNames), std::end(transportNames), name);
-  spec.transport = static_cast<Transport>(found - transportNames);
+  const bool known = assign(spec.transport, placeOf(name, transportNames));
   if (spec.transport == Transport::usb) spec.unit = Unit::bridge;
-  return found != std::end(transportNames);
+  return known;
 }
 
 std::string pidText(std::uint16_t productId) {

@@ -6,41 +6,21 @@ namespace {
 
 namespace reg = controller_register;
 
-bool always(const Product& /*product*/) {
-  return true;
-}
-
-bool lightsOnController(const Product& product) {
-  return product.lights.kind != erased;
-}
-
-bool dimmableQuadrants(const Product& product) {
-  constexpr std::uint8_t quadrantRing = 4;
-  return product.lights.kind == quadrantRing;
-}
-
-bool voiceCoil(const Product& product) {
-  return product.lens == Lens::voiceCoil;
-}
-
-enum Access : bool { read, readWrite };
-
 // Which registers there are. Those for a part that a camera lacks are there and erased, except what
-// drives the part.
+// drives the part; only that can be written.
 constexpr struct Block {
   std::uint8_t first, last;
   const char* meaning;
-  Access access = read;
-  bool (*exists)(const Product&) = always;
+  bool (Product::*drivesPart)() const = nullptr;
 } blocks[] = {
     {reg::modelByte, reg::modelByte, "model byte"},
     {reg::encoderPosition, reg::encoderPosition, "zoom encoder: position"},
     {reg::encoderFraction, reg::encoderFraction, "zoom encoder: quarters of the position"},
-    {reg::lightLevel, reg::lightLevel, "light level", readWrite, lightsOnController},
-    {reg::lightSwitch, reg::lightSwitch, "light switch", readWrite, lightsOnController},
-    {reg::lensDirection, reg::lensDirection, "lens direction", readWrite, voiceCoil},
-    {reg::quadrant1Level, reg::quadrant4Level, "level of one light quadrant", readWrite,
-     dimmableQuadrants},
+    {reg::lightLevel, reg::lightLevel, "light level", &Product::hasLightingRegisters},
+    {reg::lightSwitch, reg::lightSwitch, "light switch", &Product::hasLightingRegisters},
+    {reg::lensDirection, reg::lensDirection, "lens direction", &Product::hasVoiceCoil},
+    {reg::quadrant1Level, reg::quadrant4Level, "level of one light quadrant",
+     &Product::hasQuadrants},
     {reg::threePoints, reg::threePointsEnd, "calibration by three points, or the lens's zero"},
     {reg::lensZeroAt50, reg::lensZeroAt50, "lens: zero position"},
     {reg::fineOffsetBackward, reg::fineOffsetForward, "lens: fine offset"},
@@ -59,11 +39,10 @@ constexpr struct Block {
     {reg::lensDriverKind, reg::lensDriverKind, "lens driver"},
 };
 
-const Block* blockOf(std::uint8_t reg) {
-  for (const Block& block : blocks) {
-    if (reg >= block.first && reg <= block.last) return &block;
-  }
-  return nullptr;
+const Block* blockFor(std::uint8_t reg, const Product& product) {
+  const Block* const block = rowFor(reg, blocks);
+  const bool lacksPart = block != nullptr && block->drivesPart && !(product.*block->drivesPart)();
+  return lacksPart ? nullptr : block;
 }
 
 constexpr struct {
@@ -102,7 +81,7 @@ std::string meaningOf(std::uint8_t reg, std::uint8_t value) {
   for (const auto& row : namedValues) {
     if (row.reg == reg && row.value == value) return row.meaning;
   }
-  const Block* const block = blockOf(reg);
+  const Block* const block = rowFor(reg, blocks);
   return block == nullptr ? "" : block->meaning;
 }
 
@@ -127,7 +106,7 @@ void Controller::program(std::uint16_t productId) {
   values_[reg::opticsKind] = product_.opticsKind;
   for (const auto& lens : lenses) {
     if (lens.lens != product_.lens) continue;
-    values_[lens.zeroRegister] = lens.zero;
+    values_[lens.zeroRegister] = lensZero_ = lens.zero;
     values_[reg::lensDriverKind] = lens.driverKind;
     values_[reg::wideLensRange] = lens.wideRange;
     values_[reg::fineOffsetForward] = lens.fineOffsetForward;
@@ -139,11 +118,9 @@ bool Controller::write(Bytes subAddress, Bytes data) {
   if (!isWellFormed(subAddress, data.size())) return false;
   const std::uint8_t target = subAddress[0];
   if (data.size() != 1) return refuse("write of several bytes from register ", target);
-  const Block* const block = blockOf(target);
-  if (block == nullptr || !block->exists(product_)) {
-    return refuse("write of unknown register ", target);
-  }
-  if (block->access == Access::read) return refuse("write of read-only register ", target);
+  const Block* const block = blockFor(target, product_);
+  if (block == nullptr) return refuse("write of unknown register ", target);
+  if (block->drivesPart == nullptr) return refuse("write of read-only register ", target);
   if (target == reg::lensDirection && data[0] != 1 && data[0] != 2) {
     return refuse("unknown lens direction ", data[0]);
   }
@@ -156,10 +133,7 @@ bool Controller::read(Bytes subAddress, Room data) {
   if (!isWellFormed(subAddress, data.size())) return false;
   std::uint8_t source = subAddress[0];
   for (std::uint8_t& byte : data) {
-    const Block* const block = blockOf(source);
-    if (block == nullptr || !block->exists(product_)) {
-      return refuse("read of unknown register ", source);
-    }
+    if (!blockFor(source, product_)) return refuse("read of unknown register ", source);
     byte = take(source++);
   }
   return true;
@@ -179,9 +153,7 @@ std::uint8_t Controller::take(std::uint8_t source) {
 }
 
 bool Controller::refuse(const char* what, std::size_t number) {
-  violations_.push_back(std::string("controller: ") + what +
-                        hex(static_cast<std::uint32_t>(number), 2));
-  return false;
+  return violate(violations_, std::string("controller: ") + what + hex(number, 2));
 }
 
 }  // namespace qvx::simulator

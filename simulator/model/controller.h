@@ -46,9 +46,6 @@ enum : std::uint8_t {
 };
 }  // namespace controller_register
 
-// The value of a register that was never programmed.
-constexpr std::uint8_t erased = 0xFF;
-
 // What a register is, and where its value has a name, what it says: "calibration: line through two
 // points". Empty for a register that does not exist.
 std::string meaningOf(std::uint8_t reg, std::uint8_t value);
@@ -68,6 +65,9 @@ class Controller final : public I2cDevice {
   std::uint8_t at(std::uint8_t reg) const { return values_[reg]; }
   void set(std::uint8_t reg, std::uint8_t value) { values_[reg] = value; }
 
+  // Where it says that the lens has its zero, whatever the register.
+  std::uint8_t lensZero() const { return lensZero_; }
+
   // What its registers have made of the lights.
   const Illumination& lights() const { return lights_; }
 
@@ -79,6 +79,7 @@ class Controller final : public I2cDevice {
 
   const Product& product_;
   Registers values_;
+  std::uint8_t lensZero_ = erased;
   Illumination lights_;
   Violations& violations_;
   // The fraction that belongs to the position read last: the ring may move between the two reads.

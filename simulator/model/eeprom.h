@@ -29,7 +29,7 @@ class Eeprom final : public I2cDevice {
  private:
   // Empty beyond the end.
   Room placeOf(Bytes subAddress, std::size_t count) {
-    const std::size_t start = static_cast<std::size_t>(subAddress[0] << 8 | subAddress[1]);
+    const std::size_t start = numberIn(subAddress);
     return start + count <= bytes_.size() ? Room(bytes_).subspan(start, count) : Room();
   }
 

@@ -99,9 +99,9 @@ bool ExtensionUnit::runCommand(Bytes data) {
     return violate("unknown custom command in");
   }
   if (code != readParameters) chip_.writeCommand(command);
-  reply_.assign(commandSize, 0);
+  reply_ = chip_.readCommand(command);
+  reply_.resize(commandSize);
   replyPlace_ = place_;
-  chip_.readCommand(command, Room(reply_).first(bridgeCommandSize));
   return true;
 }
 

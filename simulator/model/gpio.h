@@ -38,12 +38,12 @@ class Gpio {
     if (port == lightPort) outputs = lightPins;
     if (port == buttonPort && latching_) outputs = buttonLatched;
     if (mask == 0 || (mask & ~outputs) != 0) {
-      violations_.push_back("gpio: no outputs on port " + hex(port, 1) + ": pins " + hex(mask, 2));
-      return false;
+      return violate(violations_,
+                     "gpio: no outputs on port " + hex(port, 1) + ": pins " + hex(mask, 2));
     }
     if ((levels & ~mask) != 0) {
-      violations_.push_back("gpio: levels " + hex(levels, 2) + " outside the mask " + hex(mask, 2));
-      return false;
+      return violate(violations_,
+                     "gpio: levels " + hex(levels, 2) + " outside the mask " + hex(mask, 2));
     }
     if (port == lightPort) lights_ = static_cast<std::uint8_t>((lights_ & ~mask) | levels);
     if (port == buttonPort) latched_ = latched_ && levels != 0;

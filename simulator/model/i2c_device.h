@@ -12,6 +12,12 @@ namespace qvx::simulator {
 // not exist, wrong lengths, pins that are inputs. The camera goes on; a test fails at its end.
 using Violations = std::vector<std::string>;
 
+// Notes one; false, as the device then answers.
+inline bool violate(Violations& violations, std::string what) {
+  violations.push_back(std::move(what));
+  return false;
+}
+
 class I2cDevice {
  public:
   // Each returns whether the device acknowledged the sub-address and every byte.

@@ -19,8 +19,8 @@ enum LightSwitch : std::uint8_t {
   aimOff = 48,
 };
 
-// Where the lights stand in the level register; that of the aim counts backwards.
-constexpr std::uint8_t plainAxial = 7, switchedAxial = 32, brightestAim = 70;
+// In the level register, where the aiming light counts backwards.
+constexpr std::uint8_t brightestAim = 70;
 
 class Illumination {
  public:
@@ -30,16 +30,19 @@ class Illumination {
   // nothing.
   void take(std::uint8_t reg, std::uint8_t value);
 
-  bool hasQuadrants() const { return hasQuadrants_; }      // that can be dimmed one by one
-  bool hasAxialSwitch() const { return hasAxialSwitch_; }  // and levels of its own for that light
-  std::uint8_t fullRing() const { return hasQuadrants_ ? finestLight : coarsestLight; }
+  const bool hasController;
+  const bool hasQuadrants;    // that can be dimmed one by one
+  const bool hasAxialSwitch;  // and levels of its own for that light
 
-  double ringLevel() const { return ringLevel_; }      // of the segments that are lit, from 0 to 1
-  std::uint8_t segments() const { return segments_; }  // a bit for each that is lit
+  // In the level register: the ring begins with 0.
+  std::uint8_t fullRing() const { return hasQuadrants ? finestLight : coarsestLight; }
+  std::uint8_t darkestAxial() const { return hasAxialSwitch ? 32 : 7; }
+
+  double ringLevel = 0;       // of the segments that are lit, from 0 to 1
+  std::uint8_t segments = 0;  // a bit for each that is lit
 
   // From 0 (dark) to 1. The first quadrant is the upper right one, the others follow clockwise.
   std::array<double, 4> quadrants() const;
-  double ring() const;
   double axial() const { return axialOn_ ? axialLevel_ : 0; }
   double aim() const { return aimOn_ ? aimLevel_ : 0; }
 
@@ -49,18 +52,12 @@ class Illumination {
   // What the light pins give when they stand at these levels.
   double ofPins(std::uint8_t levels) const;
 
-  // What falls on the object, from 0 to about 1, when the light pins stand at these levels, too:
-  // cameras without a lighting controller have only those.
-  double brightness(std::uint8_t pinLevels) const;
-
  private:
   void takeSwitch(std::uint8_t value);
   void takeLevel(std::uint8_t value);
 
-  bool hasController_, hasQuadrants_, hasAxialSwitch_;
-  std::uint8_t segments_ = 0;
   bool axialOn_, aimOn_ = false;
-  double ringLevel_ = 0, axialLevel_ = 0, aimLevel_ = 1;
+  double axialLevel_ = 0, aimLevel_ = 1;
   std::array<double, 4> quadrantLevels_{1, 1, 1, 1};
 };
 

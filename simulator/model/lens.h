@@ -19,19 +19,11 @@ class FocusLens {
   // The driver at an address of the I2C bus, null for one that the camera does not have.
   I2cDevice* driverAt(std::uint8_t address);
 
-  bool isFitted() const { return kind_ != Lens::none; }
+  const Lens kind;
+  const double zero;  // as the lens controller counts
 
-  // How far the lens stands from its zero position, in units of the lens controller; 0 without a
-  // lens.
-  double offset() const { return offset_; }
-  double zero() const { return zero_; }  // as the lens controller counts
-
-  // Moves it past its drivers.
-  void moveTo(double offset) { offset_ = offset; }
-
-  // What the drivers were told last: the position, and the coil's value, negative for backward.
-  std::uint8_t position() const { return position_; }
-  int coilSteps() const { return coilSteps_; }
+  // How far the lens stands from its zero position, in units of the lens controller.
+  double offset = 0;
 
  private:
   // A driver takes bytes and gives none.
@@ -50,14 +42,9 @@ class FocusLens {
 
   bool takePosition(Bytes reg, Bytes data);
   bool takeCoilWord(Bytes first, Bytes second);
-  bool refuse(const char* what, std::size_t number);
 
   const Controller& controller_;
   Violations& violations_;
-  Lens kind_;
-  std::uint8_t zero_, position_;
-  int coilSteps_ = 0;
-  double offset_ = 0;
   Driver lensController_, voiceCoil_;
 };
 

@@ -1,9 +1,9 @@
 // Brightness, contrast and the like of a camera, as its firmware describes and keeps them.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
+#include <map>
+#include <span>
 
 namespace qvx::simulator {
 
@@ -13,23 +13,32 @@ struct PictureControl {
   bool hasAutomatic;
 };
 
-inline constexpr std::array<PictureControl, 10> pictureControls = {{
-    {0, -64, 64, 1, 0, false},        // brightness
-    {1, 0, 95, 1, 32, false},         // contrast
-    {2, -40, 40, 1, 0, false},        // hue
-    {3, 0, 100, 1, 64, false},        // saturation
-    {4, 0, 7, 1, 2, false},           // sharpness
-    {5, 72, 500, 1, 100, false},      // gamma
-    {7, 2800, 6500, 10, 4600, true},  // white balance; there is no 6, colour enable
-    {8, 0, 2, 1, 1, false},           // backlight compensation
-    {9, 0, 100, 1, 0, false},         // gain
-    {13, 0, 2, 1, 1, false},          // power-line frequency: off, 50 Hz, 60 Hz
-}};
+struct PictureRow {
+  PictureControl control;
+  const char* name;
+  std::int32_t wifiId = 0;  // the number that Linux gives to it
+};
+
+inline constexpr PictureRow pictureRows[] = {
+    {{0, -64, 64, 1, 0, false}, "Brightness", 0x980900},
+    {{1, 0, 95, 1, 32, false}, "Contrast", 0x980901},
+    {{3, 0, 100, 1, 64, false}, "Saturation", 0x980902},
+    {{2, -40, 40, 1, 0, false}, "Hue", 0x980903},
+    {{5, 72, 500, 1, 100, false}, "Gamma", 0x980910},
+    {{4, 0, 7, 1, 2, false}, "Sharpness", 0x98091B},
+    {{7, 2800, 6500, 10, 4600, true}, "White balance"},  // there is no 6, colour enable
+    {{8, 0, 2, 1, 1, false}, "Backlight"},
+    {{9, 0, 100, 1, 0, false}, "Gain"},
+    {{13, 0, 2, 1, 1, false}, "Mains"},  // off, 50 Hz, 60 Hz
+};
+
+// Those that can be reached over Wi-Fi, too, in the order in which its document has them.
+inline constexpr auto wifiPictureRows = std::span(pictureRows).first(6);
 
 // Null for a control that the camera does not have.
 inline constexpr const PictureControl* pictureControl(std::int32_t property) {
-  for (const PictureControl& control : pictureControls) {
-    if (control.property == property) return &control;
+  for (const PictureRow& row : pictureRows) {
+    if (row.control.property == property) return &row.control;
   }
   return nullptr;
 }
@@ -43,28 +52,24 @@ class PictureControls {
   };
 
   PictureControls() {
-    for (std::size_t i = 0; i < values_.size(); ++i) {
-      values_[i] = {pictureControls[i].standard, pictureControls[i].hasAutomatic};
+    for (const auto& [control, name, wifiId] : pictureRows) {
+      values_[control.property] = {control.standard, control.hasAutomatic};
     }
   }
 
-  Value get(const PictureControl& control) const { return values_[placeOf(control)]; }
+  Value get(const PictureControl& control) const { return values_.at(control.property); }
 
   // False for what the camera cannot be set to.
   bool set(const PictureControl& control, const Value& value) {
     const bool inRange = value.value >= control.least && value.value <= control.most &&
                          (value.value - control.least) % control.step == 0;
     if (!inRange || (value.automatic && !control.hasAutomatic)) return false;
-    values_[placeOf(control)] = value;
+    values_.at(control.property) = value;
     return true;
   }
 
  private:
-  static std::size_t placeOf(const PictureControl& control) {
-    return static_cast<std::size_t>(&control - pictureControls.data());
-  }
-
-  std::array<Value, pictureControls.size()> values_{};
+  std::map<std::int32_t, Value> values_;  // by property
 };
 
 }  // namespace qvx::simulator

@@ -7,24 +7,23 @@ namespace {
 using enum CalibrationForm;
 using namespace feature;
 
-constexpr std::uint8_t noFeatures = 0xFF;
 constexpr std::uint8_t zoomLens = lens | magnification;
 
-constexpr Lights onPins = {0xFF, 0xFF};
-constexpr Lights ring = {0, 0xFF};
+constexpr Lights onPins = {erased, erased};
+constexpr Lights ring = {0, erased};
 constexpr Lights segments = {0, 5};
-constexpr Lights quadrants = {4, 0xFF};
+constexpr Lights quadrants = {4, erased};
 constexpr Lights segmentedQuadrants = {4, 5};
 constexpr Lights twoRings = {4, 4};
 
 // Every form of calibration occurs, and cameras with and without each feature do. A camera whose
 // zero position is at 0x40 has no zoom encoder: they would share the registers.
 constexpr Product products[] = {
-    {0x890, 0x891, noFeatures, bytes, Lens::none, onPins},
-    {0x892, 0x893, noFeatures, hundredths, Lens::none, onPins},
+    {0x890, 0x891, erased, bytes, Lens::none, onPins},
+    {0x892, 0x893, erased, hundredths, Lens::none, onPins},
     {0x910, 0x91F, lens | variant2, none, Lens::zeroAt40, onPins},
-    {0x930, 0x93F, noFeatures, line, Lens::none, onPins},
-    {0x940, 0x949, noFeatures, none, Lens::zeroAt40, onPins},
+    {0x930, 0x93F, erased, line, Lens::none, onPins},
+    {0x940, 0x949, erased, none, Lens::zeroAt40, onPins},
 
     {0x960, 0x967, variant2, none, Lens::none, ring},
     {0x968, 0x968, variant3 | lightingController, none, Lens::none, segments},
@@ -69,15 +68,13 @@ constexpr bool ascending() {
 }
 static_assert(ascending(), "every product id stands in one row at most");
 
-constexpr Product oldest = {0x0000, 0xFFFF, noFeatures, none, Lens::none, onPins};
+constexpr Product oldest = {0x0000, 0xFFFF, erased, none, Lens::none, onPins};
 
 }  // namespace
 
 const Product& productFor(std::uint16_t productId) {
-  for (const Product& product : products) {
-    if (productId >= product.first && productId <= product.last) return product;
-  }
-  return oldest;
+  const Product* const product = rowFor(productId, products);
+  return product == nullptr ? oldest : *product;
 }
 
 }  // namespace qvx::simulator

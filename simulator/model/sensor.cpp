@@ -18,52 +18,41 @@ constexpr struct {
 const SensorKind* kindAt(std::uint8_t slave) {
   // Every sensor wakes up with automatic exposure on, in mid-range.
   static const SensorKind kinds[] = {
-      {0x78,
+      {{{0x3500, 0x3501, 0x3502}, 16, {}, 0, 500, 2000, 0x3503, 0x00, 0x07, 0x3A1E, 0x38},
+       0x78,
        2,
-       {{0x3500, 0x00},  // exposure in 1/16 lines: 500 lines
-        {0x3501, 0x1F},
-        {0x3502, 0x40},
-        {0x3503, 0x00},  // bits 0 to 2: what is set by hand
-        {0x350C, 0x03},  // longest exposure in lines: 984
-        {0x350D, 0xD8},
-        {0x3A0F, 0x46},  // automatic exposure around brightness 0x38
-        {0x3A10, 0x3A},
-        {0x3A1B, 0x58},
-        {0x3A1E, 0x38},
-        {0x3C00, 0x04},  // mains frequency: detected, 50 Hz
-        {0x3C01, 0x34}},
-       {{0x3500, 0x3501, 0x3502}, 16, {}, 0, 500, 2000, 0x3503, 0x00, 0x07, 0x3A1E, 0x38}},
-      {0x48,
+       {{0x3500, {0x00, 0x1F, 0x40}},  // exposure in 1/16 lines: 500 lines
+        {0x3503, {0x00}},              // bits 0 to 2: what is set by hand
+        {0x350C, {0x03, 0xD8}},        // longest exposure in lines: 984
+        {0x3A0F, {0x46, 0x3A}},        // automatic exposure around brightness 0x38
+        {0x3A1B, {0x58}},
+        {0x3A1E, {0x38}},
+        {0x3C00, {0x04, 0x34}}}},  // mains frequency: detected, 50 Hz
+      {{{0x0015, 0x0016}, 1, {}, 0, 480, 2000, 0x0380, 0x55, 0x54, 0x038E, 0x40},
+       0x48,
        2,
-       {{0x0015, 0x01},  // exposure in lines: 480
-        {0x0016, 0xE0},
-        {0x0120, 0x00},   // bit 0: mains of 60 Hz
-        {0x0380, 0x55},   // bit 0: automatic exposure
-        {0x038E, 0x40},   // brightness target
-        {0x085C, 0x00}},  // 1 takes the target over
-       {{0x0015, 0x0016}, 1, {}, 0, 480, 2000, 0x0380, 0x55, 0x54, 0x038E, 0x40}},
-      {0x42,
+       {{0x0015, {0x01, 0xE0}},  // exposure in lines: 480
+        {0x0120, {0x00}},        // bit 0: mains of 60 Hz
+        {0x0380, {0x55}},        // bit 0: automatic exposure
+        {0x038E, {0x40}},        // brightness target
+        {0x085C, {0x00}}}},      // 1 takes the target over
+      {{{0x08, 0x10}, 1, {0x2E, 0x2D}, 0, 312, 1250, 0x13, 0xBD, 0xB8, 0x25, 0x48},
+       0x42,
        1,
-       {{0x08, 0x01},  // exposure in lines: 256 + 37, and 16 + 3 of the second kind
-        {0x10, 0x25},
-        {0x2D, 0x13},
-        {0x2E, 0x00},
-        {0x0E, 0xD5},
-        {0x13, 0xBD},  // bit 0: automatic exposure
-        {0x22, 0x99},  // mains of 50 Hz
-        {0x23, 0x02},
-        {0x25, 0x48}},  // brightness target
-       {{0x08, 0x10}, 1, {0x2E, 0x2D}, 0, 312, 1250, 0x13, 0xBD, 0xB8, 0x25, 0x48}},
-      {0x34,
+       {{0x08, {0x01}},  // exposure in lines: 256 + 37, and 16 + 3 of the second kind
+        {0x10, {0x25}},
+        {0x2D, {0x13, 0x00}},
+        {0x0E, {0xD5}},
+        {0x13, {0xBD}},        // bit 0: automatic exposure
+        {0x22, {0x99, 0x02}},  // mains of 50 Hz
+        {0x25, {0x48}}}},      // brightness target
+      {{{0x0202, 0x0203}, -1, {0x0340, 0x0341}, frameLines, 500, frameLines - 1, 0, 0, 0, 0, 0x40},
+       0x34,
        2,
-       {{0x0202, 0x02},  // lines of the frame that are not exposed: 625 of 1125
-        {0x0203, 0x71},
-        {0x0340, 0x04},
-        {0x0341, 0x65}},
-       {{0x0202, 0x0203}, -1, {0x0340, 0x0341}, frameLines, 500, frameLines - 1, 0, 0, 0, 0, 0x40}},
+       {{0x0202, {0x02, 0x71}},  // lines of the frame that are not exposed: 625 of 1125
+        {0x0340, {0x04, 0x65}}}},
   };
-  return std::find_if(std::begin(kinds), std::end(kinds),
-                      [slave](const SensorKind& kind) { return kind.slave == slave; });
+  return std::ranges::find(kinds, slave, &SensorKind::slave);
 }
 
 std::uint32_t wide(const Sensor& sensor, const SensorExposure::Addresses& addresses) {
@@ -82,15 +71,8 @@ void setWide(Sensor& sensor, const SensorExposure::Addresses& addresses, std::ui
 }  // namespace
 
 const SensorKind* sensorFor(std::uint16_t productId) {
-  for (const auto& camera : cameras) {
-    if (productId >= camera.first && productId <= camera.last) return kindAt(camera.slave);
-  }
-  return nullptr;
-}
-
-const SensorExposure* exposureFor(std::uint16_t productId) {
-  const SensorKind* const kind = sensorFor(productId);
-  return kind == nullptr ? nullptr : &kind->exposure;
+  const auto* const camera = rowFor(productId, cameras);
+  return camera == nullptr ? nullptr : kindAt(camera->slave);
 }
 
 double SensorExposure::lines(const Sensor& sensor) const {
@@ -103,23 +85,27 @@ void SensorExposure::setLines(Sensor& sensor, std::uint32_t lines) const {
 }
 
 bool SensorExposure::isAutomatic(const Camera& camera) const {
-  if (automaticRegister == 0) return camera.firmwareExposure().automatic;
-  return ((camera.sensor().at(automaticRegister) ^ automatic) & 1) == 0;
+  if (automaticRegister == 0) return camera.firmwareExposure.automatic;
+  return ((camera.sensor.at(automaticRegister) ^ automatic) & 1) == 0;
 }
 
 void SensorExposure::setAutomatic(Camera& camera, bool on) const {
-  if (automaticRegister == 0) camera.firmwareExposure().automatic = on;
-  camera.sensor().set(automaticRegister, on ? automatic : manual);
+  if (automaticRegister == 0) camera.firmwareExposure.automatic = on;
+  camera.sensor.set(automaticRegister, on ? automatic : manual);
 }
 
 double SensorExposure::target(const Camera& camera) const {
-  if (automaticRegister == 0) return camera.firmwareExposure().target;
-  return camera.sensor().at(targetRegister);
+  if (automaticRegister == 0) return camera.firmwareExposure.target;
+  return camera.sensor.at(targetRegister);
 }
 
 Sensor::Sensor(std::uint16_t productId, Violations& violations)
     : kind_(sensorFor(productId)), violations_(violations) {
-  if (kind_ != nullptr) values_ = kind_->registers;
+  if (kind_ == nullptr) return;
+  for (const auto& [first, values] : kind_->registers) {
+    std::uint16_t address = first;
+    for (const std::uint8_t value : values) values_[address++] = value;
+  }
 }
 
 bool Sensor::write(Bytes subAddress, Bytes data) {
@@ -145,18 +131,19 @@ void Sensor::set(std::uint16_t address, std::uint8_t value) {
 }
 
 std::uint8_t* Sensor::findForAccess(Bytes subAddress, std::size_t dataBytes) {
-  const auto size = static_cast<std::uint32_t>(subAddress.size());
-  if (size != kind_->addressBytes) return refuse("bytes of register address: ", size, 2);
-  std::uint32_t address = 0;
-  for (const std::uint8_t byte : subAddress) address = address << 8 | byte;
-  const int digits = 2 * kind_->addressBytes;
-  if (dataBytes != 1) return refuse("not one byte for register ", address, digits);
-  const auto found = values_.find(static_cast<std::uint16_t>(address));
-  return found == values_.end() ? refuse("unknown register ", address, digits) : &found->second;
-}
-
-std::uint8_t* Sensor::refuse(const char* what, std::uint32_t number, int digits) {
-  violations_.push_back(std::string("sensor: ") + what + hex(number, digits));
+  const std::size_t size = subAddress.size();
+  const auto address = static_cast<std::uint16_t>(numberIn(subAddress));
+  const std::string name = hex(address, 2 * kind_->addressBytes);
+  const auto found = values_.find(address);
+  if (size != kind_->addressBytes) {
+    violations_.push_back("sensor: bytes of register address: " + hex(size, 2));
+  } else if (dataBytes != 1) {
+    violations_.push_back("sensor: not one byte for register " + name);
+  } else if (found == values_.end()) {
+    violations_.push_back("sensor: unknown register " + name);
+  } else {
+    return &found->second;
+  }
   return nullptr;
 }
 

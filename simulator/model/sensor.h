@@ -33,16 +33,15 @@ struct SensorExposure {
   double target(const Camera& camera) const;
 };
 
-struct SensorKind {
+struct SensorKind : SensorExposure {
   std::uint8_t slave;  // in its 8-bit write form
   std::uint8_t addressBytes;
-  std::map<std::uint16_t, std::uint8_t> registers;  // at power-up
-  SensorExposure exposure;
+  // At power-up: the values of registers in a row, by the address of the first.
+  std::map<std::uint16_t, std::vector<std::uint8_t>> registers;
 };
 
 // Null for a product id whose sensor is not known.
 const SensorKind* sensorFor(std::uint16_t productId);
-const SensorExposure* exposureFor(std::uint16_t productId);
 
 class Sensor final : public I2cDevice {
  public:
@@ -61,7 +60,6 @@ class Sensor final : public I2cDevice {
 
  private:
   std::uint8_t* findForAccess(Bytes subAddress, std::size_t dataBytes);
-  std::uint8_t* refuse(const char* what, std::uint32_t number, int digits);
 
   const SensorKind* kind_;
   std::map<std::uint16_t, std::uint8_t> values_;

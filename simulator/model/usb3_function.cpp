@@ -41,7 +41,7 @@ std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup, Room bu
   const bool toCamera = setup.index == vendorEntity;
   if (toCamera && is(toInterface, setCurrent) && set(setup.value, data)) return data.size();
   if (toCamera && is(fromInterface, getCurrent) && get(setup.value, data)) return data.size();
-  camera_.violations().emplace_back("usb 3: request that the camera does not have");
+  camera_.violations.emplace_back("usb 3: request that the camera does not have");
   return std::nullopt;
 }
 
@@ -60,7 +60,7 @@ bool Usb3Function::set(std::uint16_t selector, Bytes data) {
     case controllerReadControl:
       return size == 2 && first == controllerAddress && ask(selector, data);
     case sensorReadControl:
-      return size == 3 && camera_.sensor().answersAt(first) && ask(selector, data);
+      return size == 3 && camera_.sensor.answersAt(first) && ask(selector, data);
     case writeOnBusControl:
       return (size == 3 || size == 4) && writeOnBus(data);
     case lensDriverControl:  // for what moves a voice coil
@@ -81,7 +81,7 @@ bool Usb3Function::get(std::uint16_t selector, Room data) {
   if (data.size() != 1 || !asked_.contains(selector)) return false;
   const std::vector<std::uint8_t> asked = asked_.extract(selector).mapped();
   if (selector == buttonSampleControl) {
-    data[0] = camera_.gpio().buttonIsTouched() ? 1 : 0;
+    data[0] = camera_.gpio.buttonIsTouched() ? 1 : 0;
     return true;
   }
   const auto place = camera_.placeAt(asked[0]);

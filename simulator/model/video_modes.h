@@ -1,8 +1,11 @@
 // The sizes of picture that a camera sends over Wi-Fi, and which one it sends.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
+
+#include "simulator/model/product.h"
 
 namespace qvx::simulator {
 
@@ -26,10 +29,8 @@ inline std::span<const VideoMode> videoModesFor(std::uint16_t productId) {
       {0x960, 0x99F, fiveMegapixels},
       {0x9C0, 0x9CF, megapixel},
   };
-  for (const auto& camera : cameras) {
-    if (productId >= camera.first && productId <= camera.last) return camera.modes;
-  }
-  return std::span(megapixel).first(1);
+  const auto* const camera = rowFor(productId, cameras);
+  return camera == nullptr ? std::span(megapixel).first(1) : camera->modes;
 }
 
 class VideoOutput {
@@ -40,12 +41,9 @@ class VideoOutput {
 
   // False, and nothing changed, for a command that the camera does not have.
   bool choose(std::int32_t command) {
-    for (const VideoMode& mode : modes_) {
-      if (mode.command != command) continue;
-      chosen_ = &mode;
-      return true;
-    }
-    return false;
+    const auto found = std::ranges::find(modes_, command, &VideoMode::command);
+    if (found != modes_.end()) chosen_ = &*found;
+    return found != modes_.end();
   }
 
  private:

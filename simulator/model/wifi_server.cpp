@@ -1,5 +1,6 @@
 #include "simulator/model/wifi_server.h"
 
+#include <bit>
 #include <charconv>
 #include <cstdio>
 
@@ -9,38 +10,23 @@ namespace qvx::simulator {
 
 namespace {
 
+constexpr int refused = -1;  // says the firmware when the bus or it itself refuses
+
 constexpr int ok = 200, missing = 404, unavailable = 503;
 
-// The bits of an I2C command's id. Its value holds the register above 16 bits of data.
-enum I2cId : std::uint32_t {
-  i2cAddress = 0x00FF,
-  i2cDataBytes = 0x0300,
-  i2cDataBytesShift = 8,
-  i2cRegisterBytes = 0x0C00,
-  i2cRegisterBytesShift = 10,
-  i2cWrite = 0x1000,
-  i2cAllBits = 0x1FFF,
+// The bits of a GPIO command's id, from the lowest. Its value holds the levels.
+struct GpioId {
+  std::uint32_t mask : 8, port : 2, isWrite : 1, unknown : 21;
 };
 
-// Those of a GPIO command's id. Its value holds the levels.
-enum GpioId : std::uint32_t {
-  gpioMask = 0x00FF,
-  gpioPort = 0x0300,
-  gpioPortShift = 8,
-  gpioWrite = 0x0400,
-  gpioAllBits = 0x07FF,
+// Those of an I2C command's id. Its value holds the register above 16 bits of data.
+struct I2cId {
+  std::uint32_t address : 8, dataBytes : 2, registerBytes : 2, isWrite : 1, unknown : 19;
 };
 
-// In the order of the document, with the numbers that Linux gives to video controls.
-constexpr struct {
-  std::int32_t id;
-  const char* name;
-  const PictureControl* control;
-} pictureRows[] = {
-    {0x980900, "Brightness", pictureControl(0)}, {0x980901, "Contrast", pictureControl(1)},
-    {0x980902, "Saturation", pictureControl(3)}, {0x980903, "Hue", pictureControl(2)},
-    {0x980910, "Gamma", pictureControl(5)},      {0x98091B, "Sharpness", pictureControl(4)},
-};
+std::string hexOf(std::int32_t number) {
+  return hex(static_cast<std::uint32_t>(number), 2);
+}
 
 std::string sizeOf(const VideoMode& mode) {
   return std::to_string(mode.width) + " x " + std::to_string(mode.height);
@@ -48,11 +34,6 @@ std::string sizeOf(const VideoMode& mode) {
 
 WifiAnswer result(int value, std::string description) {
   return {ok, "text/plain", "res:" + std::to_string(value), std::move(description)};
-}
-
-// What the firmware says when the bus or it itself refuses.
-WifiAnswer refused(std::string description) {
-  return result(-1, std::move(description));
 }
 
 // In the one form that printf gives a number: no "+", no "-0", no leading zeros.
@@ -84,28 +65,23 @@ WifiAnswer WifiServer::get(std::string_view target) {
   const std::string unknown = "unknown request " + std::string(target);
   const auto command = take(target, "/") ? commandFrom(target) : std::nullopt;
   if (!command) {
-    camera_.violations().push_back("wifi: " + unknown);
+    camera_.violations.push_back("wifi: " + unknown);
     return {missing, "text/plain", "404: not found\n", unknown};
   }
-  constexpr struct {
-    std::int32_t group;
-    WifiAnswer (WifiServer::*answer)(const Command&);
-  } groups[] = {
+  static const std::map<std::int32_t, WifiAnswer (WifiServer::*)(const Command&)> groups = {
       {1, &WifiServer::picture},
       {2, &WifiServer::videoMode},
       {4, &WifiServer::gpio},
-      {5, &WifiServer::i2c},
-  };
-  for (const auto& [group, answer] : groups) {
-    if (group == command->group) return (this->*answer)(*command);
-  }
-  return refuse("unknown group " + hex(static_cast<std::uint32_t>(command->group), 2));
+      {5, &WifiServer::i2c}};
+  const auto group = groups.find(command->group);
+  if (group != groups.end()) return (this->*group->second)(*command);
+  return refuse("unknown group " + hexOf(command->group));
 }
 
 // What no client that knows the firmware asks.
 WifiAnswer WifiServer::refuse(const std::string& complaint) {
-  camera_.violations().push_back("wifi: " + complaint);
-  return refused(complaint);
+  camera_.violations.push_back("wifi: " + complaint);
+  return result(refused, complaint);
 }
 
 // Clients do not parse this: they take the four digits that begin 25 characters after the start of
@@ -122,15 +98,14 @@ WifiAnswer WifiServer::deviceList() const {
 // Every number in it is a text.
 WifiAnswer WifiServer::controls() const {
   std::string entries;
-  for (const auto& row : pictureRows) {
-    const PictureControl& control = *row.control;
+  for (const auto& [control, name, wifiId] : wifiPictureRows) {
     char text[256];
     std::snprintf(text, sizeof text,
                   R"({"name": "%s", "id": "%d", "type": "1", "min": "%d", "max": "%d", )"
                   R"("step": "%d", "default": "%d", "value": "%d", "dest": "0", "flags": "0", )"
                   R"("group": "1"})",
-                  row.name, row.id, control.least, control.most, control.step, control.standard,
-                  camera_.picture().get(control).value);
+                  name, wifiId, control.least, control.most, control.step, control.standard,
+                  camera_.picture.get(control).value);
     entries += (entries.empty() ? "\n" : ",\n") + std::string(text);
   }
   return {ok, "application/json", "{\"controls\": [" + entries + "\n]}\n", "picture controls"};
@@ -139,82 +114,79 @@ WifiAnswer WifiServer::controls() const {
 WifiAnswer WifiServer::snapshot() const {
   if (!still_) return {unavailable, "text/plain", "503: no picture here\n", "still: none here"};
   std::string file = still_(camera_);
-  const std::string description = "still of " + sizeOf(camera_.video().mode()) + " pixels, " +
+  const std::string description = "still of " + sizeOf(camera_.video.mode()) + " pixels, " +
                                   std::to_string(file.size()) + " bytes";
   return {ok, "image/jpeg", std::move(file), description};
 }
 
 // A value beyond the limits becomes the nearest one that there is.
 WifiAnswer WifiServer::picture(const Command& command) {
-  for (const auto& row : pictureRows) {
-    if (row.id != command.id) continue;
-    const std::int32_t value = std::clamp(command.value, row.control->least, row.control->most);
-    if (!camera_.tap().losesWrites) camera_.picture().set(*row.control, {value, false});
-    return result(0, std::string(row.name) + " <- " + std::to_string(value));
+  for (const auto& [control, name, wifiId] : wifiPictureRows) {
+    if (wifiId != command.id) continue;
+    const std::int32_t value = std::clamp(command.value, control.least, control.most);
+    if (!camera_.tap.losesWrites) camera_.picture.set(control, {value, false});
+    return result(0, std::string(name) + " <- " + std::to_string(value));
   }
   return refuse("unknown picture control " + hex(static_cast<std::uint32_t>(command.id), 6));
 }
 
 WifiAnswer WifiServer::videoMode(const Command& command) {
-  VideoOutput& video = camera_.video();
-  if (command.id != 0 || (!camera_.tap().losesWrites && !video.choose(command.value))) {
-    return refuse("unknown video mode " + hex(static_cast<std::uint32_t>(command.value), 2));
+  VideoOutput& video = camera_.video;
+  if (command.id != 0 || (!camera_.tap.losesWrites && !video.choose(command.value))) {
+    return refuse("unknown video mode " + hexOf(command.value));
   }
   return result(0, "video mode <- " + sizeOf(video.mode()));
 }
 
 // Levels travel as a signed byte: a port whose highest pin is set reads as a negative number.
 WifiAnswer WifiServer::gpio(const Command& command) {
-  const auto id = static_cast<std::uint32_t>(command.id);
-  const auto value = static_cast<std::uint32_t>(command.value);
-  const bool isWrite = (id & gpioWrite) != 0;
-  const auto mask = static_cast<std::uint8_t>(id & gpioMask);
-  const auto port = static_cast<std::uint8_t>((id & gpioPort) >> gpioPortShift);
-  if ((id & ~gpioAllBits) != 0) return refuse("unknown bits in GPIO id " + hex(id, 2));
-  if (!isWrite && mask != 0) return refuse("GPIO read with a mask: " + hex(id, 2));
-  if (value > (isWrite ? 0xFF : 0)) return refuse("GPIO levels that cannot be: " + hex(value, 2));
+  const auto id = std::bit_cast<GpioId>(command.id);
+  const std::uint8_t mask = id.mask, port = id.port;
+  if (id.unknown != 0) return refuse("unknown bits in GPIO id " + hexOf(command.id));
+  if (!id.isWrite && mask != 0) return refuse("GPIO read with a mask: " + hexOf(command.id));
+  if (command.value < 0 || command.value > (id.isWrite ? 0xFF : 0)) {
+    return refuse("GPIO levels that cannot be: " + hexOf(command.value));
+  }
 
   const std::string pins = "GPIO port " + std::to_string(port);
-  if (isWrite) {
-    const auto levels = static_cast<std::uint8_t>(value);
+  if (id.isWrite) {
+    const auto levels = static_cast<std::uint8_t>(command.value);
     const std::string what =
         "write " + pins + " mask " + hex(mask, 2) + " levels " + hex(levels, 2);
-    const bool done = camera_.tap().losesWrites || camera_.gpio().write(port, mask, levels);
-    return done ? result(0, what) : refused(what + ": refused");
+    const bool done = camera_.tap.losesWrites || camera_.gpio.write(port, mask, levels);
+    return done ? result(0, what) : result(refused, what + ": refused");
   }
-  const auto levels = camera_.gpio().read(port);
-  if (!levels) return refused("read  " + pins + ": no such port");
+  const auto levels = camera_.gpio.read(port);
+  if (!levels) return result(refused, "read  " + pins + ": no such port");
   return result(static_cast<std::int8_t>(*levels),
                 "read  " + pins + " -> " + hex(*levels, 2) +
                     (port == buttonPort ? "  touch button" : "  lights"));
 }
 
 WifiAnswer WifiServer::i2c(const Command& command) {
-  const auto id = static_cast<std::uint32_t>(command.id);
+  const auto id = std::bit_cast<I2cId>(command.id);
   const auto value = static_cast<std::uint32_t>(command.value);
   const std::uint32_t reg = value >> 16, data = value & 0xFFFF;
-  const std::uint32_t dataBytes = (id & i2cDataBytes) >> i2cDataBytesShift;
-  const std::uint32_t registerBytes = (id & i2cRegisterBytes) >> i2cRegisterBytesShift;
-  const bool isWrite = (id & i2cWrite) != 0;
-  const auto address = static_cast<std::uint8_t>(id & i2cAddress);
-  if ((id & ~i2cAllBits) != 0) return refuse("unknown bits in I2C id " + hex(id, 2));
-  if (dataBytes != 1) return refuse("I2C data bytes: " + hex(dataBytes, 2));
-  if (registerBytes > 2) return refuse("I2C register bytes: " + hex(registerBytes, 2));
+  const std::uint8_t address = id.address;
+  if (id.unknown != 0) return refuse("unknown bits in I2C id " + hexOf(command.id));
+  if (id.dataBytes != 1) return refuse("I2C data bytes: " + hex(id.dataBytes, 2));
+  if (id.registerBytes > 2) return refuse("I2C register bytes: " + hex(id.registerBytes, 2));
   // A longer number would be cut by the bus; without a register address it is not looked at.
-  if (registerBytes == 1 && reg > 0xFF) return refuse("I2C register over a byte: " + hex(reg, 2));
-  if (data > (isWrite ? 0xFF : 0)) return refuse("I2C data that cannot be: " + hex(data, 2));
+  if (id.registerBytes == 1 && reg > 0xFF)
+    return refuse("I2C register over a byte: " + hex(reg, 2));
+  if (data > (id.isWrite ? 0xFF : 0)) return refuse("I2C data that cannot be: " + hex(data, 2));
   const auto place = camera_.placeAt(address);
   if (!place) return refuse("nothing on the I2C bus at " + hex(address, 2));
 
   const std::uint8_t bytes[] = {static_cast<std::uint8_t>(reg >> 8),
                                 static_cast<std::uint8_t>(reg)};
-  const Bytes subAddress = Bytes(bytes).last(registerBytes);
+  const Bytes subAddress = Bytes(bytes).last(id.registerBytes);
   auto byte = static_cast<std::uint8_t>(data);
-  const bool done = isWrite ? camera_.write(*place, subAddress, {&byte, 1})
-                            : camera_.read(*place, subAddress, {&byte, 1});
-  std::string words = inWords(isWrite, address, subAddress, {&byte, 1}, done);
-  if (!done) return refused(std::move(words));
-  return result(isWrite ? 0 : byte, std::move(words));
+  const bool done = id.isWrite ? camera_.write(*place, subAddress, {&byte, 1})
+                               : camera_.read(*place, subAddress, {&byte, 1});
+  std::string words = inWords(id.isWrite, address, subAddress, {&byte, 1}, done);
+  if (!done) return result(refused, std::move(words));
+  return result(id.isWrite ? 0 : byte, std::move(words));
 }
 
 }  // namespace qvx::simulator

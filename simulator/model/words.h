@@ -63,19 +63,4 @@ inline std::string helpLine(std::string_view form, std::string_view meaning) {
   return line.append(meaning) + '\n';
 }
 
-// One of the words that an option takes.
-template <class Value>
-struct Word {
-  std::string_view text;
-  Value value;
-};
-
-template <class Value, std::size_t count>
-std::optional<Value> valueOf(std::string_view text, const Word<Value> (&words)[count]) {
-  for (const auto& word : words) {
-    if (word.text == text) return word.value;
-  }
-  return std::nullopt;
-}
-
 }  // namespace qvx::simulator

@@ -52,11 +52,11 @@ Json::Value stateOf(PluggedCamera& camera) {
   state["fault"] = textOf(camera.fault());
   state["pluggedIn"] = camera.isPluggedIn();
   camera.with([&state](CameraDevice& device) {
-    state["width"] = device.camera.video().mode().width;
-    state["height"] = device.camera.video().mode().height;
+    state["width"] = device.camera.video.mode().width;
+    state["height"] = device.camera.video.mode().height;
     const View view = viewOf(device.camera);
     state["field_um"] = view.fieldWidth_um;
-    const Illumination& lights = device.camera.controller().lights();
+    const Illumination& lights = device.camera.controller.lights();
     for (const double lit : view.quadrants) state["lamps"].append(std::min(lit, 1.0));
     for (const double lit : {lights.axial(), lights.aim()}) state["lamps"].append(lit);
     for (Control& control : controlsOf(device)) state["controls"].append(control.described);

@@ -11,7 +11,7 @@ namespace {
 
 namespace reg = controller_register;
 
-using Names = std::initializer_list<const char*>;
+using Names = std::vector<const char*>;
 
 struct Range {
   double least, most, step = 1, standard = 0;
@@ -19,7 +19,7 @@ struct Range {
 
 struct Controls : std::vector<Control> {
   void add(const char* group, const std::string& key, const std::string& label, double value,
-           const Range& range, std::function<void(double)> set, Names options = {}) {
+           const Range& range, std::function<void(double)> set, const Names& options = {}) {
     Json::Value described;
     described["group"] = group;
     described["key"] = key;
@@ -49,28 +49,27 @@ void addZoom(Controls& controls, Camera& camera) {
 // In units from the lens's zero position.
 void addFocus(Controls& controls, FocusLens& lens) {
   constexpr double coilReach = 48, lastPosition = 0xFF;
-  if (!lens.isFitted()) return;
-  const bool hasCoil = lens.driverAt(voiceCoilAddress) != nullptr;
+  if (lens.kind == Lens::none) return;
+  const bool hasCoil = lens.kind == Lens::voiceCoil;
   const Range range =
-      hasCoil ? Range{-coilReach, coilReach} : Range{-lens.zero(), lastPosition - lens.zero()};
-  controls.add("optics", "focus", "Focus", lens.offset(), range,
-               [&lens](double to) { lens.moveTo(to); });
+      hasCoil ? Range{-coilReach, coilReach} : Range{-lens.zero, lastPosition - lens.zero};
+  controls.add("optics", "focus", "Focus", lens.offset, range,
+               [&lens](double to) { lens.offset = to; });
 }
 
 // On some cameras levels in the middle of the ring's belong to the axial light: these are jumped.
 double ringLevelFor(const Illumination& lights, double wanted, double now) {
-  const bool isAxial =
-      !lights.hasAxialSwitch() && wanted >= plainAxial && wanted <= plainAxial + coarsestLight;
-  if (!isAxial) return wanted;
-  return now < plainAxial ? plainAxial + coarsestLight + 1 : plainAxial - 1;
+  const double first = lights.darkestAxial(), last = first + coarsestLight;
+  if (wanted < first || wanted > last) return wanted;
+  return now < first ? last + 1 : first - 1;
 }
 
 // The lights are turned as a client does it, by the registers that drive them. What is switched on
 // is to be seen: neither a quadrant nor the level stays without the other.
 void addLights(Controls& controls, Controller& controller) {
   const Illumination& lights = controller.lights();
-  const double full = lights.fullRing(), level = std::round(lights.ringLevel() * full);
-  const unsigned lit = lights.segments();
+  const double full = lights.fullRing(), level = std::round(lights.ringLevel * full);
+  const unsigned lit = lights.segments;
   const auto write = [&controller](std::uint8_t target, double value) {
     const auto data = static_cast<std::uint8_t>(value);
     controller.write({&target, 1}, {&data, 1});
@@ -86,15 +85,15 @@ void addLights(Controls& controls, Controller& controller) {
       write(reg::lightSwitch, (lit & ~(1U << i)) | static_cast<unsigned>(on) << i);
       if (on != 0 && level == 0) write(reg::lightLevel, full);
     });
-    if (!lights.hasQuadrants()) continue;
+    if (!lights.hasQuadrants) continue;
     const auto target = static_cast<std::uint8_t>(reg::quadrant1Level + i);
     controls.add("light", "quadrant" + number, label, controller.at(target), {0, full},
                  [=](double to) { write(target, to); });
   }
   controls.add("light", "axial", "Axial", steps(lights.axial()), {0, coarsestLight},
-               [=, isSwitched = lights.hasAxialSwitch()](double to) {
-                 if (isSwitched) write(reg::lightSwitch, to == 0 ? axialOff : axialOn);
-                 write(reg::lightLevel, to + (isSwitched ? switchedAxial : plainAxial));
+               [=, &lights](double to) {
+                 if (lights.hasAxialSwitch) write(reg::lightSwitch, to == 0 ? axialOff : axialOn);
+                 write(reg::lightLevel, to + lights.darkestAxial());
                });
   controls.add("light", "aim", "Aiming", steps(lights.aim()), {0, coarsestLight}, [=](double to) {
     write(reg::lightSwitch, to == 0 ? aimOff : aimOn);
@@ -103,9 +102,9 @@ void addLights(Controls& controls, Controller& controller) {
 }
 
 void addExposure(Controls& controls, Camera& camera) {
-  const SensorExposure* const exposure = exposureFor(camera.productId());
+  const SensorKind* const exposure = sensorFor(camera.productId());
   if (exposure == nullptr) return;
-  Sensor& sensor = camera.sensor();
+  Sensor& sensor = camera.sensor;
   controls.add("exposure", "lines", "Lines", std::round(exposure->lines(sensor)),
                {1, exposure->mostLines, 1, exposure->usualLines}, [=, &sensor](double to) {
                  exposure->setLines(sensor, static_cast<std::uint32_t>(to));
@@ -115,31 +114,24 @@ void addExposure(Controls& controls, Camera& camera) {
 }
 
 void addPicture(Controls& controls, PictureControls& picture) {
-  const auto add = [&](std::int32_t property, const char* group, const std::string& key,
-                       const char* label, Names options = {}) {
-    const PictureControl& control = *pictureControl(property);
+  enum : std::int32_t { gain = 9, mains = 13 };
+  for (const PictureRow& row : pictureRows) {
+    const PictureControl& control = row.control;
     const auto [value, automatic] = picture.get(control);
+    const char* const group = control.property == gain ? "exposure" : "picture";
+    const std::string key = "picture" + std::to_string(control.property);
     const Range range{1.0 * control.least, 1.0 * control.most, 1.0 * control.step,
                       1.0 * control.standard};
     const auto set = [&picture, &control](double to, bool on) {
       picture.set(control, {static_cast<int>(to), on});
     };
     controls.add(
-        group, key, label, value, range, [=](double to) { set(to, false); }, options);
-    if (!control.hasAutomatic) return;
+        group, key, row.name, value, range, [=](double to) { set(to, false); },
+        control.property == mains ? Names{"off", "50 Hz", "60 Hz"} : Names{});
+    if (!control.hasAutomatic) continue;
     controls.add(group, key + "-automatic", "Automatic", automatic, {0, 1, 1, 1},
                  [set, value = value](double on) { set(value, on != 0); });
-  };
-  add(9, "exposure", "gain", "Gain");
-  add(0, "picture", "brightness", "Brightness");
-  add(1, "picture", "contrast", "Contrast");
-  add(2, "picture", "hue", "Hue");
-  add(3, "picture", "saturation", "Saturation");
-  add(4, "picture", "sharpness", "Sharpness");
-  add(5, "picture", "gamma", "Gamma");
-  add(7, "picture", "white", "White balance");
-  add(8, "picture", "backlight", "Backlight");
-  add(13, "picture", "mains", "Mains", {"off", "50 Hz", "60 Hz"});
+  }
 }
 
 }  // namespace
@@ -154,17 +146,16 @@ std::vector<Control> controlsOf(CameraDevice& device) {
   Controls controls;
   Camera& camera = device.camera;
   addZoom(controls, camera);
-  addFocus(controls, camera.lens());
-  controls.add("button", "button", "Touch button", camera.gpio().buttonIsTouched(), {0, 1},
+  addFocus(controls, camera.lens);
+  controls.add("button", "button", "Touch button", camera.gpio.buttonIsTouched(), {0, 1},
                [&](double on) { device.touchButton(on != 0); });
-  if (productFor(camera.productId()).lights.kind != erased)
-    addLights(controls, camera.controller());
+  if (camera.controller.lights().hasController) addLights(controls, camera.controller);
   controls.add(
-      "light", "pins", "Pins", camera.gpio().lights(), {0, lightPins},
-      [&](double levels) { camera.gpio().setLights(static_cast<std::uint8_t>(levels)); },
+      "light", "pins", "Pins", camera.gpio.lights(), {0, lightPins},
+      [&](double levels) { camera.gpio.setLights(static_cast<std::uint8_t>(levels)); },
       {"off", "main light", "second ring", "mode 3", "second light", "mode 5", "mode 6", "mode 7"});
   addExposure(controls, camera);
-  addPicture(controls, camera.picture());
+  addPicture(controls, camera.picture);
   return controls;
 }
 

@@ -18,7 +18,7 @@ CameraDevice& VirtualBridge::asItIsNow() {
 
 std::string complaintsOf(Camera& camera) {
   std::string text;
-  for (const std::string& violation : camera.violations()) text += violation + "\n";
+  for (const std::string& violation : camera.violations) text += violation + "\n";
   return text;
 }
 
@@ -44,7 +44,7 @@ VideoInput bridgeInput(VirtualBridge& camera, const std::string& instance) {
   return {videoInputPath(camera.camera.productId(), instance),
           L"Microscope " + std::wstring(instance.begin(), instance.end()),
           {nullptr, nullptr, camera.port(), nullptr},
-          &camera.camera.picture()};
+          &camera.camera.picture};
 }
 
 HidInterface bridgeHidInterface(VirtualBridge& camera, const std::string& path) {

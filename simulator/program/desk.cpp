@@ -61,12 +61,12 @@ Reply PluggedCamera::suffer(const Fault& fault, const Transfer& transfer) {
     reply.text = fault.kind == Fault::fails ? "refused" : "unplugged";
     if (fault.kind == Fault::unplugs) pluggedIn_ = false;
   } else {
-    device_.camera.tap().losesWrites = fault.kind == Fault::loses;
+    device_.camera.tap.losesWrites = fault.kind == Fault::loses;
     reply = transfer(device_);
     spoil(fault, reply);
   }
   accesses_.push_back(
-      {++accessCount_, now_ms(), reply.text, std::exchange(device_.camera.violations(), {})});
+      {++accessCount_, now_ms(), reply.text, std::exchange(device_.camera.violations, {})});
   if (accesses_.size() > accessesKept) accesses_.pop_front();
   onAccess(accesses_.back());
   return reply;

@@ -34,10 +34,10 @@ bool picture(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
   const auto* const control = pictureControl(static_cast<std::int32_t>(head.number));
   PictureValue wire;
   if (control == nullptr || bytes.size() != sizeof wire) return false;
-  PictureControls& controls = device.camera.picture();
+  PictureControls& controls = device.camera.picture;
   std::memcpy(&wire, bytes.data(), sizeof wire);
   if (head.sets != 0) {
-    return device.camera.tap().losesWrites ||
+    return device.camera.tap.losesWrites ||
            controls.set(*control, {wire.value, wire.automatic != 0});
   }
   const auto [value, automatic] = controls.get(*control);
@@ -77,10 +77,10 @@ std::string shortHex(std::span<const std::uint8_t> bytes) {
 
 Reply carryOut(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
   std::string happened;
-  device.camera.tap().tell = [&happened](const std::string& line) { happened += "  " + line; };
+  device.camera.tap.tell = [&happened](const std::string& line) { happened += "  " + line; };
   Reply reply;
   reply.done = transfers[static_cast<std::size_t>(head.kind)](device, head, bytes);
-  device.camera.tap().tell = nullptr;
+  device.camera.tap.tell = nullptr;
   reply.text = inWords(head);
   reply.text += !reply.done ? ": refused" : bytes.empty() ? "" : ": " + shortHex(bytes);
   reply.text += happened;

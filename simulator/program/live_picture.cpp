@@ -22,7 +22,7 @@ void sendStream(PluggedCamera& camera, int leastWidth, int mostWidth, httplib::R
     const Clock::time_point start = Clock::now();
     due = std::max(due + period, start);
     const VideoMode mode =
-        camera.with([](CameraDevice& device) { return device.camera.video().mode(); });
+        camera.with([](CameraDevice& device) { return device.camera.video.mode(); });
     const int width = std::min<int>(mode.width, wanted);
     const std::string file =
         jpegOf(pictureOf(camera, width, mode.height * width / mode.width), quality);

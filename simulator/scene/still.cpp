@@ -48,7 +48,7 @@ std::string jpegOf(const Picture& picture, int quality) {
 
 std::string stillOf(const Camera& camera) {
   constexpr int quality = 90;
-  const VideoMode& mode = camera.video().mode();
+  const VideoMode& mode = camera.video.mode();
   return jpegOf(look(camera, mode.width, mode.height, 0), quality);
 }
 

@@ -9,7 +9,7 @@ namespace qvx::simulator {
 namespace {
 
 double setting(const Camera& camera, std::int32_t property) {
-  return camera.picture().get(*pictureControl(property)).value;
+  return camera.picture.get(*pictureControl(property)).value;
 }
 
 double ratio(const Camera& camera, std::int32_t property) {
@@ -20,9 +20,9 @@ double ratio(const Camera& camera, std::int32_t property) {
 void expose(const Camera& camera, double light, View& view) {
   constexpr double gainPerUnit = 0.03, backlightStep = 0.15, longest = 2, most = 16;
   view.gain = 1 + gainPerUnit * setting(camera, 9);
-  const SensorExposure* const how = exposureFor(camera.productId());
+  const SensorKind* const how = sensorFor(camera.productId());
   if (how != nullptr && !how->isAutomatic(camera)) {
-    view.exposure = view.gain * how->lines(camera.sensor()) / how->usualLines;
+    view.exposure = view.gain * how->lines(camera.sensor) / how->usualLines;
     return;
   }
   const double target = how == nullptr ? 1 : how->target(camera) / how->usualTarget;
@@ -42,10 +42,8 @@ constexpr struct {
 };
 
 double sensorWidth(std::uint16_t productId) {
-  for (const auto& row : widths) {
-    if (productId >= row.first && productId <= row.last) return row.width;
-  }
-  return 640;  // of all others
+  const auto* const row = rowFor(productId, widths);
+  return row == nullptr ? 640 : row->width;
 }
 
 }  // namespace
@@ -56,8 +54,8 @@ View viewOf(const Camera& camera) {
   constexpr double unit_um = 550, usual = 50, warmthExponent = 0.6;
   constexpr double blurPerUnit = 1.0 / 80'000;  // of the lens, at x1
   const double zoom = camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
-  const double offFocus = camera.lens().isFitted() ? camera.lens().offset() - focusAt : 0;
-  const Illumination& lights = camera.controller().lights();
+  const double offFocus = camera.lens.kind != Lens::none ? camera.lens.offset - focusAt : 0;
+  const Illumination& lights = camera.controller.lights();
   View view{};
   view.fieldWidth_um = unit_um * sensorWidth(camera.productId()) / zoom;
   view.blur = std::abs(offFocus) * blurPerUnit * zoom;
@@ -66,7 +64,7 @@ View viewOf(const Camera& camera) {
   double light = roomLight + view.axial;
   for (std::size_t i = 0; i < view.quadrants.size(); ++i) {
     view.quadrants[i] =
-        Illumination::ringShare * lights.quadrants()[i] + lights.ofPins(camera.gpio().lights());
+        Illumination::ringShare * lights.quadrants()[i] + lights.ofPins(camera.gpio.lights());
     light += view.quadrants[i] / static_cast<double>(view.quadrants.size());
   }
   expose(camera, light, view);
@@ -76,7 +74,7 @@ View viewOf(const Camera& camera) {
   view.saturation = ratio(camera, 3);
   view.sharpening = (setting(camera, 4) - pictureControl(4)->standard) / 4;
   view.gamma = ratio(camera, 5);
-  const bool whiteIsRight = camera.picture().get(*pictureControl(7)).automatic;
+  const bool whiteIsRight = camera.picture.get(*pictureControl(7)).automatic;
   view.warmth = whiteIsRight ? 1 : std::pow(ratio(camera, 7), warmthExponent);
   return view;
 }

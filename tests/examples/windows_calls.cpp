@@ -38,8 +38,8 @@ __attribute__((constructor)) void plugIn() {
 
 void turnTime() {
   static int turns = 0;
-  if (++turns % 4 == 0) camera().gpio().touch(true);
-  if (turns % 4 == 2) camera().gpio().touch(false);
+  if (++turns % 4 == 0) camera().gpio.touch(true);
+  if (turns % 4 == 2) camera().gpio.touch(false);
   world().pumpMessages(betweenTimers_ms);
 }
 

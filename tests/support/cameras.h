@@ -114,7 +114,7 @@ class CameraTest : public LibraryTest {
 
   simulator::Camera& camera() { return bridge->camera; }
   void set(int reg, int value) {  // of the controller
-    camera().controller().set(static_cast<std::uint8_t>(reg), static_cast<std::uint8_t>(value));
+    camera().controller.set(static_cast<std::uint8_t>(reg), static_cast<std::uint8_t>(value));
   }
 
   std::string traffic() { return trafficIn(journal()); }

@@ -150,7 +150,7 @@ void Rig::plug() {
   machine().videoInputs = {{.path = simulator::videoInputPath(path_->pid, "1"),
                             .name = L"Microscope 1",
                             .nodes = {},
-                            .picture = &camera_->camera.picture()}};
+                            .picture = &camera_->camera.picture}};
 }
 
 void Rig::choose() {

@@ -147,7 +147,7 @@ double difference(const Frame& one, const Frame& other) {
 }
 
 void write(Camera& camera, std::uint8_t reg, std::uint8_t value) {
-  camera.controller().write({&reg, 1}, {&value, 1});
+  camera.controller.write({&reg, 1}, {&value, 1});
 }
 
 class Video : public testing::Test {
@@ -166,7 +166,7 @@ class Video : public testing::Test {
 TEST_F(Video, FollowsLightZoomAndFocus) {
   ASSERT_EQ(graph_.connect(), S_OK);
   ASSERT_TRUE(SUCCEEDED(graph_.run()));
-  const Frame dark = after([](Camera& camera) { camera.sensor().set(0x3503, 7); });
+  const Frame dark = after([](Camera& camera) { camera.sensor.set(0x3503, 7); });
   ASSERT_EQ(dark.size(), 2U * 640 * 480);
   const Frame lit = after([](Camera& camera) {
     write(camera, 3, 31);
@@ -175,7 +175,7 @@ TEST_F(Video, FollowsLightZoomAndFocus) {
   EXPECT_GT(meanLuma(lit), meanLuma(dark) + 20);
   const auto focus = [](int offset) {
     return [offset](Camera& camera) {
-      const auto position = static_cast<std::uint8_t>(camera.controller().at(0x50) + offset);
+      const auto position = static_cast<std::uint8_t>(camera.controller.at(0x50) + offset);
       camera.placeAt(0x46)->device->write({}, {&position, 1});
     };
   };

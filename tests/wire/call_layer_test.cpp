@@ -308,8 +308,8 @@ class CallLayerThreads : public CallLayer {
   CallLayerThreads() {
     machine().videoInputs.push_back(bridgeInput(other, "2"));
     etLib2_Init();
-    camera.camera.controller().set(0x04, 15);
-    other.camera.controller().set(0x04, 16);
+    camera.camera.controller.set(0x04, 15);
+    other.camera.controller.set(0x04, 16);
   }
 
   // A round of calls to one device. Returns whether each had its own answer.

@@ -24,11 +24,11 @@ struct Table {
 
 class Exposure : public CameraTest {
  protected:
-  int at(int reg) { return camera().sensor().at(static_cast<std::uint16_t>(reg)); }
+  int at(int reg) { return camera().sensor.at(static_cast<std::uint16_t>(reg)); }
 
   void program(int value) {
     for (const int reg : {0x3503, 0x0380, 0x0120, 0x13}) {
-      camera().sensor().set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
+      camera().sensor.set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
     }
     const auto mode4xx7 = static_cast<std::uint32_t>(value);
     etLib2_RegWrite_DevNum(0, 0x1700, 2, &mode4xx7);
@@ -222,8 +222,8 @@ TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
       ASSERT_EQ(at(0x0202) * 256 + at(0x0203), expectedFor(shutterOneLess, value)) << value;
       ++timesOff[GetExposureValue(0) - value];
     }
-    camera().sensor().set(0x0202, static_cast<std::uint8_t>(value / 256));
-    camera().sensor().set(0x0203, static_cast<std::uint8_t>(value % 256));
+    camera().sensor.set(0x0202, static_cast<std::uint8_t>(value / 256));
+    camera().sensor.set(0x0203, static_cast<std::uint8_t>(value % 256));
     ASSERT_EQ(GetExposureValue(0), expectedFor(exposureOneLess, value)) << value;
   }
   EXPECT_EQ(timesOff, (std::map<qvx_long, int>{{-1, 88}, {0, 649}, {1, 388}})) << "as noted";
@@ -246,7 +246,7 @@ TEST_F(Exposure, IsReadFromEveryRegister) {
   for (const auto& row : rows) {
     plug(row.pid);
     for (const auto& [reg, value] : row.registers) {
-      camera().sensor().set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
+      camera().sensor.set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
     }
     EXPECT_EQ(GetExposureValue(0), row.lines) << std::hex << row.pid;
   }

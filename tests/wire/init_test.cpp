@@ -293,7 +293,7 @@ TEST_F(InitUsb3, ChoosesItAutomatically) {
   EXPECT_EQ(initQuietly(), 1);
   EXPECT_EQ(std::tuple(GetVideoDeviceIndex(), nPid, nTmpIdx, GetVideoDeviceCount(), bMAGSeries),
             std::tuple(0, 0x9B0, 0, 1, 1));
-  EXPECT_EQ(ul80, camera().controller().at(0x80));
+  EXPECT_EQ(ul80, camera().controller.at(0x80));
   EXPECT_GE(GetMAG(0), 1.0);
 }
 
@@ -341,7 +341,7 @@ TEST_F(InitBridge, FindsItByIndexAndReadsItsMagnification) {
     // Index 0 stays on the bus it is on.
     EXPECT_NE(traffic().find(index == 1 ? "r62.80f b b r62.C0f" : "r62.80f b r62.C0f"),
               std::string::npos);
-    EXPECT_EQ(ulC5, chosen.camera.controller().at(0xC5));
+    EXPECT_EQ(ulC5, chosen.camera.controller.at(0xC5));
     EXPECT_NEAR(GetMAG(index), chosen.camera.magnification(), chosen.camera.magnification() / 50);
   }
   EXPECT_EQ(complaintsOf(first.camera) + complaintsOf(second.camera), "");

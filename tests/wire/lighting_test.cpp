@@ -134,7 +134,7 @@ TEST_F(Lighting, IndexesWithoutAProductIdGoByTheOneNotedLast) {
   etLib2_Init();
   nCurrPid = 0x960;
   SetSEGSwitch(8, 15);
-  EXPECT_EQ(camera().controller().at(4), 15) << "to the ninth HID bridge";
+  EXPECT_EQ(camera().controller.at(4), 15) << "to the ninth HID bridge";
 }
 
 TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
@@ -142,7 +142,7 @@ TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
   plugBridges({&current, &other});
   SetAXILevel(1, 6);
   EXPECT_EQ(traffic(), "4=24 p 3=38 p") << "by the rule of 0x9C0";
-  EXPECT_EQ(other.camera.controller().at(3), 38);
+  EXPECT_EQ(other.camera.controller.at(3), 38);
   SetSEGSwitch(1, 15);
   EXPECT_EQ(traffic(), "4=15 p");
   SEGCount[1] = 0;

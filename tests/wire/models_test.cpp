@@ -122,15 +122,14 @@ class Sweep : public CameraTest {
 
   void program(int pid, const Registers& registers) {
     for (const auto& [reg, value] : registers) {
-      usb3.camera.controller().set(static_cast<std::uint8_t>(reg),
-                                   static_cast<std::uint8_t>(value));
+      usb3.camera.controller.set(static_cast<std::uint8_t>(reg), static_cast<std::uint8_t>(value));
       if (bridge != nullptr) set(reg, value);
     }
     wifi.values = registers;
     name(0, pid);
     nCurrPid = pid;
-    ul80 = usb3.camera.controller().at(0x80);  // what an earlier call may have left
-    ul84 = usb3.camera.controller().at(0x84);
+    ul80 = usb3.camera.controller.at(0x80);  // what an earlier call may have left
+    ul84 = usb3.camera.controller.at(0x84);
     SEGCount.fill(0);
   }
 

@@ -45,7 +45,7 @@ TEST_F(VideoProcAmpCapture, AsksTheCurrentCameraInTheseSteps) {
   EXPECT_EQ(journal(), session("get 0"));
   EXPECT_EQ(rangeOf(5), "0 72 500 1 100");
   EXPECT_EQ(journal(), session("range of 5"));
-  EXPECT_EQ(other.camera.picture().get(*simulator::pictureControl(0)).value, 0);
+  EXPECT_EQ(other.camera.picture.get(*simulator::pictureControl(0)).value, 0);
 }
 
 TEST_F(VideoProcAmpCapture, LeavesAllButTheListAndTheGraphOpen) {

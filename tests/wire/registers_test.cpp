@@ -121,7 +121,7 @@ TEST_F(Usb3Controller, WritesForTheWholeBlockButReadsForOneProduct) {
   EXPECT_EQ(nPid, 0x9B5);
   EXPECT_EQ(nTmpIdx, 1);
   EXPECT_EQ(journal(), Journal{"usb 21 01 0300 0300 3: 62 03 07"});
-  EXPECT_EQ(camera().controller().at(0x03), 7);
+  EXPECT_EQ(camera().controller.at(0x03), 7);
   EXPECT_EQ(ReadFromPIC(1, 0x80), 0u) << "read through the bridge, which is not there";
   EXPECT_EQ(journal(), Journal{});
   ec = 31;
@@ -221,15 +221,15 @@ TEST_F(Usb3Sensor, TakesClassRequests) {
             (Journal{"usb 21 01 0300 0300 4: 78 3A 1E D0", "usb 21 01 0300 0300 4: 78 3A 1B E0",
                      "usb 21 01 0300 0300 4: 78 3A 10 D2", "usb 21 01 0300 0300 4: 78 3A 0F DE"}));
   SetExposureValue(0, 300);
-  EXPECT_EQ(camera().sensor().at(0x3501), 300 / 16);
+  EXPECT_EQ(camera().sensor.at(0x3501), 300 / 16);
   journal();
   EXPECT_EQ(GetExposureValue(0), 0) << "set, but not told";
   EXPECT_EQ(traffic().find("r78"), std::string::npos);
   SetAutoExposure(0, 0);
-  EXPECT_EQ(camera().sensor().at(0x3503), 7);
+  EXPECT_EQ(camera().sensor.at(0x3503), 7);
   EXPECT_EQ(GetAutoExposure(0), 0);
   SetFlicker(0, 2);
-  EXPECT_EQ(camera().sensor().at(0x3C01), 0xB4);
+  EXPECT_EQ(camera().sensor.at(0x3C01), 0xB4);
 }
 
 TEST_F(Usb3Sensor, WriteTellsTheErrorOfTheFailedOpenNotOfTheTransfer) {

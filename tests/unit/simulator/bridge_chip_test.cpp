@@ -73,7 +73,7 @@ void expectOneComplaintEach(std::span<const Misuse> misuses, Take take) {
       bytes.resize(step.size);
       take(device, step, bytes);
     }
-    const Violations& violations = device.camera.violations();
+    const Violations& violations = device.camera.violations;
     ASSERT_EQ(violations.size(), 1u) << misuse.complaint;
     EXPECT_NE(violations[0].find(misuse.complaint), std::string::npos)
         << violations[0] << " is not " << misuse.complaint;
@@ -99,8 +99,8 @@ TEST(BridgeChip, ComplainsOfMisuseOfItsHidInterface) {
 
 TEST(BridgeChip, TellsWhatOthersHaveChanged) {
   CameraDevice device({.productId = 0x9E0});
-  device.camera.gpio().setLights(5);
-  device.camera.firmwareExposure().automatic = false;
+  device.camera.gpio.setLights(5);
+  device.camera.firmwareExposure.automatic = false;
   Bytes lights(1), exposureMode(2, 0xFF);
   device.chip.readRegister(0x0080, lights);
   device.chip.readRegister(0x1700, exposureMode);

@@ -45,8 +45,8 @@ TEST(Camera, RingFollowsTheMotion) {
     camera.setZoom(zoomMotionFrom(expected.motion).value());
     camera.advanceTo(77 + expected.after_ms);
     EXPECT_NEAR(camera.magnification(), expected.magnification, 0.05);
-    EXPECT_EQ(camera.controller().at(0x01), expected.position);
-    EXPECT_EQ(camera.controller().at(0x02), expected.fraction);
+    EXPECT_EQ(camera.controller.at(0x01), expected.position);
+    EXPECT_EQ(camera.controller.at(0x02), expected.fraction);
   }
 }
 

@@ -30,7 +30,7 @@ TEST(Controller, ProductIdDecidesWhatAClientFinds) {
       {0x9E4, 0x84, 0x0F, 0x04}, {0x9E0, 0xC0, 0xFF, 8},    {0x9E7, 0x80, 0x40, 0x00},
   };
   for (const auto& [productId, reg, mask, value] : cases) {
-    EXPECT_EQ(Camera(productId).controller().at(reg) & mask, value)
+    EXPECT_EQ(Camera(productId).controller.at(reg) & mask, value)
         << std::hex << productId << ' ' << int{reg};
   }
 }
@@ -39,7 +39,7 @@ TEST(Controller, FeatureRegisterAgreesWithWhatIsBuiltIn) {
   for (std::uint16_t productId = 0x600; productId < 0xA00; ++productId) {
     const Product& product = productFor(productId);
     const Camera camera(productId);
-    const Controller& controller = camera.controller();
+    const Controller& controller = camera.controller;
     const bool hasZoom = product.magnification != CalibrationForm::none;
     const bool zeroAt40 = product.lens == Lens::zeroAt40 || product.lens == Lens::zeroAt40Wide;
     EXPECT_FALSE(hasZoom && zeroAt40) << std::hex << productId;
@@ -93,14 +93,14 @@ TEST(I2cDevices, AcknowledgeWhatTheyHaveAndReportTheRest) {
   for (const auto& row : cases) {
     SCOPED_TRACE(testing::Message() << std::hex << row.productId << " row " << &row - cases);
     Camera camera(row.productId);
-    camera.controller().set(0x08, row.direction);
+    camera.controller.set(0x08, row.direction);
     I2cDevice& device = *camera.placeAt(row.address)->device;
     const bool isFine = *row.violation == 0;
     Bytes found(row.data.size());
     EXPECT_EQ(row.kind == write ? device.write(row.reg, row.data) : device.read(row.reg, found),
               isFine);
-    EXPECT_EQ(camera.violations(), isFine ? Violations{} : Violations{row.violation});
-    EXPECT_EQ(camera.lens().offset(), row.offset);
+    EXPECT_EQ(camera.violations, isFine ? Violations{} : Violations{row.violation});
+    EXPECT_EQ(camera.lens.offset, row.offset);
     if (!isFine || row.address != controllerAddress) continue;
     if (row.kind == write) device.read(row.reg, found);
     EXPECT_EQ(found, row.data);

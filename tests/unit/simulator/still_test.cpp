@@ -60,29 +60,29 @@ double noiseOf(const Camera& camera) {
 }
 
 void setExposure(Camera& camera, int lines) {
-  camera.sensor().set(0x3503, 7);  // by hand
-  camera.sensor().set(0x3501, static_cast<std::uint8_t>(lines >> 4));
-  camera.sensor().set(0x3502, static_cast<std::uint8_t>(lines << 4));
+  camera.sensor.set(0x3503, 7);  // by hand
+  camera.sensor.set(0x3501, static_cast<std::uint8_t>(lines >> 4));
+  camera.sensor.set(0x3502, static_cast<std::uint8_t>(lines << 4));
 }
 
 void setTarget(Camera& camera, int brightness) {
-  camera.sensor().set(0x3503, 0);  // automatic
-  camera.sensor().set(0x3A1E, static_cast<std::uint8_t>(brightness));
+  camera.sensor.set(0x3503, 0);  // automatic
+  camera.sensor.set(0x3A1E, static_cast<std::uint8_t>(brightness));
 }
 
 void light(Camera& camera, int segments) {
   const std::uint8_t brightest = 6, registers[] = {3, 4}, on = static_cast<std::uint8_t>(segments);
-  camera.controller().write({&registers[0], 1}, {&brightest, 1});
-  camera.controller().write({&registers[1], 1}, {&on, 1});
+  camera.controller.write({&registers[0], 1}, {&brightest, 1});
+  camera.controller.write({&registers[1], 1}, {&on, 1});
 }
 
 template <int property>
 void set(Camera& camera, int value) {
-  ASSERT_TRUE(camera.picture().set(*pictureControl(property), {value, false}));
+  ASSERT_TRUE(camera.picture.set(*pictureControl(property), {value, false}));
 }
 
 void focus(Camera& camera, int offset) {
-  const auto position = static_cast<std::uint8_t>(camera.controller().at(0x50) + offset);
+  const auto position = static_cast<std::uint8_t>(camera.controller.at(0x50) + offset);
   camera.placeAt(lensControllerAddress)->device->write({}, {&position, 1});
 }
 
@@ -195,10 +195,10 @@ TEST(Still, EverySensorCanBeExposedByHand) {
   };
   for (const auto& row : rows) {
     Camera camera(row.pid);
-    exposureFor(row.pid)->setAutomatic(camera, false);
-    camera.sensor().set(row.reg, 0);
+    sensorFor(row.pid)->setAutomatic(camera, false);
+    camera.sensor.set(row.reg, 0);
     const double least = viewOf(camera).exposure;
-    camera.sensor().set(row.reg, 3);
+    camera.sensor.set(row.reg, 3);
     EXPECT_EQ(viewOf(camera).exposure < least, row.countsDown) << row.pid;
     EXPECT_NE(viewOf(camera).exposure, least) << row.pid;
   }
@@ -256,7 +256,7 @@ TEST(Still, ShowsItsSpecimenAtTheMagnificationOfTheRing) {
 
 TEST(Still, IsAFileInTheSizeThatWasChosen) {
   Camera camera(0x970);
-  camera.video().choose(1);
+  camera.video.choose(1);
   const std::string file = stillOf(camera);
   jpeg_decompress_struct decoder{};
   jpeg_error_mgr errors{};

@@ -52,13 +52,13 @@ TEST(WifiServer, AnswersCommandsAndRefusesWhatTheFirmwareDoesNotKnow) {
   };
   for (const auto& expected : cases) {
     Camera camera(expected.productId);
-    camera.gpio().touch(true);
+    camera.gpio.touch(true);
     const WifiAnswer answer = WifiServer(camera).get(std::string(prefix) + expected.command);
     const bool isRefused = answer.body == "res:-1";
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(answer.body, expected.body) << expected.command;
-    ASSERT_EQ(camera.violations().size(), isRefused ? 1U : 0U) << expected.command;
-    EXPECT_EQ(isRefused ? camera.violations()[0] : answer.description, expected.said);
+    ASSERT_EQ(camera.violations.size(), isRefused ? 1U : 0U) << expected.command;
+    EXPECT_EQ(isRefused ? camera.violations[0] : answer.description, expected.said);
   }
 }
 
@@ -82,7 +82,7 @@ TEST(WifiServer, HandsOutWhatTheCameraSees) {
   EXPECT_EQ(answer.contentType, "image/jpeg");
   EXPECT_EQ(answer.body, "jpeg");
   EXPECT_EQ(answer.description, "still of 1280 x 960 pixels, 4 bytes");
-  EXPECT_EQ(camera.violations(), Violations{});
+  EXPECT_EQ(camera.violations, Violations{});
 }
 
 TEST(WifiServer, TakesItsRequestsLiterally) {
@@ -101,7 +101,7 @@ TEST(WifiServer, TakesItsRequestsLiterally) {
        }) {
     Camera camera(0x970);
     EXPECT_EQ(WifiServer(camera).get(target).status, 404) << target;
-    EXPECT_EQ(camera.violations().size(), 1U) << target;
+    EXPECT_EQ(camera.violations.size(), 1U) << target;
   }
 }
 

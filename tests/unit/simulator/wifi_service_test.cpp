@@ -173,7 +173,7 @@ TEST(WifiService, RecoversAndLosesWrites) {
     answer = client.get(lightOn);
   }
   EXPECT_TRUE(answer.ends_with("res:0"));
-  const auto lights = [](CameraDevice& device) { return device.camera.gpio().lights(); };
+  const auto lights = [](CameraDevice& device) { return device.camera.gpio.lights(); };
   EXPECT_EQ(camera.with(lights), 0);
   client.get(lightOn);
   EXPECT_EQ(camera.with(lights), 1);
