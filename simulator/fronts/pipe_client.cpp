@@ -37,7 +37,7 @@ std::optional<std::size_t> PipeClient::transfer(const RequestHead& head,
                                                 std::span<std::uint8_t> bytes,
                                                 std::uint32_t limit_ms) {
   const std::size_t sent = head.sets != 0 ? bytes.size() : 0, wanted = bytes.size() - sent;
-  if (sent > mostBytes) return std::nullopt;
+  if (sent > maxBytes) return std::nullopt;
   Request request{head, {}};
   request.head.wanted = static_cast<std::uint32_t>(wanted);
   std::ranges::copy(bytes.first(sent), request.bytes);

@@ -29,11 +29,11 @@ struct RequestHead {
 static_assert(sizeof(RequestHead) == 40);
 
 // Of a property or a feature report.
-constexpr std::size_t mostBytes = 1024;
+constexpr std::size_t maxBytes = 1024;
 
 struct Request {
   RequestHead head;
-  std::uint8_t bytes[mostBytes];
+  std::uint8_t bytes[maxBytes];
 };
 
 // A reply begins with a byte of its own, which is 0 when the camera has refused.

@@ -14,12 +14,12 @@ std::uint16_t addressIn(Bytes body) {
 
 // The parameters of a register access behind its address: n, and for a write n bytes; the rest is
 // 0.
-constexpr std::size_t mostRegisterBytes = 4;
+constexpr std::size_t maxRegisterBytes = 4;
 
 template <std::size_t addressBytes>
-BridgeOutcome readRegister(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+BridgeOutcome readRegister(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   const std::size_t count = body[addressBytes];
-  if (count < 1 || count > mostRegisterBytes) return {wrongLength};
+  if (count < 1 || count > maxRegisterBytes) return {wrongLength};
   if (!allZero(body.subspan(addressBytes + 1))) return {notZero};
   BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(count)};
   chip.readRegister(addressIn<addressBytes>(body), outcome.answer);
@@ -27,26 +27,26 @@ BridgeOutcome readRegister(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
 }
 
 template <std::size_t addressBytes>
-BridgeOutcome writeRegister(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+BridgeOutcome writeRegister(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   const std::size_t count = body[addressBytes];
   const Bytes value = body.subspan(addressBytes + 1);
-  if (count < 1 || count > std::min(mostRegisterBytes, value.size())) return {wrongLength};
+  if (count < 1 || count > std::min(maxRegisterBytes, value.size())) return {wrongLength};
   if (!allZero(value.subspan(count))) return {notZero};
   chip.writeRegister(addressIn<addressBytes>(body), value.first(count));
   return {.padding = value.size() - count};
 }
 
 // Slave, n, 1.
-BridgeOutcome readI2c(BridgeChip& chip, Bytes body, std::size_t most) {
+BridgeOutcome readI2c(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes) {
   const std::size_t count = body[1];
-  if (count < 1 || count > most || body[2] != 1) return {wrongLength};
+  if (count < 1 || count > maxAnswerBytes || body[2] != 1) return {wrongLength};
   BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(count)};
   chip.readI2cLegacy(body[0], outcome.answer);
   return outcome;
 }
 
 // Slave, n, speed bit, n bytes; the rest is 0.
-BridgeOutcome writeI2c(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+BridgeOutcome writeI2c(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   const std::size_t count = body[1];
   const Bytes bytes = body.subspan(3);
   if (count > bytes.size() || body[2] > 1) return {wrongLength};
@@ -76,10 +76,10 @@ struct I2cOneShot {
 };
 
 // A slave that does not answer shows as a count of 0.
-BridgeOutcome readI2cOneShot(BridgeChip& chip, Bytes body, std::size_t most) {
+BridgeOutcome readI2cOneShot(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes) {
   const I2cOneShot request(body, false);
   if (!request.wellFormed) return {wrongLength};
-  const std::size_t count = std::min(request.count, most - 1);
+  const std::size_t count = std::min(request.count, maxAnswerBytes - 1);
   BridgeOutcome outcome{.answer = std::vector<std::uint8_t>(1 + count)};
   const Room data = Room(outcome.answer).subspan(1);
   const bool done = chip.readI2c(body[1], request.subAddress, data);
@@ -87,19 +87,19 @@ BridgeOutcome readI2cOneShot(BridgeChip& chip, Bytes body, std::size_t most) {
   return outcome;
 }
 
-BridgeOutcome writeI2cOneShot(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+BridgeOutcome writeI2cOneShot(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   const I2cOneShot request(body, true);
   if (!request.wellFormed) return {wrongLength};
   chip.writeI2c(body[1], request.subAddress, request.data);
   return {};
 }
 
-BridgeOutcome readCommand(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+BridgeOutcome readCommand(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   if (!allZero(body.subspan(bridgeCommandSize))) return {notZero};
   return {.answer = chip.readCommand(body)};
 }
 
-BridgeOutcome writeCommand(BridgeChip& chip, Bytes body, std::size_t /*most*/) {
+BridgeOutcome writeCommand(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   if (!allZero(body.subspan(bridgeCommandSize))) return {notZero};
   chip.writeCommand(body);
   return {};

@@ -22,7 +22,7 @@ struct BridgeRequest {
   std::size_t shortest, longest;           // bytes of it
   std::optional<std::uint8_t> reportCode;  // on the HID interface; nothing: not there
   // Carries it out, for an answer of so many bytes at most. `body` is the request without codes.
-  BridgeOutcome (*run)(BridgeChip& chip, Bytes body, std::size_t mostAnswerBytes);
+  BridgeOutcome (*run)(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes);
 
   // Those before one-shot requests came in two steps, each as long as it needs to be.
   bool isOneShot() const { return since == BridgeFirmware::oneShot; }

@@ -31,9 +31,9 @@ void storeLowByteFirst(Registers& registers, std::size_t first, std::uint32_t va
 
 // 14 bits, and above them the power of ten by which they are divided: the highest that fits.
 std::uint32_t decimalFloat(double value) {
-  constexpr std::uint32_t most = 0x3FFF, highestExponent = 3;
+  constexpr std::uint32_t maxMantissa = 0x3FFF, maxExponent = 3;
   std::uint32_t exponent = 0;
-  while (exponent < highestExponent && nearest(value * 10) <= most) {
+  while (exponent < maxExponent && nearest(value * 10) <= maxMantissa) {
     value *= 10;
     ++exponent;
   }

@@ -1,7 +1,7 @@
 // A whole camera, with every decoder that a transport may need: what each front of it drives.
 #pragma once
 
-#include "simulator/model/camera_spec.h"
+#include "simulator/model/camera_description.h"
 #include "simulator/model/extension_unit.h"
 #include "simulator/model/usb3_function.h"
 #include "simulator/model/wifi_server.h"
@@ -10,15 +10,15 @@ namespace qvx::simulator {
 
 class CameraDevice {
  public:
-  explicit CameraDevice(const CameraSpec& spec, Still still = {})
-      : camera(spec.productId),
-        chip(spec.setup, camera),
-        extensionUnit(chip, spec.unit),
-        hid(chip, spec.reports),
+  explicit CameraDevice(const CameraDescription& description, Still still = {})
+      : camera(description.productId),
+        chip(description.setup, camera),
+        extensionUnit(chip, description.unit),
+        hid(chip, description.reports),
         usb3(camera),
         wifi(camera, std::move(still)),
-        buttonPeriod_ms_(spec.buttonPeriod_ms) {
-    if (spec.zoom) camera.setZoom(*spec.zoom);
+        buttonPeriod_ms_(description.buttonPeriod_ms) {
+    if (description.zoom) camera.setZoom(*description.zoom);
   }
 
   // Moves the clock of camera and button. Times count from power-up and never go back.

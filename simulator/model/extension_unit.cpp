@@ -15,7 +15,7 @@ enum CommandCode : std::uint8_t {
   bodyFunctions = 0xF0,  // segment lighting and the button: read and write look alike
 };
 
-constexpr std::size_t oneShotSize = 32, commandSize = 256, mostLegacyBytes = 255;
+constexpr std::size_t oneShotSize = 32, commandSize = 256, maxLegacyBytes = 255;
 
 }  // namespace
 
@@ -75,7 +75,7 @@ bool ExtensionUnit::run(const BridgeRequest& request, Bytes data) {
   const bool oneShot = request.isOneShot();
   if (oneShot && !atRest()) return violate("access mode not restored before");
   if (!oneShot && accessMode_ != data.size()) return violate("access mode missing for");
-  BridgeOutcome outcome = request.run(chip_, data, oneShot ? oneShotSize : mostLegacyBytes);
+  BridgeOutcome outcome = request.run(chip_, data, oneShot ? oneShotSize : maxLegacyBytes);
   if (!outcome.complaint.empty()) return violate(outcome.complaint);
   if (!oneShot && outcome.padding != 0) return violate("wrong length of");
   if (!request.reads) return true;

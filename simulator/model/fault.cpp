@@ -28,10 +28,10 @@ std::string_view wordOf(std::string_view form) {
 
 // "3" or "3+2": the first operation, and how many.
 bool takeRange(std::string_view text, Fault& fault) {
-  constexpr std::uint32_t most = 1'000'000'000;
+  constexpr std::uint32_t maxNumber = 1'000'000'000;
   const bool counted = text.find('+') != std::string_view::npos;
-  const auto first = numberFrom(takePart(text, '+'), 1, most);
-  const auto count = counted ? numberFrom(text, 1, most) : std::nullopt;
+  const auto first = numberFrom(takePart(text, '+'), 1, maxNumber);
+  const auto count = counted ? numberFrom(text, 1, maxNumber) : std::nullopt;
   if (!first || counted != count.has_value()) return false;
   fault.first = *first;
   if (count) fault.count = *count;

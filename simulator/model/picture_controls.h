@@ -9,7 +9,7 @@ namespace qvx::simulator {
 
 struct PictureControl {
   std::int32_t property;  // in DirectShow's numbering
-  std::int32_t least, most, step, standard;
+  std::int32_t min, max, step, defaultValue;
   bool hasAutomatic;
 };
 
@@ -53,7 +53,7 @@ class PictureControls {
 
   PictureControls() {
     for (const auto& [control, name, wifiId] : pictureRows) {
-      values_[control.property] = {control.standard, control.hasAutomatic};
+      values_[control.property] = {control.defaultValue, control.hasAutomatic};
     }
   }
 
@@ -61,8 +61,8 @@ class PictureControls {
 
   // False for what the camera cannot be set to.
   bool set(const PictureControl& control, const Value& value) {
-    const bool inRange = value.value >= control.least && value.value <= control.most &&
-                         (value.value - control.least) % control.step == 0;
+    const bool inRange = value.value >= control.min && value.value <= control.max &&
+                         (value.value - control.min) % control.step == 0;
     if (!inRange || (value.automatic && !control.hasAutomatic)) return false;
     values_.at(control.property) = value;
     return true;

@@ -18,13 +18,13 @@ struct SensorExposure {
   int partsPerLine;  // that are counted; -1: counts the lines of the frame that are not exposed
   Addresses added;   // to that: more lines, or those of the frame
   std::uint32_t usuallyAdded;
-  double usualLines;  // the right exposure in usual light
-  double mostLines;   // that a person would want
+  double defaultLines;  // the right exposure in usual light
+  double maxLines;      // that a person would want
   // Bit 0 tells whether exposure is automatic; register 0: the camera's firmware does it.
   std::uint16_t automaticRegister;
   std::uint8_t automatic, manual;
   std::uint16_t targetRegister;
-  double usualTarget;  // of automatic exposure: gives the right exposure
+  double defaultTarget;  // of automatic exposure: gives the right exposure
 
   double lines(const Sensor& sensor) const;
   void setLines(Sensor& sensor, std::uint32_t lines) const;

@@ -104,7 +104,7 @@ WifiAnswer WifiServer::controls() const {
                   R"({"name": "%s", "id": "%d", "type": "1", "min": "%d", "max": "%d", )"
                   R"("step": "%d", "default": "%d", "value": "%d", "dest": "0", "flags": "0", )"
                   R"("group": "1"})",
-                  name, wifiId, control.least, control.most, control.step, control.standard,
+                  name, wifiId, control.min, control.max, control.step, control.defaultValue,
                   camera_.picture.get(control).value);
     entries += (entries.empty() ? "\n" : ",\n") + std::string(text);
   }
@@ -123,7 +123,7 @@ WifiAnswer WifiServer::snapshot() const {
 WifiAnswer WifiServer::picture(const Command& command) {
   for (const auto& [control, name, wifiId] : wifiPictureRows) {
     if (wifiId != command.id) continue;
-    const std::int32_t value = std::clamp(command.value, control.least, control.most);
+    const std::int32_t value = std::clamp(command.value, control.min, control.max);
     if (!camera_.tap.losesWrites) camera_.picture.set(control, {value, false});
     return result(0, std::string(name) + " <- " + std::to_string(value));
   }

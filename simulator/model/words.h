@@ -11,22 +11,22 @@
 namespace qvx::simulator {
 
 // The whole text as a number within limits, nothing otherwise.
-inline std::optional<std::uint32_t> numberFrom(std::string_view text, std::uint32_t least,
-                                               std::uint32_t most, int base = 10) {
+inline std::optional<std::uint32_t> numberFrom(std::string_view text, std::uint32_t min,
+                                               std::uint32_t max, int base = 10) {
   std::uint32_t number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number, base);
-  const bool valid = error == std::errc{} && stop == end && number >= least && number <= most;
+  const bool valid = error == std::errc{} && stop == end && number >= min && number <= max;
   return valid ? std::optional(number) : std::nullopt;
 }
 
 // The same with decimals, without sign or exponent.
-inline std::optional<double> decimalFrom(std::string_view text, double least, double most) {
+inline std::optional<double> decimalFrom(std::string_view text, double min, double max) {
   double number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number, std::chars_format::fixed);
-  const bool valid = error == std::errc{} && stop == end && text.front() != '.' &&
-                     number >= least && number <= most;
+  const bool valid =
+      error == std::errc{} && stop == end && text.front() != '.' && number >= min && number <= max;
   return valid ? std::optional(number) : std::nullopt;
 }
 

@@ -14,11 +14,11 @@ struct ZoomMotion {
 // "63" stands at x63; "1:200/10s" goes from x1 to x200 in 10 s, and back, for ever. Seconds may
 // have decimals; "ms" is understood. Nothing for anything else, and for magnifications below 1.
 inline std::optional<ZoomMotion> zoomMotionFrom(std::string_view text) {
-  constexpr double most = 999'999;
+  constexpr double maxMagnification = 999'999;
   const bool turns = text.find(':') != std::string_view::npos;
-  const auto from = decimalFrom(takePart(text, ':'), 1, most);
+  const auto from = decimalFrom(takePart(text, ':'), 1, maxMagnification);
   if (from && !turns) return ZoomMotion{*from, *from, 0};
-  const auto to = decimalFrom(takePart(text, '/'), 1, most);
+  const auto to = decimalFrom(takePart(text, '/'), 1, maxMagnification);
   const auto sweep_ms = duration_msFrom(text);
   if (!from || !to || !sweep_ms) return std::nullopt;
   return ZoomMotion{*from, *to, *sweep_ms};

@@ -47,8 +47,8 @@ std::string textOf(const Json::Value& value) {
 Json::Value stateOf(PluggedCamera& camera) {
   Json::Value state;
   state["id"] = camera.id();
-  state["name"] = camera.spec().name;
-  state["productId"] = hex(camera.spec().productId, 4).substr(2);
+  state["name"] = camera.description().name;
+  state["productId"] = hex(camera.description().productId, 4).substr(2);
   state["fault"] = textOf(camera.fault());
   state["pluggedIn"] = camera.isPluggedIn();
   camera.with([&state](CameraDevice& device) {
@@ -171,8 +171,8 @@ void addPageRoutes(httplib::Server& server, Desk& desk) {
   server.Get("/", allowed(sendPage));
   server.Get("/cameras/events", allowed(sendEvents));
   server.Get("/cameras/([^/]+)/stream", onCamera([](auto& camera, auto&, auto& response) {
-               constexpr int leastWidth = 320, mostWidth = 800;
-               sendStream(camera, leastWidth, mostWidth, response);
+               constexpr int minWidth = 320, maxWidth = 800;
+               sendStream(camera, minWidth, maxWidth, response);
              }));
   server.Post("/cameras/([^/]+)", onCamera([](auto& camera, auto& request, auto& response) {
                 takeChanges(camera, request.body, response);

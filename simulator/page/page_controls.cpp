@@ -14,7 +14,7 @@ namespace reg = controller_register;
 using Names = std::vector<const char*>;
 
 struct Range {
-  double least, most, step = 1, standard = 0;
+  double min, max, step = 1, defaultValue = 0;
 };
 
 struct Controls : std::vector<Control> {
@@ -25,10 +25,10 @@ struct Controls : std::vector<Control> {
     described["key"] = key;
     described["label"] = label;
     described["value"] = value;
-    described["min"] = range.least;
-    described["max"] = range.most;
+    described["min"] = range.min;
+    described["max"] = range.max;
     described["step"] = range.step;
-    described["standard"] = range.standard;
+    described["default"] = range.defaultValue;
     for (const char* const option : options) described["options"].append(option);
     push_back({std::move(described), std::move(set)});
   }
@@ -106,7 +106,7 @@ void addExposure(Controls& controls, Camera& camera) {
   if (exposure == nullptr) return;
   Sensor& sensor = camera.sensor;
   controls.add("exposure", "lines", "Lines", std::round(exposure->lines(sensor)),
-               {1, exposure->mostLines, 1, exposure->usualLines}, [=, &sensor](double to) {
+               {1, exposure->maxLines, 1, exposure->defaultLines}, [=, &sensor](double to) {
                  exposure->setLines(sensor, static_cast<std::uint32_t>(to));
                });
   controls.add("exposure", "automatic", "Automatic", exposure->isAutomatic(camera), {0, 1, 1, 1},
@@ -120,8 +120,8 @@ void addPicture(Controls& controls, PictureControls& picture) {
     const auto [value, automatic] = picture.get(control);
     const char* const group = control.property == gain ? "exposure" : "picture";
     const std::string key = "picture" + std::to_string(control.property);
-    const Range range{1.0 * control.least, 1.0 * control.most, 1.0 * control.step,
-                      1.0 * control.standard};
+    const Range range{1.0 * control.min, 1.0 * control.max, 1.0 * control.step,
+                      1.0 * control.defaultValue};
     const auto set = [&picture, &control](double to, bool on) {
       picture.set(control, {static_cast<int>(to), on});
     };
@@ -137,9 +137,9 @@ void addPicture(Controls& controls, PictureControls& picture) {
 }  // namespace
 
 void Control::turnTo(double wanted) const {
-  const double least = described["min"].asDouble(), step = described["step"].asDouble();
-  const double above = std::clamp(wanted, least, described["max"].asDouble()) - least;
-  set(least + (step == 0 ? above : std::round(above / step) * step));
+  const double min = described["min"].asDouble(), step = described["step"].asDouble();
+  const double above = std::clamp(wanted, min, described["max"].asDouble()) - min;
+  set(min + (step == 0 ? above : std::round(above / step) * step));
 }
 
 std::vector<Control> controlsOf(CameraDevice& device) {

@@ -11,7 +11,7 @@
 namespace qvx::simulator {
 
 struct Control {
-  // For the page: group (its part of the page), key, label, value, min, max, step, standard; and
+  // For the page: group (its part of the page), key, label, value, min, max, step, default; and
   // options, the names of its values from 0.
   Json::Value described;
   std::function<void(double)> set;

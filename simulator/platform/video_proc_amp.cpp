@@ -109,7 +109,7 @@ std::optional<PropertyRange> system::getPropertyRange(VideoProcAmp& amplifier,
                                                       PictureProperty property) {
   const auto* const control = ask(amplifier, "range of ", property);
   if (control == nullptr) return std::nullopt;
-  return PropertyRange{control->least, control->most, control->step, control->standard};
+  return PropertyRange{control->min, control->max, control->step, control->defaultValue};
 }
 
 }  // namespace qvx::platform

@@ -64,9 +64,9 @@ bool World::proceeds(Operation kind) {
 }
 
 bool World::runsInline() const {
-  constexpr std::uint64_t mostOperationsOfWorker = 16;
+  constexpr std::uint64_t maxOperationsOfWorker = 16;
   const std::lock_guard<std::mutex> lock(guard);
-  return workersInline && !faults_.stallsWithin(mostOperationsOfWorker) && clock.isAlone();
+  return workersInline && !faults_.stallsWithin(maxOperationsOfWorker) && clock.isAlone();
 }
 
 void World::pumpMessages(std::uint64_t milliseconds) {

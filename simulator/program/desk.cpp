@@ -9,9 +9,9 @@
 
 namespace qvx::simulator {
 
-PluggedCamera::PluggedCamera(const CameraSpec& spec, std::string id)
-    : spec_(spec), id_(std::move(id)), device_(spec, stillOf) {
-  faults_.set(spec.fault);
+PluggedCamera::PluggedCamera(const CameraDescription& description, std::string id)
+    : description_(description), id_(std::move(id)), device_(description, stillOf) {
+  faults_.set(description.fault);
 }
 
 Reply PluggedCamera::carry(const Transfer& transfer) {
@@ -74,7 +74,7 @@ Reply PluggedCamera::suffer(const Fault& fault, const Transfer& transfer) {
 
 void PluggedCamera::spoil(const Fault& fault, Reply& reply) {
   constexpr std::size_t everyByte = 256, oneRead = 8192;  // as much as a client takes over HTTP
-  const bool overHttp = spec_.transport == Transport::wifi;
+  const bool overHttp = description_.transport == Transport::wifi;
   std::string& bytes = reply.bytes;
   if (fault.kind == Fault::halves) {
     reply.announced = bytes.size();
@@ -91,12 +91,12 @@ void PluggedCamera::spoil(const Fault& fault, Reply& reply) {
   }
 }
 
-PluggedCamera& Desk::plugIn(const CameraSpec& spec) {
-  std::string id = shortNameOf(spec);
+PluggedCamera& Desk::plugIn(const CameraDescription& description) {
+  std::string id = shortNameOf(description);
   for (int number = 2; find(id) != nullptr; ++number) {
-    id = shortNameOf(spec) + "-" + std::to_string(number);
+    id = shortNameOf(description) + "-" + std::to_string(number);
   }
-  return *cameras_.emplace_back(std::make_unique<PluggedCamera>(spec, std::move(id)));
+  return *cameras_.emplace_back(std::make_unique<PluggedCamera>(description, std::move(id)));
 }
 
 PluggedCamera* Desk::find(std::string_view id) const {

@@ -37,10 +37,10 @@ class PluggedCamera {
  public:
   using Transfer = std::function<Reply(CameraDevice&)>;
 
-  PluggedCamera(const CameraSpec& spec, std::string id);
+  PluggedCamera(const CameraDescription& description, std::string id);
 
   const std::string& id() const { return id_; }  // for addresses: "wifi-0998", "wifi-0998-2"
-  const CameraSpec& spec() const { return spec_; }
+  const CameraDescription& description() const { return description_; }
 
   // Runs a function on the camera as it is at this moment, with nobody else at it.
   template <class Action>
@@ -79,7 +79,7 @@ class PluggedCamera {
   Reply suffer(const Fault& fault, const Transfer& transfer);
   void spoil(const Fault& fault, Reply& reply);
 
-  const CameraSpec spec_;
+  const CameraDescription description_;
   const std::string id_;
   const std::chrono::steady_clock::time_point poweredUp_ = std::chrono::steady_clock::now();
   std::atomic<bool> closed_ = false, pluggedIn_ = true;
@@ -98,7 +98,7 @@ class Desk {
   ~Desk() { close(); }
 
   // All of them come before any thread looks.
-  PluggedCamera& plugIn(const CameraSpec& spec);
+  PluggedCamera& plugIn(const CameraDescription& description);
 
   const std::vector<std::unique_ptr<PluggedCamera>>& cameras() const { return cameras_; }
   PluggedCamera* find(std::string_view id) const;

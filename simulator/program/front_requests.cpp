@@ -103,7 +103,7 @@ void appendYuy2(std::string& bytes, const std::uint8_t* pair) {
 // Video is no access: it would drown the others.
 Reply frame(PluggedCamera& camera, const RequestHead& head) {
   Reply reply;
-  for (const VideoMode& mode : videoModesFor(camera.spec().productId)) {
+  for (const VideoMode& mode : videoModesFor(camera.description().productId)) {
     const std::uint32_t size = yuy2Bytes(mode.width, mode.height);
     if (static_cast<std::uint32_t>(mode.command) != head.number || size > head.wanted) continue;
     const Picture picture = pictureOf(camera, mode.width, mode.height);
@@ -123,7 +123,7 @@ std::string answerFront(PluggedCamera& camera, const Request& request, std::size
   if (size >= sizeof head && head.kind == RequestKind::frame) reply = frame(camera, head);
   if (size >= sizeof head && static_cast<std::size_t>(head.kind) < std::size(transfers)) {
     ByteVector bytes(request.bytes, request.bytes + (size - sizeof head));
-    if (head.sets == 0) bytes.assign(std::min<std::size_t>(head.wanted, mostBytes), 0);
+    if (head.sets == 0) bytes.assign(std::min<std::size_t>(head.wanted, maxBytes), 0);
     reply = camera.carry([&](CameraDevice& device) { return carryOut(device, head, bytes); });
   }
   return std::string(1, static_cast<char>(reply.done)) + reply.bytes;

@@ -51,7 +51,7 @@ std::optional<int> runProgram(std::span<const std::string> arguments) {
 
 std::shared_ptr<void> plugIn(Desk& desk, std::string& problem) {
   for (const auto& camera : desk.cameras()) {
-    if (camera->spec().transport == Transport::wifi) continue;
+    if (camera->description().transport == Transport::wifi) continue;
     problem = camera->id() + ": only the simulator for Windows plugs in such a camera";
     break;
   }

@@ -5,7 +5,7 @@ namespace qvx::simulator {
 namespace {
 
 constexpr auto pause = std::chrono::milliseconds(5);
-constexpr std::size_t mostConnections = 32;  // a stream holds its thread for as long as it flows
+constexpr std::size_t maxConnections = 32;  // a stream holds its thread for as long as it flows
 
 // Restarts on the same port at once. On Windows the option would mean to share it.
 void configureSocket([[maybe_unused]] socket_t socket) {
@@ -20,7 +20,7 @@ void configureSocket([[maybe_unused]] socket_t socket) {
 HttpPort::HttpPort() {
   server.set_socket_options(configureSocket);
   server.set_keep_alive_timeout(1);
-  server.new_task_queue = [] { return new httplib::ThreadPool(mostConnections); };
+  server.new_task_queue = [] { return new httplib::ThreadPool(maxConnections); };
 }
 
 HttpPort::~HttpPort() {

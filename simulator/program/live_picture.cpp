@@ -13,8 +13,8 @@ Picture pictureOf(PluggedCamera& camera, int width, int height) {
   return render(view, width, height, moment);
 }
 
-void sendStream(PluggedCamera& camera, int leastWidth, int mostWidth, httplib::Response& response) {
-  const auto sendNext = [&camera, leastWidth, mostWidth, wanted = mostWidth, due = Clock::now()](
+void sendStream(PluggedCamera& camera, int minWidth, int maxWidth, httplib::Response& response) {
+  const auto sendNext = [&camera, minWidth, maxWidth, wanted = maxWidth, due = Clock::now()](
                             std::size_t, httplib::DataSink& sink) mutable {
     constexpr int quality = 80;
     constexpr auto period = std::chrono::milliseconds(100);
@@ -27,8 +27,8 @@ void sendStream(PluggedCamera& camera, int leastWidth, int mostWidth, httplib::R
     const std::string file =
         jpegOf(pictureOf(camera, width, mode.height * width / mode.width), quality);
     const Clock::duration took = Clock::now() - start;
-    if (took > period) wanted = std::max(width / 4 * 3, leastWidth);
-    if (took < period / 2) wanted = std::min(wanted + 32, mostWidth);
+    if (took > period) wanted = std::max(width / 4 * 3, minWidth);
+    if (took < period / 2) wanted = std::min(wanted + 32, maxWidth);
     const std::string part =
         "--frame\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(file.size()) +
         "\r\n\r\n" + file + "\r\n";

@@ -46,12 +46,12 @@ void tell(const Options& options, const std::string& line) {
 // Each returns what cannot be had; nothing when all is there.
 std::string startWifi(const Options& options, Desk& desk, std::deque<HttpPort>& ports) {
   for (const auto& camera : desk.cameras()) {
-    std::string line = camera->id() + "  " + camera->spec().name;
-    if (camera->spec().transport == Transport::wifi) {
+    std::string line = camera->id() + "  " + camera->description().name;
+    if (camera->description().transport == Transport::wifi) {
       HttpPort& port = ports.emplace_back();
       serveWifiCamera(port, *camera, desk);
-      if (!port.start(options.address, camera->spec().port)) {
-        return "cannot listen on " + place(options.address, camera->spec().port);
+      if (!port.start(options.address, camera->description().port)) {
+        return "cannot listen on " + place(options.address, camera->description().port);
       }
       line += "  http://" + place(options.address, port.port()) + "/";
     }
@@ -83,8 +83,8 @@ int runUntilEnd(const Options& options) {
 
 int run(const Options& options) {
   Desk desk;
-  for (const CameraSpec& spec : options.cameras) {
-    PluggedCamera& camera = desk.plugIn(spec);
+  for (const CameraDescription& description : options.cameras) {
+    PluggedCamera& camera = desk.plugIn(description);
     camera.onAccess = [&](const Access& access) { logAccess(camera, access, options.log); };
   }
   std::deque<HttpPort> ports;
@@ -103,7 +103,7 @@ int qvx::simulator::simulate(std::span<const std::string> arguments) {
   const std::string wrong = optionsFrom(arguments, options);
   if (!wrong.empty()) return fail(wrong, wrongOption);
   if (options.help) {
-    std::printf("%s%s", helpText, cameraSpecHelp().c_str());
+    std::printf("%s%s", helpText, cameraDescriptionHelp().c_str());
     return ended;
   }
   claimInterrupts();

@@ -78,7 +78,7 @@ std::string lackOf(const Options& options) {
   if (options.help || (options.unplug && options.cameras.empty())) return {};
   if (options.cameras.empty()) return "no camera given; see --help";
   std::set<std::uint16_t> ports;
-  for (const CameraSpec& camera : options.cameras) {
+  for (const CameraDescription& camera : options.cameras) {
     if (camera.transport != Transport::wifi || camera.port == 0) continue;
     if (!ports.insert(camera.port).second) {
       return "two Wi-Fi cameras on port " + std::to_string(camera.port) + "; give one ,port=N";
@@ -105,7 +105,7 @@ std::string optionsFrom(std::span<const std::string> arguments, Options& options
       if (options.program.empty()) wrong = "no program given after --";
     } else if (word.starts_with('-')) {
       wrong = "unknown option \"" + word + "\"; see --help";
-    } else if (const auto camera = cameraSpecFrom(word, wrong)) {
+    } else if (const auto camera = cameraDescriptionFrom(word, wrong)) {
       options.cameras.push_back(*camera);
     }
   }

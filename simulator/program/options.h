@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "simulator/model/camera_spec.h"
+#include "simulator/model/camera_description.h"
 
 namespace qvx::simulator {
 
 struct Options {
-  std::vector<CameraSpec> cameras;
+  std::vector<CameraDescription> cameras;
   std::string address = "127.0.0.1";  // of Wi-Fi cameras
   std::string pageAddress = "127.0.0.1";
   int pagePort = 8064;

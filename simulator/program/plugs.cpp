@@ -22,16 +22,16 @@ struct Exclusive {
   const Handle mutex{CreateMutexW(nullptr, FALSE, L"qvx-simulator-plugs")};
 };
 
-CameraRecord recordOf(const CameraSpec& spec) {
+CameraRecord recordOf(const CameraDescription& camera) {
   CameraRecord record{};
   GetSystemTimePreciseAsFileTime(reinterpret_cast<FILETIME*>(&record.order));
   std::swprintf(record.pipe, std::size(record.pipe), L"qvx-simulator-%016llx", record.order);
-  std::snprintf(record.name, sizeof record.name, "%s", spec.name.c_str());
-  record.vendorId = spec.vendorId;
-  record.productId = spec.productId;
-  record.unit = spec.unit;
-  record.isUsb3 = spec.transport == Transport::usb3;
-  record.isHid = spec.transport == Transport::hid;
+  std::snprintf(record.name, sizeof record.name, "%s", camera.name.c_str());
+  record.vendorId = camera.vendorId;
+  record.productId = camera.productId;
+  record.unit = camera.unit;
+  record.isUsb3 = camera.transport == Transport::usb3;
+  record.isHid = camera.transport == Transport::hid;
   return record;
 }
 
@@ -80,7 +80,7 @@ ServedDesk::ServedDesk(Desk& desk) : desk_(desk) {
   sweepPlugs();
   CameraRecords cameras;
   for (const auto& camera : desk.cameras()) {
-    if (camera->spec().transport != Transport::wifi) cameras.push_back(serve(*camera));
+    if (camera->description().transport != Transport::wifi) cameras.push_back(serve(*camera));
   }
   for (const DeviceKind* const kind : deviceKinds) {
     const CameraRecords mine = ofKind(*kind, cameras);
@@ -89,7 +89,7 @@ ServedDesk::ServedDesk(Desk& desk) : desk_(desk) {
 }
 
 CameraRecord ServedDesk::serve(PluggedCamera& camera) {
-  CameraRecord record = recordOf(camera.spec());
+  CameraRecord record = recordOf(camera.description());
   const auto reports =
       camera.with([](CameraDevice& device) { return device.hid.reportDescriptor(); });
   record.reportDescriptorSize = static_cast<std::uint16_t>(reports.size());

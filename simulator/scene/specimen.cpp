@@ -192,10 +192,10 @@ class Lighting {
   // Near a lit quadrant it is brighter, and slopes that face it are. The axial light comes back
   // from what is level; hollows get less of everything.
   float at(const Vector& place, const Vector& slope) const {
-    constexpr float nearer = 0.8F, relief = 2.2F, hollow = 0.25F, least = 0.2F;
+    constexpr float nearer = 0.8F, relief = 2.2F, hollow = 0.25F, minShare = 0.2F;
     const float steep = std::min(slope.dot(slope), 1.0F);
     const float level = ring_ + nearer * place.dot(from_);
-    const float fromRing = std::max(level - relief * slope.dot(from_), least * level);
+    const float fromRing = std::max(level - relief * slope.dot(from_), minShare * level);
     const float axial = static_cast<float>(view_.axial) * (1 - steep);
     return (1 - hollow * steep) * (fromRing + axial + static_cast<float>(roomLight));
   }

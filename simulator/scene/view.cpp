@@ -13,21 +13,22 @@ double setting(const Camera& camera, std::int32_t property) {
 }
 
 double ratio(const Camera& camera, std::int32_t property) {
-  return setting(camera, property) / pictureControl(property)->standard;
+  return setting(camera, property) / pictureControl(property)->defaultValue;
 }
 
 // By itself a camera first exposes longer, then amplifies.
 void expose(const Camera& camera, double light, View& view) {
-  constexpr double gainPerUnit = 0.03, backlightStep = 0.15, longest = 2, most = 16;
+  constexpr double gainPerUnit = 0.03, backlightStep = 0.15, longest = 2, maxExposure = 16;
   view.gain = 1 + gainPerUnit * setting(camera, 9);
   const SensorKind* const how = sensorFor(camera.productId());
   if (how != nullptr && !how->isAutomatic(camera)) {
-    view.exposure = view.gain * how->lines(camera.sensor) / how->usualLines;
+    view.exposure = view.gain * how->lines(camera.sensor) / how->defaultLines;
     return;
   }
-  const double target = how == nullptr ? 1 : how->target(camera) / how->usualTarget;
-  const double backlight = 1 + backlightStep * (setting(camera, 8) - pictureControl(8)->standard);
-  view.exposure = std::min(backlight * target / light, most);
+  const double target = how == nullptr ? 1 : how->target(camera) / how->defaultTarget;
+  const double backlight =
+      1 + backlightStep * (setting(camera, 8) - pictureControl(8)->defaultValue);
+  view.exposure = std::min(backlight * target / light, maxExposure);
   view.gain = std::max(view.gain, view.exposure / longest);
 }
 
@@ -72,7 +73,7 @@ View viewOf(const Camera& camera) {
   view.contrast = ratio(camera, 1);
   view.hue_rad = setting(camera, 2) * std::numbers::pi / 180;
   view.saturation = ratio(camera, 3);
-  view.sharpening = (setting(camera, 4) - pictureControl(4)->standard) / 4;
+  view.sharpening = (setting(camera, 4) - pictureControl(4)->defaultValue) / 4;
   view.gamma = ratio(camera, 5);
   const bool whiteIsRight = camera.picture.get(*pictureControl(7)).automatic;
   view.warmth = whiteIsRight ? 1 : std::pow(ratio(camera, 7), warmthExponent);

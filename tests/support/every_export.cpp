@@ -42,9 +42,9 @@ std::string limits(qvx_long (*ask)(int, qvx_long*, qvx_long*), int index) {
 
 std::string pictureRange(const Arguments& given) {
   auto property = static_cast<qvx_long>(given.index);
-  qvx_long least = leftAlone, most = leftAlone, step = leftAlone, standard = leftAlone;
-  const qvx_long result = GetVideoProcAmpValueRange(&property, &least, &most, &step, &standard);
-  return texts(result, least, most, step, standard);
+  qvx_long min = leftAlone, max = leftAlone, step = leftAlone, defaultValue = leftAlone;
+  const qvx_long result = GetVideoProcAmpValueRange(&property, &min, &max, &step, &defaultValue);
+  return texts(result, min, max, step, defaultValue);
 }
 
 std::string videoCaps(const Arguments&) {

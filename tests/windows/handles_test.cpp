@@ -16,8 +16,8 @@
 namespace qvx::tests {
 namespace {
 
-constexpr int firstCalls = 3, leastCalls = 8, mostCalls = 1000;
-constexpr int mostHandles = 1000;  // that one export may leave: connections are files of the host
+constexpr int firstCalls = 3, minCalls = 8, maxCalls = 1000;
+constexpr int maxHandles = 1000;  // that one export may leave: connections are files of the host
 constexpr int slackHandles = 3, slackBytes = 512;  // what the system's libraries keep for a while
 constexpr int wifiIndex = 90;
 constexpr char stillName[] = "qvx-handles.jpg";
@@ -30,24 +30,24 @@ ULONGLONG limit_ms() {
 // What one call leaves open on purpose.
 struct Kept {
   const char* name;
-  int handles = 0;                        // of the kernel, at most
-  int leastHeapBytes = 0, heapBytes = 0;  // and at most
+  int handles = 0;  // of the kernel, at most
+  int minHeapBytes = 0, maxHeapBytes = 0;
 };
 
 // A read over Wi-Fi keeps its session and its request, with the connection if that is not closed
 // yet. A command whose answer is not read keeps its request.
 constexpr Kept overWifi(const char* name, int reads, int unread = 0) {
-  constexpr int handlesPerRead = 2, leastPerRead = 9000, mostPerRead = 12000;  // bytes
-  constexpr int leastPerCommand = 100, mostPerCommand = 200;
-  return {name, handlesPerRead * reads, leastPerRead * reads + leastPerCommand * unread,
-          mostPerRead * reads + mostPerCommand * unread};
+  constexpr int handlesPerRead = 2, minPerRead = 9000, maxPerRead = 12000;  // bytes
+  constexpr int minPerCommand = 100, maxPerCommand = 200;
+  return {name, handlesPerRead * reads, minPerRead * reads + minPerCommand * unread,
+          maxPerRead * reads + maxPerCommand * unread};
 }
 
 // A picture property of a USB camera keeps four objects of the capture driver, of these sizes when
 // the driver is that of the simulated cameras.
 constexpr Kept picture(const char* name) {
-  constexpr int handles = 3, leastBytes = 450, mostBytes = 600;
-  return {name, handles, leastBytes, mostBytes};
+  constexpr int handles = 3, minBytes = 450, maxBytes = 600;
+  return {name, handles, minBytes, maxBytes};
 }
 
 constexpr int deviceListBytes = 2700;  // with the record of one device
@@ -113,8 +113,8 @@ std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kep
   const Resources before = resources();
   const ULONGLONG end = GetTickCount64() + limit_ms();
   int calls = 0;
-  while (calls < leastCalls ||
-         (calls < mostCalls && kept.handles * calls < mostHandles && GetTickCount64() < end)) {
+  while (calls < minCalls ||
+         (calls < maxCalls && kept.handles * calls < maxHandles && GetTickCount64() < end)) {
     once();
     ++calls;
   }
@@ -126,8 +126,8 @@ std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kep
   }
   EXPECT_LE(left.handles, kept.handles * calls + slackHandles) << call.name;
   EXPECT_LE(left.threads, 0) << call.name;
-  EXPECT_GE(left.heapBytes, kept.leastHeapBytes * calls) << call.name;
-  EXPECT_LE(left.heapBytes, kept.heapBytes * calls + slackBytes) << call.name;
+  EXPECT_GE(left.heapBytes, kept.minHeapBytes * calls) << call.name;
+  EXPECT_LE(left.heapBytes, kept.maxHeapBytes * calls + slackBytes) << call.name;
   char line[128];
   std::snprintf(line, sizeof line, "%-26s %4d calls leave %ld handles, %ld threads, %lld bytes\n",
                 call.name, calls, left.handles, left.threads, left.heapBytes);

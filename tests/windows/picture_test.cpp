@@ -11,9 +11,9 @@ using Range = std::array<qvx_long, 4>;
 constexpr Range none = {-1, -1, -1, -1}, leftAlone = {77, 77, 77, 77};
 
 Range rangeOf(qvx_long property) {
-  auto [least, most, step, standard] = leftAlone;
-  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &least, &most, &step, &standard), 0);
-  return {least, most, step, standard};
+  auto [min, max, step, defaultValue] = leftAlone;
+  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &min, &max, &step, &defaultValue), 0);
+  return {min, max, step, defaultValue};
 }
 
 TEST(PictureProperties, AreThoseOfTheCurrentCamera) {

@@ -78,15 +78,15 @@ class CaptureFilter final
   STDMETHODIMP QueryVendorInfo(LPWSTR*) override { return E_NOTIMPL; }
 
   // The picture controls.
-  STDMETHODIMP GetRange(long property, long* least, long* most, long* step, long* standard,
+  STDMETHODIMP GetRange(long property, long* min, long* max, long* step, long* defaultValue,
                         long* flags) override {
     PictureValue current;
     if (!transferPicture(property, false, current)) return E_PROP_ID_UNSUPPORTED;
     const PictureControl& control = *pictureControl(property);
-    *least = control.least;
-    *most = control.most;
+    *min = control.min;
+    *max = control.max;
     *step = control.step;
-    *standard = control.standard;
+    *defaultValue = control.defaultValue;
     *flags = VideoProcAmp_Flags_Manual | (control.hasAutomatic ? VideoProcAmp_Flags_Auto : 0);
     return S_OK;
   }

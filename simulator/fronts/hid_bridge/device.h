@@ -17,7 +17,7 @@ class Device {
   // when the camera refuses, takes too long or is gone; the next one opens the pipe anew.
   bool transfer(const RequestHead& head, UCHAR* bytes, ULONG& size) {
     KeWaitForSingleObject(&idle_, Executive, KernelMode, FALSE, nullptr);
-    const bool done = size <= mostBytes && (pipe_ != nullptr || open()) && ask(head, bytes, size);
+    const bool done = size <= maxBytes && (pipe_ != nullptr || open()) && ask(head, bytes, size);
     KeSetEvent(&idle_, IO_NO_INCREMENT, FALSE);
     return done;
   }
@@ -57,7 +57,7 @@ class Device {
   bool ask(const RequestHead& head, UCHAR* bytes, ULONG& size) {
     const ULONG sent = head.sets != 0 ? size : 0;
     Request request;
-    UCHAR reply[replyHeadSize + mostBytes];
+    UCHAR reply[replyHeadSize + maxBytes];
     request.head = head;
     request.head.wanted = size - sent;
     RtlCopyMemory(request.bytes, bytes, sent);

@@ -42,7 +42,7 @@ std::vector<std::string> filesIn(const std::string& stream) {
 TEST(Stream, FlowsToEachClientUntilClientCameraOrProgramIsGone) {
   Desk desk;
   std::string problem;
-  PluggedCamera& camera = desk.plugIn(*cameraSpecFrom("wifi:09D0", problem));
+  PluggedCamera& camera = desk.plugIn(*cameraDescriptionFrom("wifi:09D0", problem));
   std::optional<HttpPort> port(std::in_place);
   serveWifiCamera(*port, camera, desk);
   ASSERT_TRUE(port->start("127.0.0.1", 0));

@@ -32,7 +32,7 @@ TEST(SimulatorOptions, AreTakenOrRefused) {
                   options),
             "");
   ASSERT_EQ(options.cameras.size(), 2U);
-  const CameraSpec &wifi = options.cameras[0], &usb = options.cameras[1];
+  const CameraDescription &wifi = options.cameras[0], &usb = options.cameras[1];
   EXPECT_EQ(wifi.productId, 0x9C0);
   EXPECT_EQ(wifi.port, 0);
   EXPECT_EQ(wifi.zoom->from, 63);
@@ -121,7 +121,7 @@ constexpr char readFeatures[] =
 struct Running {
   explicit Running(const std::string& more = "") {
     std::string problem;
-    serveWifiCamera(port, desk.plugIn(*cameraSpecFrom("wifi:0970" + more, problem)), desk);
+    serveWifiCamera(port, desk.plugIn(*cameraDescriptionFrom("wifi:0970" + more, problem)), desk);
     EXPECT_TRUE(port.start("127.0.0.1", 0));
   }
   ~Running() { desk.close(); }

@@ -77,12 +77,12 @@ class TwoProcesses : public testing::Test {
 
   // Kills one after another, mostly at work and sometimes while it starts.
   void disturb(unsigned seconds) {
-    constexpr unsigned mostPause_ms = 500, oneInSo = 5;
+    constexpr unsigned maxPause_ms = 500, oneInSo = 5;
     const ULONGLONG end = GetTickCount64() + seconds * 1000;
     while (GetTickCount64() < end && shared().mistakes == 0 && !HasFailure()) {
       const int victim = static_cast<int>(random_() % processCount);
       if (random_() % oneInSo != 0) awaitWork(victim);
-      Sleep(random_() % mostPause_ms);
+      Sleep(random_() % maxPause_ms);
       workers_[victim].kill();
       ++kills_;
       startWorker(victim);

@@ -16,7 +16,7 @@ namespace qvx::simulator {
 // How a camera is reached.
 enum class Transport : std::uint8_t { wifi, usb, hid, usb3 };
 
-struct CameraSpec {
+struct CameraDescription {
   Transport transport = Transport::wifi;
   std::uint16_t vendorId = 0x3C7E, productId = 0;
   std::string name = {};
@@ -30,12 +30,12 @@ struct CameraSpec {
 };
 
 // Nothing, and what is wrong, when the text is no camera.
-std::optional<CameraSpec> cameraSpecFrom(std::string_view text, std::string& problem);
+std::optional<CameraDescription> cameraDescriptionFrom(std::string_view text, std::string& problem);
 
 // "wifi-0998": begins the camera's id.
-std::string shortNameOf(const CameraSpec& spec);
+std::string shortNameOf(const CameraDescription& camera);
 
 // What the text may hold, for a program's help.
-std::string cameraSpecHelp();
+std::string cameraDescriptionHelp();
 
 }  // namespace qvx::simulator
