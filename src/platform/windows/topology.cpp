@@ -7,11 +7,14 @@
 #include <ksmedia.h>
 #include <ksproxy.h>
 
-#include "platform/windows/com_pointer.h"
+#include <wrl/client.h>
+
 #include "platform/windows/topology_info.h"
 #include "platform/windows/video_monikers.h"
 
 namespace qvx::platform {
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -23,7 +26,7 @@ GUID guidOf(const PropertySet& set) {
 
 class KsFilter final : public TopologyFilter {
  public:
-  KsFilter(ComPointer<IKsTopologyInfo> topology, ComPointer<IKsControl> control)
+  KsFilter(ComPtr<IKsTopologyInfo> topology, ComPtr<IKsControl> control)
       : topology_(std::move(topology)), control_(std::move(control)) {}
 
   std::vector<std::uint32_t> vendorNodes() override {
@@ -67,17 +70,17 @@ class KsFilter final : public TopologyFilter {
         control_->KsProperty(&property.Property, sizeof property, data, size, &returned));
   }
 
-  ComPointer<IKsTopologyInfo> topology_;
-  ComPointer<IKsControl> control_;
+  ComPtr<IKsTopologyInfo> topology_;
+  ComPtr<IKsControl> control_;
 };
 
 std::shared_ptr<TopologyFilter> openFilter(IMoniker& moniker) {
-  ComPointer<IBaseFilter> filter;
-  ComPointer<IKsTopologyInfo> topology;
-  ComPointer<IKsControl> control;
-  if (FAILED(moniker.BindToObject(nullptr, nullptr, IID_IBaseFilter, filter.outVoid())) ||
-      FAILED(filter->QueryInterface(IID_IKsTopologyInfo, topology.outVoid())) ||
-      FAILED(filter->QueryInterface(IID_IKsControl, control.outVoid()))) {
+  ComPtr<IBaseFilter> filter;
+  ComPtr<IKsTopologyInfo> topology;
+  ComPtr<IKsControl> control;
+  if (FAILED(moniker.BindToObject(nullptr, nullptr, IID_IBaseFilter, &filter)) ||
+      FAILED(filter->QueryInterface(IID_IKsTopologyInfo, &topology)) ||
+      FAILED(filter->QueryInterface(IID_IKsControl, &control))) {
     return nullptr;
   }
   return std::make_shared<KsFilter>(std::move(topology), std::move(control));

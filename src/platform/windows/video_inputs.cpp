@@ -1,13 +1,15 @@
 #include "platform/system.h"
 
 #include <dshow.h>
+#include <wrl/client.h>
 
 #include <optional>
 
-#include "platform/windows/com_pointer.h"
 #include "platform/windows/video_monikers.h"
 
 namespace qvx::platform {
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -32,13 +34,13 @@ std::optional<std::wstring> friendlyNameOf(IPropertyBag& properties) {
 }
 
 std::optional<VideoInput> describe(IMoniker& moniker) {
-  ComPointer<IPropertyBag> properties;
-  if (FAILED(moniker.BindToStorage(nullptr, nullptr, IID_IPropertyBag, properties.outVoid()))) {
+  ComPtr<IPropertyBag> properties;
+  if (FAILED(moniker.BindToStorage(nullptr, nullptr, IID_IPropertyBag, &properties))) {
     return std::nullopt;
   }
   const auto displayName = displayNameOf(moniker);
   if (!displayName) return std::nullopt;
-  const auto friendlyName = friendlyNameOf(*properties.get());
+  const auto friendlyName = friendlyNameOf(*properties.Get());
   if (!friendlyName) return std::nullopt;
   return VideoInput{*displayName, *friendlyName};
 }
@@ -46,19 +48,19 @@ std::optional<VideoInput> describe(IMoniker& moniker) {
 }  // namespace
 
 void forEachVideoMoniker(const std::function<bool(IMoniker&)>& visit) {
-  ComPointer<ICreateDevEnum> devices;
+  ComPtr<ICreateDevEnum> devices;
   if (FAILED(CoCreateInstance(CLSID_SystemDeviceEnum, nullptr, CLSCTX_INPROC_SERVER,
-                              IID_ICreateDevEnum, devices.outVoid()))) {
+                              IID_ICreateDevEnum, &devices))) {
     return;
   }
-  ComPointer<IEnumMoniker> inputs;
+  ComPtr<IEnumMoniker> inputs;
   // An empty category answers S_FALSE and no enumerator.
-  if (devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, inputs.out(), 0) != S_OK) {
+  if (devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, &inputs, 0) != S_OK) {
     return;
   }
-  ComPointer<IMoniker> moniker;
-  while (inputs->Next(1, moniker.out(), nullptr) == S_OK) {
-    if (!visit(*moniker.get())) return;
+  ComPtr<IMoniker> moniker;
+  while (inputs->Next(1, &moniker, nullptr) == S_OK) {
+    if (!visit(*moniker.Get())) return;
   }
 }
 

@@ -1,17 +1,18 @@
 #include "platform/system.h"
 
 #include <dshow.h>
+#include <wrl/client.h>
 
 #include <memory>
 
-#include "platform/windows/com_pointer.h"
-
 namespace qvx::platform {
+
+using Microsoft::WRL::ComPtr;
 
 struct InputList {
   // Released in the opposite order.
-  ComPointer<ICreateDevEnum> devices;
-  ComPointer<IEnumMoniker> monikers;
+  ComPtr<ICreateDevEnum> devices;
+  ComPtr<IEnumMoniker> monikers;
 };
 
 namespace {
@@ -47,13 +48,13 @@ void readFriendlyName(IPropertyBag& properties) {
 }
 
 bool matches(IMoniker& moniker, const std::function<bool(const std::wstring&)>& isWanted) {
-  ComPointer<IPropertyBag> properties;
-  moniker.BindToStorage(nullptr, nullptr, IID_IPropertyBag, properties.outVoid());
+  ComPtr<IPropertyBag> properties;
+  moniker.BindToStorage(nullptr, nullptr, IID_IPropertyBag, &properties);
   LPOLESTR name = nullptr;
   if (FAILED(moniker.GetDisplayName(nullptr, nullptr, &name)) || name == nullptr) return false;
   const std::wstring displayName = name;
   CoTaskMemFree(name);
-  if (properties) readFriendlyName(*properties.get());
+  if (properties) readFriendlyName(*properties.Get());
   return isWanted(displayName);
 }
 
@@ -63,10 +64,10 @@ InputList* openInputList() {
   auto list = std::make_unique<InputList>();
   const bool listed =
       SUCCEEDED(CoCreateInstance(CLSID_SystemDeviceEnum, nullptr, CLSCTX_INPROC_SERVER,
-                                 IID_ICreateDevEnum, list->devices.outVoid())) &&
+                                 IID_ICreateDevEnum, &list->devices)) &&
       // An empty category answers S_FALSE and no enumerator.
-      list->devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, list->monikers.out(),
-                                           0) == S_OK;
+      list->devices->CreateClassEnumerator(CLSID_VideoInputDeviceCategory, &list->monikers, 0) ==
+          S_OK;
   return listed ? list.release() : nullptr;
 }
 
@@ -77,9 +78,9 @@ void release(InputList* list) {
 CaptureFilter* openFilter(InputList& list,
                           const std::function<bool(const std::wstring& displayName)>& isWanted) {
   list.monikers->Reset();
-  ComPointer<IMoniker> moniker;
-  while (list.monikers->Next(1, moniker.out(), nullptr) == S_OK) {
-    if (!matches(*moniker.get(), isWanted)) continue;
+  ComPtr<IMoniker> moniker;
+  while (list.monikers->Next(1, &moniker, nullptr) == S_OK) {
+    if (!matches(*moniker.Get(), isWanted)) continue;
     void* filter = nullptr;
     moniker->BindToObject(nullptr, nullptr, IID_IBaseFilter, &filter);
     return static_cast<CaptureFilter*>(filter);
