@@ -7,7 +7,7 @@ namespace qvx::simulator {
 
 namespace {
 
-// A value for each camera, named after its pipe.
+// One value per camera, named after its pipe.
 constexpr wchar_t listKey[] = L"Software\\qvx-simulator\\cameras";
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The cameras of all simulators that run on this machine, as its registry lists them.
+// The cameras of all simulators on this machine, as listed in its registry.
 #pragma once
 
 #include <windows.h>
@@ -12,7 +12,7 @@ namespace qvx::simulator {
 
 using CameraRecords = std::vector<CameraRecord>;
 
-// In the order in which they were plugged in; also those that nobody serves any longer.
+// In the order of plugging in, including those that nobody serves any longer.
 CameraRecords listedCameras();
 bool addToList(const CameraRecord& camera);
 void dropFromList(const CameraRecord& camera);

@@ -1,4 +1,4 @@
-// Handles of the system that close themselves.
+// System handles that close automatically.
 #pragma once
 
 #include <windows.h>
@@ -13,7 +13,7 @@ struct Closing {
 };
 using Handle = std::unique_ptr<void, Closing<CloseHandle>>;
 
-// Set and reset by hand.
+// A manual-reset event.
 inline Handle makeEvent() {
   return Handle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
 }

@@ -62,7 +62,7 @@ std::optional<std::size_t> PipeClient::transfer(const RequestHead& head,
 }
 
 std::optional<PipeClient::Connection> PipeClient::connect() {
-  constexpr DWORD busyLimit_ms = 200;  // for a moment all instances may be taken
+  constexpr DWORD busyLimit_ms = 200;  // all instances may be busy for a moment
   {
     const std::lock_guard lock(guard_);
     if (!idle_.empty()) {

@@ -1,4 +1,4 @@
-// A front's end of a camera's pipe.
+// The client side of a camera's pipe.
 #pragma once
 
 #include <mutex>
@@ -14,24 +14,24 @@ namespace qvx::simulator {
 
 std::wstring pathOfPipe(const std::wstring& pipe);
 
-// Waits for an operation on a pipe, the last of the events being its own: the bytes moved; nothing
-// when it fails, or is cancelled because another event or the limit comes first.
+// Waits for an operation on a pipe whose own event is the last of `events`. Returns the number of
+// bytes moved; nothing if it fails, or is cancelled because another event or the limit comes first.
 std::optional<DWORD> finish(HANDLE pipe, OVERLAPPED& operation, BOOL done,
                             std::span<const HANDLE> events, DWORD limit_ms);
 
 // Whether a camera is still plugged in.
 bool isServed(const std::wstring& pipe);
 
-// Any thread may ask; several at once have a connection each.
+// Thread-safe; concurrent transfers use separate connections.
 class PipeClient {
  public:
-  // The one of this process for that pipe; it stays.
+  // The client of this process for that pipe; it is never destroyed.
   static PipeClient& of(const std::wstring& pipe);
 
   explicit PipeClient(const std::wstring& pipe) : path_(pathOfPipe(pipe)) {}
 
-  // Bytes to the camera, or from it; how many. Nothing when the camera refuses, takes too long or
-  // is gone.
+  // Sends bytes to the camera or receives them; returns their number. Nothing if the camera
+  // refuses, takes too long or is gone.
   std::optional<std::size_t> transfer(const RequestHead& head, std::span<std::uint8_t> bytes,
                                       std::uint32_t limit_ms = transferLimit_ms);
 

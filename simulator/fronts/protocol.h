@@ -1,6 +1,6 @@
-// What the fronts and the simulator say to each other. A camera has a pipe of its own, on which
-// whole messages pass: a request is a head and bytes, and so is its reply. When the camera is
-// unplugged its pipe is gone. A kernel-mode driver is among the fronts: nothing here needs a heap.
+// The protocol between fronts and simulator. Each camera has a message pipe: a request consists of
+// a head and bytes, and so does its reply. When the camera is unplugged its pipe is closed. One
+// front is a kernel-mode driver: nothing here may use a heap.
 #pragma once
 
 #include <cstddef>
@@ -36,10 +36,10 @@ struct Request {
   std::uint8_t bytes[maxBytes];
 };
 
-// A reply begins with a byte of its own, which is 0 when the camera has refused.
+// The head of a reply is one byte, which is 0 if the camera has refused.
 constexpr std::uint32_t replyHeadSize = 1;
 
-// Two bytes a pixel: two lumas share their chroma.
+// Two bytes per pixel: two lumas share their chroma.
 constexpr std::uint32_t yuy2Bytes(std::uint32_t width, std::uint32_t height) {
   return 2 * width * height;
 }
@@ -48,23 +48,23 @@ struct PictureValue {
   std::int32_t value, automatic;
 };
 
-// A transfer that takes longer has failed. Real devices are given as long by their drivers.
+// A transfer that takes longer fails, as with the drivers of real devices.
 constexpr std::uint32_t transferLimit_ms = 3000;
 
-// A camera that is plugged in, as the registry keeps it for the fronts. Texts are terminated.
+// A plugged-in camera as stored in the registry for the fronts. Texts are null-terminated.
 struct CameraRecord {
-  std::uint64_t order;  // the time of plugging in: what comes later is listed later
+  std::uint64_t order;  // the time of plugging in, by which cameras are listed
   wchar_t pipe[64];
   char name[128];  // UTF-8
   std::uint16_t vendorId, productId;
-  Unit unit;  // not absent: it is a video input
+  Unit unit;  // absent: the camera is no video input
   bool isUsb3, isHid;
-  std::uint16_t number;  // among all that are plugged in
+  std::uint16_t number;  // unique among the plugged-in cameras
   std::uint16_t reportDescriptorSize;
   std::uint8_t reportDescriptor[64];
 };
 
-// The value with its record in the registry's key of a HID device.
+// The registry value of a HID device that holds its record.
 inline constexpr wchar_t recordValueName[] = L"SimulatedCamera";
 
 }  // namespace qvx::simulator

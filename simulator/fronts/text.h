@@ -1,4 +1,4 @@
-// UTF-8, which the cameras' descriptions are written in, and the system's wide text.
+// Conversion between UTF-8, the encoding of camera descriptions, and the system's UTF-16.
 #pragma once
 
 #include <windows.h>

@@ -7,7 +7,7 @@ namespace {
 enum Address : std::uint16_t {
   chipIdentity = 0x0000,
   status = 0x0005,     // bit 4: the last legacy I2C transfer failed
-  busSwitch = 0x0006,  // bit 2: clear for the EEPROM's bus, set for the camera's
+  busSwitch = 0x0006,  // bit 2: 0 selects the EEPROM's bus, 1 the camera's
   lights = 0x0080,
   buttonState = 0x0085,        // bit 7: pressed
   buttonStateOf4xx7 = 0x0608,  // bit 4: pressed
@@ -19,7 +19,7 @@ constexpr std::uint8_t cameraBusBit = 0x04;
 constexpr std::uint8_t pressedBit = 0x80;
 constexpr std::uint8_t pressedBitOf4xx7 = 0x10;
 constexpr std::uint8_t automaticBit = 0x80;                        // in the higher byte
-constexpr std::uint8_t allLightPinsLow = 0xF0, segmentsOn = 0xF5;  // of the lights
+constexpr std::uint8_t allLightPinsLow = 0xF0, segmentsOn = 0xF5;  // light modes
 
 }  // namespace
 
@@ -118,7 +118,7 @@ std::vector<std::uint8_t> BridgeChip::readCommand(Bytes command) {
   return reply;
 }
 
-// Where the firmware keeps what a command is about; null, and a violation, when it is unknown.
+// The firmware's storage for a parameter; null, and a violation, if the parameter is unknown.
 std::uint8_t* BridgeChip::meantBy(Bytes command) {
   if (command[0] == parameters) {
     const bool known = command[1] == 0 && command[2] < parameters_.size() && command[3] == 1;
@@ -136,7 +136,7 @@ void BridgeChip::tell(bool isWrite, std::uint16_t address, Bytes value) const {
   if (camera_.tap.tell) camera_.tap.tell(inWords(isWrite, "bridge " + hex(address, 4), value));
 }
 
-// What else changes these is to be read here, too.
+// These registers also reflect changes made by other means.
 void BridgeChip::refresh() {
   registers_.at(lights).value[0] = allLightPinsLow | camera_.gpio.lights();
   setBit(exposureMode, automaticBit, camera_.firmwareExposure.automatic);
@@ -145,7 +145,7 @@ void BridgeChip::refresh() {
 BridgeChip::Register* BridgeChip::findForAccess(std::uint16_t address, std::size_t length) {
   refresh();
   const auto found = registers_.find(address);
-  // Who knows the chip to be of generation 2 leaves its bus alone.
+  // A client that knows that the chip is of generation 2 does not switch the bus.
   const bool absent = address == busSwitch && (setup_.family & 0xF0) == 0xB0;
   if (found == registers_.end() || absent) {
     violations().push_back("bridge: unknown register " + hex(address, 4));
@@ -158,7 +158,7 @@ BridgeChip::Register* BridgeChip::findForAccess(std::uint16_t address, std::size
   return &found->second;
 }
 
-// Of the highest byte.
+// In the highest byte.
 void BridgeChip::setBit(std::uint16_t address, std::uint8_t bit, bool on) {
   std::uint8_t& value = registers_.at(address).value.back();
   value = static_cast<std::uint8_t>(on ? value | bit : value & ~bit);

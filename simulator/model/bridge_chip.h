@@ -1,6 +1,5 @@
 // The USB video bridge chip of a simulated camera: its registers, its two I2C buses and the
-// commands of its firmware. How they are reached is the matter of its two decoders: ExtensionUnit
-// and HidFunction.
+// commands of its firmware. ExtensionUnit and HidFunction decode the requests that reach it.
 #pragma once
 
 #include <array>
@@ -13,20 +12,20 @@
 
 namespace qvx::simulator {
 
-// What the firmware understands. Each also understands what the ones before it do.
+// Generations of firmware. Each also understands the requests of the ones before it.
 enum class BridgeFirmware : std::uint8_t {
   narrow,   // legacy transfers with 8-bit register addresses
-  wide,     // and with 16-bit ones
-  oneShot,  // and one-shot requests
+  wide,     // 16-bit ones as well
+  oneShot,  // one-shot requests as well
 };
 
-// First byte of the chip identity: the high nibble tells the generation.
+// First byte of the chip identity; its high nibble is the generation.
 struct BridgeFamily {
   enum : std::uint8_t {
     generation0 = 0x28,  // two I2C buses behind a switch
     generation2 = 0xB2,  // one bus, no switch
     generation2HidOnly =
-        0xC1,  // as above, but the extension unit's clients take it for generation 0
+        0xC1,  // the same, but clients of the extension unit take it for generation 0
   };
 };
 
@@ -35,18 +34,18 @@ struct BridgeSetup {
   BridgeFirmware firmware = BridgeFirmware::oneShot;
 };
 
-// A custom command of the camera's firmware: segment lighting, the latched touch button, and the
-// parameters of automatic exposure. The firmware answers with as many bytes.
+// A custom command of the camera's firmware: segment lighting, the latched touch button, the
+// parameters of automatic exposure. The reply has the same length.
 constexpr std::size_t bridgeCommandSize = 32;
 
 class BridgeChip {
  public:
-  // First byte of a custom command: a function that the camera's body offers, or 0.
+  // First byte of a custom command: a function of the camera's body, or 0.
   enum Function : std::uint8_t {
     parameters = 0x00,    // bytes 0 to 2: parameter, 3: count (always 1), 4: value
-    segmentRing = 0xF2,   // byte 1: 1 switches on; reply byte 2: 1 when on
+    segmentRing = 0xF2,   // byte 1: 1 switches it on; reply byte 2: 1 if on
     segmentPower = 0xF3,  // likewise
-    touchButton = 0xF5,   // byte 2: 1 acknowledges; reply byte 2: 1 when pressed since
+    touchButton = 0xF5,   // byte 2: 1 acknowledges; reply byte 2: 1 if pressed since then
   };
 
   BridgeChip(const BridgeSetup& setup, Camera& camera);
@@ -57,27 +56,27 @@ class BridgeChip {
   BridgeFirmware firmware() const { return setup_.firmware; }
   Violations& violations() { return camera_.violations; }
 
-  // For tests: a register's value, little-endian, read without a trace. 0 when there is none.
+  // For tests: a register's little-endian value, read without side effects; 0 if it does not exist.
   std::uint32_t peek(std::uint16_t address) const;
   bool segmentMode() const { return flags_.at(segmentRing) != 0 && flags_.at(segmentPower) != 0; }
 
-  // For the decoders. A register that does not exist reads 0 and takes no value.
+  // For the decoders. A register that does not exist reads as 0 and ignores writes.
   void readRegister(std::uint16_t address, Room value);
   void writeRegister(std::uint16_t address, Bytes value);
 
-  // I2C transfers; each returns whether the slave acknowledged. Without a sub-address a read goes
-  // on where the last transfer with one pointed.
+  // I2C transfers; each returns whether the slave acknowledged. A read without a sub-address uses
+  // the sub-address of the last transfer that had one.
   bool writeI2c(std::uint8_t slave, Bytes subAddress, Bytes data);
   bool readI2c(std::uint8_t slave, Bytes subAddress, Room data);
 
-  // The legacy forms: bytes without a boundary between sub-address and data, which the slave's own
-  // length of sub-addresses decides, and the outcome in the status register.
+  // The legacy forms: the slave's own sub-address length separates sub-address and data; the status
+  // register holds the outcome.
   void writeI2cLegacy(std::uint8_t slave, Bytes bytes);
   void readI2cLegacy(std::uint8_t slave, Room data);
 
-  // Does what the flags of the command say. Cleared flags leave everything as it is.
+  // Executes what the flags of the command request. Cleared flags change nothing.
   void writeCommand(Bytes command);
-  // What the camera answers; changes nothing.
+  // The camera's reply; changes nothing.
   std::vector<std::uint8_t> readCommand(Bytes command);
 
  private:
@@ -85,7 +84,7 @@ class BridgeChip {
     std::vector<std::uint8_t> value;
     bool writable = false;
   };
-  using Pointer = std::vector<std::uint8_t>;  // what the last sub-address said
+  using Pointer = std::vector<std::uint8_t>;  // the last sub-address
 
   void refresh();
   Register* findForAccess(std::uint16_t address, std::size_t length);
@@ -97,7 +96,7 @@ class BridgeChip {
 
   BridgeSetup setup_;
   std::map<std::uint16_t, Register> registers_;
-  std::map<std::uint8_t, Pointer> pointers_;  // of the slaves
+  std::map<std::uint8_t, Pointer> pointers_;  // by slave address
   Camera& camera_;
   Eeprom eeprom_;
   std::map<std::uint8_t, std::uint8_t> flags_{

@@ -12,8 +12,7 @@ std::uint16_t addressIn(Bytes body) {
   return static_cast<std::uint16_t>(body[0] | (addressBytes == 2 ? body[1] << 8 : 0));
 }
 
-// The parameters of a register access behind its address: n, and for a write n bytes; the rest is
-// 0.
+// A register access after its address: count n, for a write n bytes, then zeros.
 constexpr std::size_t maxRegisterBytes = 4;
 
 template <std::size_t addressBytes>
@@ -36,7 +35,7 @@ BridgeOutcome writeRegister(BridgeChip& chip, Bytes body, std::size_t /*maxAnswe
   return {.padding = value.size() - count};
 }
 
-// Slave, n, 1.
+// Slave address, count n, 1.
 BridgeOutcome readI2c(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes) {
   const std::size_t count = body[1];
   if (count < 1 || count > maxAnswerBytes || body[2] != 1) return {wrongLength};
@@ -45,7 +44,7 @@ BridgeOutcome readI2c(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes) 
   return outcome;
 }
 
-// Slave, n, speed bit, n bytes; the rest is 0.
+// Slave address, count n, speed bit, n bytes, then zeros.
 BridgeOutcome writeI2c(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerBytes*/) {
   const std::size_t count = body[1];
   const Bytes bytes = body.subspan(3);
@@ -55,7 +54,8 @@ BridgeOutcome writeI2c(BridgeChip& chip, Bytes body, std::size_t /*maxAnswerByte
   return {.padding = bytes.size() - count};
 }
 
-// 0, slave, speed bit, n, n sub-address bytes, d, and for a write d data bytes; the rest is 0.
+// 0, slave address, speed bit, count n, n sub-address bytes, count d, for a write d data bytes,
+// then zeros.
 struct I2cOneShot {
   bool wellFormed = false;
   std::size_t count = 0;
@@ -75,7 +75,7 @@ struct I2cOneShot {
   }
 };
 
-// A slave that does not answer shows as a count of 0.
+// A slave that does not acknowledge is reported as a count of 0.
 BridgeOutcome readI2cOneShot(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes) {
   const I2cOneShot request(body, false);
   if (!request.wellFormed) return {wrongLength};

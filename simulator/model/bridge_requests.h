@@ -1,5 +1,5 @@
-// What clients ask of the bridge's firmware: the same requests for both of its decoders, whose
-// numbers for them stand side by side.
+// The requests that the bridge's firmware understands. Both decoders share them; each request lists
+// its number for either.
 #pragma once
 
 #include <string_view>
@@ -8,27 +8,27 @@
 
 namespace qvx::simulator {
 
-// What a request comes to.
+// The outcome of a request.
 struct BridgeOutcome {
-  std::string_view complaint = {};        // what is wrong with it, if anything
-  std::vector<std::uint8_t> answer = {};  // as far as it is not filler
-  std::size_t padding = 0;                // bytes behind what it announced
+  std::string_view complaint = {};        // the violation, if any
+  std::vector<std::uint8_t> answer = {};  // without the filler
+  std::size_t padding = 0;                // bytes that follow the announced ones
 };
 
 struct BridgeRequest {
   BridgeFirmware since;
   bool reads;                              // the client fetches an answer
-  std::optional<std::uint8_t> selector;    // of the extension unit; nothing: not there
-  std::size_t shortest, longest;           // bytes of it
-  std::optional<std::uint8_t> reportCode;  // on the HID interface; nothing: not there
-  // Carries it out, for an answer of so many bytes at most. `body` is the request without codes.
+  std::optional<std::uint8_t> selector;    // of the extension unit; nothing: not available there
+  std::size_t shortest, longest;           // in bytes
+  std::optional<std::uint8_t> reportCode;  // on the HID interface; nothing: not available there
+  // Executes the request. `body` is the request without its codes.
   BridgeOutcome (*run)(BridgeChip& chip, Bytes body, std::size_t maxAnswerBytes);
 
-  // Those before one-shot requests came in two steps, each as long as it needs to be.
+  // Requests older than the one-shot ones: two steps of variable length.
   bool isOneShot() const { return since == BridgeFirmware::oneShot; }
 };
 
-// The first of them for which that holds; null for none.
+// The first request that satisfies the predicate; null for none.
 const BridgeRequest* findRequest(const std::function<bool(const BridgeRequest&)>& isMeant);
 
 }  // namespace qvx::simulator

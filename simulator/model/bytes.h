@@ -1,4 +1,4 @@
-// The bytes that cameras send and take, and how they are written for a person.
+// Bytes sent and received by cameras, and their hexadecimal form for people.
 #pragma once
 
 #include <algorithm>
@@ -9,20 +9,20 @@
 namespace qvx::simulator {
 
 using Bytes = std::span<const std::uint8_t>;
-using Room = std::span<std::uint8_t>;  // where an answer goes
+using Room = std::span<std::uint8_t>;  // receives an answer
 
 inline bool allZero(Bytes bytes) {
   return std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == 0; });
 }
 
-// The highest byte comes first.
+// Big-endian.
 inline std::uint32_t numberIn(Bytes bytes) {
   std::uint32_t number = 0;
   for (const std::uint8_t byte : bytes) number = number << 8 | byte;
   return number;
 }
 
-// "0x" and at least so many upper-case digits.
+// "0x" and at least that many upper-case digits.
 inline std::string hex(std::uint64_t value, int digits) {
   std::string text = "0x";
   for (int digit = 15; digit >= 0; --digit) {

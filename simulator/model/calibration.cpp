@@ -29,7 +29,8 @@ void storeLowByteFirst(Registers& registers, std::size_t first, std::uint32_t va
   }
 }
 
-// 14 bits, and above them the power of ten by which they are divided: the highest that fits.
+// A decimal floating-point number: 14 bits of mantissa, above them the power of ten to divide by,
+// as high as possible.
 std::uint32_t decimalFloat(double value) {
   constexpr std::uint32_t maxMantissa = 0x3FFF, maxExponent = 3;
   std::uint32_t exponent = 0;
@@ -59,7 +60,7 @@ void storeBytes(const Calibration& calibration, Registers& registers) {
   }
 }
 
-// The high byte weighs 255: both bytes stay below the value of an erased register.
+// The high byte counts 255 (not 256), so that neither byte reaches the value of an erased register.
 void storeHundredths(const Calibration& calibration, Registers& registers) {
   constexpr std::uint32_t highWeight = 255;
   for (std::size_t point = 0; point < 3; ++point) {
@@ -73,7 +74,7 @@ void storeHundredths(const Calibration& calibration, Registers& registers) {
   }
 }
 
-// The highest power comes first.
+// The highest power first.
 void storeFloats(const Calibration& calibration, Registers& registers) {
   for (std::size_t i = 0; i < 3; ++i) {
     const auto coefficient = static_cast<float>(calibration.coefficients[2 - i]);
@@ -84,8 +85,8 @@ void storeFloats(const Calibration& calibration, Registers& registers) {
 
 using enum CalibrationForm;
 
-// In the order of the forms. Stored points come out even, so that what a client computes from them
-// is the same curve. Rings reach from below x6 to x195 at least.
+// In the order of CalibrationForm. The stored points are free of rounding errors, so that a client
+// computes exactly this curve from them. Every ring covers x6 to x195 at least.
 constexpr Calibration calibrations[] = {
     {none, erased, erased, storeNothing, {}, {}},
     {line, 1, erased, storeFourPoints, {-4, 0.8}, {6.25, 106.25, 206.25, 255}},

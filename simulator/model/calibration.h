@@ -1,5 +1,5 @@
-// How a camera's zoom encoder relates to its magnification, and the forms in which controllers
-// store that relation.
+// How the position of the zoom encoder relates to the magnification, and the forms in which
+// controllers store that relation.
 #pragma once
 
 #include <array>
@@ -12,27 +12,27 @@ using Registers = std::array<std::uint8_t, 256>;
 
 enum class CalibrationForm {
   none,        // no zoom encoder
-  line,        // four points, of which two are used
-  parabola,    // four points, of which three are used
+  line,        // four points; two are used
+  parabola,    // four points; three are used
   cubic,       // four points
   bytes,       // three points in single bytes
   hundredths,  // three points, magnifications in two bytes and hundredths
-  floats2,     // three stored coefficients; the three kinds differ in the optics they belong to
+  floats2,     // three stored coefficients; the three kinds belong to different optics
   floats3,
   floats4,
 };
 
 struct Calibration {
   CalibrationForm form;
-  // As controllers say it: a client looks at the degree first, and at the kind when there is none.
+  // As controllers store it: a client reads the degree first, and the kind if there is no degree.
   std::uint8_t degree, kind;
   void (*storePoints)(const Calibration& calibration, Registers& registers);
   std::array<double, 4> coefficients;  // of the powers of the encoder position, constant first
-  std::array<double, 4> positions;     // of the stored points, ascending; the ring's stops are the
-                                       // first and the last
+  // Of the stored points, ascending; the first and the last are the ring's stops.
+  std::array<double, 4> positions;
 };
 
-// The one that cameras with this form are given at the factory.
+// The factory calibration of cameras with this form.
 const Calibration& calibrationFor(CalibrationForm form);
 
 // The encoder counts quarters of a unit.
@@ -40,8 +40,8 @@ constexpr int quartersPerUnit = 4;
 
 double magnificationAt(const Calibration& calibration, int quarters);
 
-// The position that shows a magnification best, within the ring's stops. Magnification rises with
-// the position over the whole ring.
+// The position nearest to a magnification, within the ring's stops. The magnification rises with
+// the position over the whole range.
 int quartersFor(const Calibration& calibration, double magnification);
 
 // Writes the calibration into the registers that its form uses.

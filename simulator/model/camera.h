@@ -1,5 +1,5 @@
-// One simulated camera. The fronts (Wi-Fi, USB 3, extension unit, HID) reach it through this and
-// move its time; it reads no clock.
+// One simulated camera. The transports (Wi-Fi, USB 3, extension unit, HID) access it through this
+// class and advance its time; it reads no clock itself.
 #pragma once
 
 #include <functional>
@@ -14,17 +14,17 @@
 
 namespace qvx::simulator {
 
-// A device's place on an I2C bus.
+// A device and its address on the I2C bus.
 struct BusPlace {
   std::uint8_t address;  // in its 8-bit write form
   std::uint8_t subAddressLength;
   I2cDevice* device;
 };
 
-// A tap on a camera's bus: hears in words what passes, and can lose the writes.
+// A tap on the camera's bus: receives a description of each access, and can drop writes.
 struct BusTap {
   std::function<void(std::string)> tell;
-  bool losesWrites = false;  // they are acknowledged all the same
+  bool losesWrites = false;  // writes are acknowledged but not executed
 };
 
 // "read  bridge 0x0085 -> 0x80"
@@ -45,22 +45,22 @@ class Camera {
 
   std::uint16_t productId() const { return productId_; }
 
-  // What answers at an address of the I2C bus, if anything.
+  // The device at an I2C address, if any.
   std::optional<BusPlace> placeAt(std::uint8_t address) const;
 
-  // Accesses under the tap; each returns whether the device acknowledged.
+  // Bus accesses, seen by the tap; each returns whether the device acknowledged.
   bool write(const BusPlace& place, Bytes subAddress, Bytes data) const;
   bool read(const BusPlace& place, Bytes subAddress, Room data) const;
 
-  // Moves the camera's clock, and the zoom ring with it. Times count from power-up and never go
-  // back.
+  // Advances the camera's clock, and the zoom ring with it. Time counts from power-up and never
+  // decreases.
   void advanceTo(std::uint64_t now_ms);
 
-  // Takes effect at once. A camera without a zoom encoder stays as it is.
+  // Takes effect at once. Ignored by a camera without a zoom encoder.
   void setZoom(const ZoomMotion& motion);
   bool hasZoomRing() const;
 
-  // What the zoom ring shows: what an ideal client reads from the encoder. 0 without a ring.
+  // The magnification that an ideal client computes from the encoder; 0 without a zoom ring.
   double magnification() const;
 
   Violations violations;

@@ -9,7 +9,7 @@ namespace {
 
 using Text = std::string_view;
 
-// In the order of what they name.
+// In the order of the enumerations that they name.
 constexpr Text transportNames[] = {"wifi", "usb", "hid", "usb3"};
 constexpr Text units[] = {"bridge", "variant1", "foreign", "none", "plain", "absent"};
 constexpr Text reportKinds[] = {"bridge", "extra", "without-block", "none"};
@@ -44,7 +44,7 @@ enum : unsigned { onWifi = 1, onUsb = 2, onHid = 4, onUsb3 = 8, onVideo = 14, ev
 
 constexpr struct {
   Text form, meaning;
-  unsigned transports;  // of cameras that have it
+  unsigned transports;  // that have the option
   bool (*take)(Text text, CameraDescription& camera);
 } options[] = {
     {"name=TEXT", "its name", everywhere, takeName},
@@ -83,7 +83,7 @@ constexpr struct {
      }},
 };
 
-// "3C7E:0970", or the product id alone.
+// "3C7E:0970" or just the product id.
 bool takeIds(Text text, CameraDescription& camera) {
   constexpr int hexadecimal = 16;
   const bool foreign = text.find(':') != Text::npos;

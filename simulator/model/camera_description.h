@@ -1,4 +1,4 @@
-// A camera as a person writes it: "usb:0970,zoom=1:20/10s,button=2s".
+// A camera as described on the command line: "usb:0970,zoom=1:20/10s,button=2s".
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace qvx::simulator {
 
-// How a camera is reached.
+// How the camera is connected.
 enum class Transport : std::uint8_t { wifi, usb, hid, usb3 };
 
 struct CameraDescription {
@@ -26,16 +26,16 @@ struct CameraDescription {
   std::optional<ZoomMotion> zoom = {};
   std::uint32_t buttonPeriod_ms = 0;
   Fault fault = {};
-  std::uint16_t port = 8080;  // of a Wi-Fi camera; 0 takes any free one
+  std::uint16_t port = 8080;  // of a Wi-Fi camera; 0: any free port
 };
 
-// Nothing, and what is wrong, when the text is no camera.
+// Returns nothing and sets `problem` if the text does not describe a camera.
 std::optional<CameraDescription> cameraDescriptionFrom(std::string_view text, std::string& problem);
 
-// "wifi-0998": begins the camera's id.
+// The start of the camera's id: "wifi-0998".
 std::string shortNameOf(const CameraDescription& camera);
 
-// What the text may hold, for a program's help.
+// The syntax of descriptions, for a program's help text.
 std::string cameraDescriptionHelp();
 
 }  // namespace qvx::simulator

@@ -1,4 +1,4 @@
-// A whole camera, with every decoder that a transport may need: what each front of it drives.
+// A complete camera with the decoders of all transports.
 #pragma once
 
 #include "simulator/model/camera_description.h"
@@ -21,9 +21,9 @@ class CameraDevice {
     if (description.zoom) camera.setZoom(*description.zoom);
   }
 
-  // Moves the clock of camera and button. Times count from power-up and never go back.
+  // Advances the clock of camera and button. Time counts from power-up and never decreases.
   void advanceTo(std::uint64_t now_ms) {
-    // Long enough that a client polling four times a second cannot miss it.
+    // A client that polls four times a second cannot miss it.
     constexpr std::uint32_t longestPress_ms = 600;
     camera.advanceTo(now_ms);
     if (buttonPeriod_ms_ == 0) return;
@@ -47,7 +47,7 @@ class CameraDevice {
   WifiServer wifi;
 
  private:
-  std::uint32_t buttonPeriod_ms_;  // presses it by itself, once per period; 0 for never
+  std::uint32_t buttonPeriod_ms_;  // the button is pressed automatically once per period; 0: never
   std::uint64_t presses_ = 0;
 };
 

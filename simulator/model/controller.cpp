@@ -6,8 +6,8 @@ namespace {
 
 namespace reg = controller_register;
 
-// Which registers there are. Those for a part that a camera lacks are there and erased, except what
-// drives the part; only that can be written.
+// The registers that exist. Registers describing a part that the camera lacks exist but are erased;
+// registers driving such a part do not exist. Only the driving registers are writable.
 constexpr struct Block {
   std::uint8_t first, last;
   const char* meaning;
@@ -64,7 +64,7 @@ constexpr struct {
     {reg::lensDriverKind, 2, "lens driver: voice coil"},
 };
 
-// The lens as the controller describes it. The voice coil rests at the middle of a byte.
+// The lens as the controller describes it. A voice coil rests at the middle of a byte's range.
 constexpr struct {
   Lens lens;
   std::uint8_t zeroRegister, zero, driverKind, wideRange, fineOffsetForward;

@@ -24,7 +24,7 @@ enum : std::uint8_t {
   quadrant1Level = 0x12,
   quadrant4Level = 0x15,
   threePoints = 0x40,   // calibration, 12 registers; the layout depends on the kind
-  lensZeroAt40 = 0x40,  // on cameras whose lens came before their encoder
+  lensZeroAt40 = 0x40,  // on cameras with a focus lens but no encoder
   threePointsEnd = 0x4B,
   lensZeroAt50 = 0x50,
   fineOffsetBackward = 0x5E,
@@ -46,29 +46,30 @@ enum : std::uint8_t {
 };
 }  // namespace controller_register
 
-// What a register is, and where its value has a name, what it says: "calibration: line through two
-// points". Empty for a register that does not exist.
+// Describes a register, and its value if that has a name: "calibration: line through two points".
+// Empty for a register that does not exist.
 std::string meaningOf(std::uint8_t reg, std::uint8_t value);
 
 class Controller final : public I2cDevice {
  public:
-  // At power-up. For an unknown product id it is of the oldest kind, with nothing programmed.
+  // The state at power-up. An unknown product id gets a controller of the oldest kind with nothing
+  // programmed.
   Controller(std::uint16_t productId, Violations& violations);
 
   // One register address and one byte.
   bool write(Bytes subAddress, Bytes data) override;
 
-  // One register address; several bytes come from registers in a row.
+  // One register address; several bytes are read from consecutive registers.
   bool read(Bytes subAddress, Room data) override;
 
-  // The registers as the camera itself and its tests see them, without the bus's rules.
+  // Direct access to the registers, for the camera itself and tests, without the rules of the bus.
   std::uint8_t at(std::uint8_t reg) const { return values_[reg]; }
   void set(std::uint8_t reg, std::uint8_t value) { values_[reg] = value; }
 
-  // Where it says that the lens has its zero, whatever the register.
+  // The lens's zero position, from whichever register holds it.
   std::uint8_t lensZero() const { return lensZero_; }
 
-  // What its registers have made of the lights.
+  // The lights as the registers have set them.
   const Illumination& lights() const { return lights_; }
 
  private:
@@ -82,7 +83,7 @@ class Controller final : public I2cDevice {
   std::uint8_t lensZero_ = erased;
   Illumination lights_;
   Violations& violations_;
-  // The fraction that belongs to the position read last: the ring may move between the two reads.
+  // Latched with the position that was read last: the ring may move between the two reads.
   std::optional<std::uint8_t> heldFraction_;
 };
 

@@ -1,4 +1,4 @@
-// The serial EEPROM on the bridge chip's first I2C bus: two address bytes, the high one first.
+// The serial EEPROM on the bridge chip's first I2C bus, with two-byte big-endian addresses.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ class Eeprom final : public I2cDevice {
   }
 
  private:
-  // Empty beyond the end.
+  // Empty if it would go beyond the end.
   Room placeOf(Bytes subAddress, std::size_t count) {
     const std::size_t start = numberIn(subAddress);
     return start + count <= bytes_.size() ? Room(bytes_).subspan(start, count) : Room();

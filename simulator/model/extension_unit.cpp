@@ -6,13 +6,13 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr std::uint32_t accessModeSelector = 1;  // of the register set
-constexpr std::uint32_t commandSelector = 2;     // of the command set
+constexpr std::uint32_t accessModeSelector = 1;  // in the register set
+constexpr std::uint32_t commandSelector = 2;     // in the command set
 
 enum CommandCode : std::uint8_t {
   readParameters = 0x1D,
   writeParameters = 0x1E,
-  bodyFunctions = 0xF0,  // segment lighting and the button: read and write look alike
+  bodyFunctions = 0xF0,  // segment lighting and the button: their reads and writes look alike
 };
 
 constexpr std::size_t oneShotSize = 32, commandSize = 256, maxLegacyBytes = 255;
@@ -64,13 +64,13 @@ bool ExtensionUnit::setAccessMode(Bytes data) {
   if (data.size() != 1) return violate("wrong length of");
   const bool toNormal = data[0] == normalAccessMode;
   if (atRest() && toNormal) return violate("access mode restored but never set:");
-  // Taken all the same: after a transfer that was lost, the next one's mode counts.
+  // Accepted nevertheless: after a lost transfer the mode of the next one counts.
   if (!atRest() && !toNormal) violate("access mode not restored before");
   accessMode_ = data[0];
   return true;
 }
 
-// Legacy requests come in an access mode that announces their length.
+// Before a legacy request the client selects an access mode that announces its length.
 bool ExtensionUnit::run(const BridgeRequest& request, Bytes data) {
   const bool oneShot = request.isOneShot();
   if (oneShot && !atRest()) return violate("access mode not restored before");
@@ -85,8 +85,8 @@ bool ExtensionUnit::run(const BridgeRequest& request, Bytes data) {
   return true;
 }
 
-// The camera cannot tell the first half of a read from a write: it does what the flags say and has
-// the answer ready.
+// The first half of a read looks like a write: the camera does what the flags say and keeps the
+// answer ready.
 bool ExtensionUnit::runCommand(Bytes data) {
   if (place_.selector != commandSelector) return violate("unknown");
   if (data.size() != commandSize) return violate("wrong length of");

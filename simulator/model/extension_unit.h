@@ -22,15 +22,15 @@ class ExtensionUnit {
     reply_.clear();
   }
 
-  // Whether the last legacy transfer was followed by going back to the normal access mode.
+  // Whether the client returned to the normal access mode after its last legacy transfer.
   bool atRest() const { return accessMode_ == normalAccessMode; }
 
  private:
   static constexpr std::uint8_t normalAccessMode = 1;
 
-  // A property request as it came.
+  // A property request as received.
   struct Place {
-    bool command;  // of the command set
+    bool command;  // in the command set, not the register set
     std::uint32_t selector;
 
     bool operator==(const Place&) const = default;
@@ -44,9 +44,9 @@ class ExtensionUnit {
   BridgeChip& chip_;
   Unit unit_;
   std::uint8_t accessMode_ = normalAccessMode;
-  Place place_{};  // of the request at work
+  Place place_{};  // of the current request
 
-  // The answer that waits to be fetched, and where.
+  // The answer to be fetched, and its place.
   std::vector<std::uint8_t> reply_;
   Place replyPlace_{};
 };

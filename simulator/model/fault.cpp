@@ -6,7 +6,7 @@ namespace qvx::simulator {
 
 namespace {
 
-// As they are written, the first part being the word, and what they do.
+// How faults are written (the part before ":" is the keyword), and what they do.
 constexpr struct {
   Fault::Kind kind;
   std::string_view form, effect;
@@ -26,7 +26,7 @@ std::string_view wordOf(std::string_view form) {
   return takePart(form, ':');
 }
 
-// "3" or "3+2": the first operation, and how many.
+// "3" or "3+2": the first operation affected, and the number of them.
 bool takeRange(std::string_view text, Fault& fault) {
   constexpr std::uint32_t maxNumber = 1'000'000'000;
   const bool counted = text.find('+') != std::string_view::npos;

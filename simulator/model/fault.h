@@ -1,4 +1,4 @@
-// What goes wrong with a camera: one vocabulary for every way to reach it.
+// Injected faults: one vocabulary for all transports.
 #pragma once
 
 #include <cstdint>
@@ -10,24 +10,24 @@
 
 namespace qvx::simulator {
 
-// What is done to a machine and its cameras, as faults count it.
+// The kinds of operation that faults count.
 enum class Operation {
-  access,      // of a device
-  systemCall,  // that the system may refuse
+  access,      // to a device
+  systemCall,  // one that the system may refuse
 };
 
-// Counted in operations from the moment the fault is set: number 1 is the next.
+// Operations are counted from the moment the fault is set; the next one is number 1.
 struct Fault {
   enum Kind : std::uint8_t {
     none,
     fails,    // refused
-    stalls,   // done, but answered late
+    stalls,   // executed, but answered late
     unplugs,  // the camera is gone
     empties,  // the reply is empty
-    halves,   // half of the reply comes
-    junks,    // the reply is bytes of all kinds, NULs included
-    fills,    // the reply is filler, without any of the marks that clients look for
-    loses,    // a write is acknowledged, and not done
+    halves,   // half of the reply arrives
+    junks,    // the reply consists of arbitrary bytes, NULs included
+    fills,    // the reply is filler without any marker that clients search for
+    loses,    // a write is acknowledged, but not executed
   };
   static constexpr std::uint64_t forever = std::numeric_limits<std::uint64_t>::max();
 
@@ -35,19 +35,19 @@ struct Fault {
   std::uint64_t first = 1;
   std::uint64_t count = forever;
   std::uint64_t stall_ms = 0;
-  std::optional<Operation> only = Operation::access;  // nothing: operations of either kind
-  unsigned percent = 100;                             // of these suffer, as seeded dice have it
+  std::optional<Operation> only = Operation::access;  // nothing: operations of any kind
+  unsigned percent = 100;  // of these operations fail, at random from a fixed seed
 
   bool operator==(const Fault&) const = default;
 };
 
-// "none", "half", "stall:600ms"; with ":3" from the third access on, with ":3+2" the third and the
-// fourth. Nothing for anything else.
+// Parses "none", "half", "stall:600ms"; with ":3" from the third access on, with ":3+2" the third
+// and fourth. Returns nothing for any other text.
 std::optional<Fault> faultFrom(std::string_view text);
 std::string textOf(const Fault& fault);
 std::string faultHelp();
 
-// A fault on its way through the operations.
+// Decides for one operation after another whether the fault strikes.
 class FaultCounter {
  public:
   void set(const Fault& fault) {
@@ -56,10 +56,10 @@ class FaultCounter {
   }
   const Fault& fault() const { return fault_; }
 
-  // What the next operation suffers.
+  // The fault that strikes the next operation.
   Fault next(Operation operation = Operation::access);
 
-  // Whether one of the next so many operations may stall.
+  // Whether one of the next `operations` operations may stall.
   bool stallsWithin(std::uint64_t operations) const;
 
  private:

@@ -14,9 +14,9 @@ enum : std::uint8_t {
 
 enum : std::uint8_t {
   lightPins = 0x07,
-  buttonTouched = 0x08,  // 7xxx: until it is released and acknowledged
-  buttonLatched = 0x10,  // 7xxx: from the touch until the client clears it
-  buttonPin = 0x80,      // all others: while it is touched
+  buttonTouched = 0x08,  // 7xxx: set until the button is released and acknowledged
+  buttonLatched = 0x10,  // 7xxx: set by a touch until the client clears it
+  buttonPin = 0x80,      // all others: set while touched
 };
 
 class Gpio {
@@ -24,7 +24,7 @@ class Gpio {
   Gpio(std::uint16_t productId, Violations& violations)
       : violations_(violations), latching_(productId >= 0x960 && productId <= 0x99F) {}
 
-  // Nothing for a port that does not exist.
+  // Returns nothing for a port that does not exist.
   std::optional<std::uint8_t> read(std::uint8_t port) {
     if (port == lightPort) return lights_;
     if (port == buttonPort) return buttonLevels();
@@ -32,7 +32,7 @@ class Gpio {
     return std::nullopt;
   }
 
-  // Sets the pins in the mask; false when a pin is no output or a level lies outside the mask.
+  // Sets the pins in the mask; false if a pin is not an output or a level lies outside the mask.
   bool write(std::uint8_t port, std::uint8_t mask, std::uint8_t levels) {
     std::uint8_t outputs = 0;
     if (port == lightPort) outputs = lightPins;

@@ -10,7 +10,7 @@ struct FeatureReport {
   std::uint8_t id, bytes;
 };
 
-// A vendor-defined collection of byte-wide feature reports; without any, of an input.
+// A vendor-defined collection of byte-wide feature reports; if there are none, of an input report.
 std::vector<std::uint8_t> descriptorOf(std::initializer_list<FeatureReport> reports) {
   std::vector<std::uint8_t> bytes = {
       0x06, 0x00, 0xFF,                          // usage page: vendor-defined
@@ -72,15 +72,15 @@ bool HidFunction::violate(std::string_view what) {
   return false;
 }
 
-// A read is done at once; what a write is about comes in a data block, a one-shot one all over
-// again.
+// A read is executed at once; the data of a write follow in a data block, which for a one-shot
+// request repeats the request.
 bool HidFunction::begin(Bytes payload) {
   const BridgeRequest* const request = findRequest([&](const BridgeRequest& known) {
     return known.reportCode == payload[0] && known.isOneShot() == (report_ == oneShot);
   });
   if (request == nullptr) return violate("unknown request in");
   if (request->since > chip_.firmware()) return false;
-  // The firmware forgets what it was asked before.
+  // The firmware drops the previous request.
   if (open_ != nullptr) violate("exchange not finished before");
   open_ = nullptr;
   const Bytes body = payload.subspan(1);

@@ -1,4 +1,4 @@
-// What stands on a camera's I2C bus. The models know nothing of the transport that reaches them.
+// A device on a camera's I2C bus, independent of the transport.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@
 
 namespace qvx::simulator {
 
-// What a client did that a real camera's maker would call a mistake, a line each: registers that do
-// not exist, wrong lengths, pins that are inputs. The camera goes on; a test fails at its end.
+// Mistakes of a client, one line each: registers that do not exist, wrong lengths, writes to input
+// pins. The camera continues; a test fails at its end.
 using Violations = std::vector<std::string>;
 
-// Notes one; false, as the device then answers.
+// Records a violation and returns false, the device's answer.
 inline bool violate(Violations& violations, std::string what) {
   violations.push_back(std::move(what));
   return false;
@@ -20,7 +20,7 @@ inline bool violate(Violations& violations, std::string what) {
 
 class I2cDevice {
  public:
-  // Each returns whether the device acknowledged the sub-address and every byte.
+  // Both return whether the device acknowledged the sub-address and every byte.
   virtual bool write(Bytes subAddress, Bytes data) = 0;
   virtual bool read(Bytes subAddress, Room data) = 0;
 

@@ -66,7 +66,7 @@ std::array<double, 4> Illumination::quadrants() const {
 }
 
 double Illumination::ofPins(std::uint8_t levels) const {
-  // Other levels than these choose modes.
+  // All other levels select modes.
   enum Pins : std::uint8_t { firstLight = 1, secondOfRing = 2, secondLight = 4 };
   if (levels == firstLight) return ringShare;
   return levels == secondLight || (levels == secondOfRing && hasController) ? axialShare : 0;

@@ -1,5 +1,5 @@
-// What the lighting controller makes of the registers that drive the lights: a ring of four
-// segments, a light along the axis and one to aim with.
+// The lights as the registers of the lighting controller set them: a ring of four segments, an
+// axial light and an aiming light.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace qvx::simulator {
 
-// Lights are dimmed in 31 steps, or in 6.
+// Brightness has 31 steps, or 6.
 constexpr std::uint8_t finestLight = 31, coarsestLight = 6;
 
 enum LightSwitch : std::uint8_t {
@@ -19,37 +19,37 @@ enum LightSwitch : std::uint8_t {
   aimOff = 48,
 };
 
-// In the level register, where the aiming light counts backwards.
+// Values of the level register; those of the aiming light count backwards.
 constexpr std::uint8_t brightestAim = 70;
 
 class Illumination {
  public:
   explicit Illumination(std::uint16_t productId);
 
-  // A write to the controller. Registers that drive no light, and values without a meaning, change
-  // nothing.
+  // A write to the controller. Registers that drive no light and values without a meaning are
+  // ignored.
   void take(std::uint8_t reg, std::uint8_t value);
 
   const bool hasController;
-  const bool hasQuadrants;    // that can be dimmed one by one
-  const bool hasAxialSwitch;  // and levels of its own for that light
+  const bool hasQuadrants;    // that can be dimmed individually
+  const bool hasAxialSwitch;  // and separate levels for the axial light
 
-  // In the level register: the ring begins with 0.
+  // The darkest value for the axial light in the level register; the ring's values start at 0.
   std::uint8_t fullRing() const { return hasQuadrants ? finestLight : coarsestLight; }
   std::uint8_t darkestAxial() const { return hasAxialSwitch ? 32 : 7; }
 
-  double ringLevel = 0;       // of the segments that are lit, from 0 to 1
-  std::uint8_t segments = 0;  // a bit for each that is lit
+  double ringLevel = 0;       // of the lit segments, from 0 to 1
+  std::uint8_t segments = 0;  // one bit for each lit segment
 
-  // From 0 (dark) to 1. The first quadrant is the upper right one, the others follow clockwise.
+  // From 0 (dark) to 1. The first quadrant is at the upper right, the others follow clockwise.
   std::array<double, 4> quadrants() const;
   double axial() const { return axialOn_ ? axialLevel_ : 0; }
   double aim() const { return aimOn_ ? aimLevel_ : 0; }
 
-  // What each gives to the object when it is full.
+  // The light of each on the object at full brightness.
   static constexpr double ringShare = 0.9, axialShare = 0.6, aimShare = 0.1;
 
-  // What the light pins give when they stand at these levels.
+  // The light that the light pins switch on at these levels.
   double ofPins(std::uint8_t levels) const;
 
  private:

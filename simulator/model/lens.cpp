@@ -4,7 +4,7 @@ namespace qvx::simulator {
 
 namespace {
 
-// The lens controller knows its one position under these registers, and without any.
+// The lens controller takes its one position at these registers, and without a register.
 bool isPosition(Bytes reg) {
   return reg.empty() || (reg.size() == 1 && (reg[0] == 0x00 || reg[0] == 0x40 || reg[0] == 0x50));
 }
@@ -33,7 +33,7 @@ bool FocusLens::takePosition(Bytes reg, Bytes data) {
   return true;
 }
 
-// The value's ten bits stand above a nibble that is always 1; the two bits above them are ignored.
+// Ten bits of value above a nibble that is always 1; the two topmost bits are ignored.
 bool FocusLens::takeCoilWord(Bytes first, Bytes second) {
   constexpr unsigned mark = 1, valueBits = 0x3FF;
   constexpr std::uint8_t backward = 2;

@@ -1,5 +1,5 @@
-// The focus lens and what drives it: a lens controller that takes an 8-bit position, and on some
-// cameras a voice coil that takes a 10-bit value, its direction being in the microcontroller.
+// The focus lens and its drivers: a lens controller that takes an 8-bit position, and on some
+// cameras a voice-coil driver that takes a 10-bit value, whose direction the microcontroller sets.
 #pragma once
 
 #include "simulator/model/controller.h"
@@ -16,17 +16,17 @@ class FocusLens {
   FocusLens(const FocusLens&) = delete;
   FocusLens& operator=(const FocusLens&) = delete;
 
-  // The driver at an address of the I2C bus, null for one that the camera does not have.
+  // The driver at an I2C address; null if the camera has none there.
   I2cDevice* driverAt(std::uint8_t address);
 
   const Lens kind;
-  const double zero;  // as the lens controller counts
+  const double zero;  // in units of the lens controller
 
-  // How far the lens stands from its zero position, in units of the lens controller.
+  // Distance of the lens from its zero position, in units of the lens controller.
   double offset = 0;
 
  private:
-  // A driver takes bytes and gives none.
+  // Drivers are write-only.
   class Driver final : public I2cDevice {
    public:
     using Take = bool (FocusLens::*)(Bytes, Bytes);

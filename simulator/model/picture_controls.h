@@ -1,4 +1,4 @@
-// Brightness, contrast and the like of a camera, as its firmware describes and keeps them.
+// Brightness, contrast and other picture controls, as the firmware describes and stores them.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +16,7 @@ struct PictureControl {
 struct PictureRow {
   PictureControl control;
   const char* name;
-  std::int32_t wifiId = 0;  // the number that Linux gives to it
+  std::int32_t wifiId = 0;  // the control's number in Linux (V4L2)
 };
 
 inline constexpr PictureRow pictureRows[] = {
@@ -26,16 +26,16 @@ inline constexpr PictureRow pictureRows[] = {
     {{2, -40, 40, 1, 0, false}, "Hue", 0x980903},
     {{5, 72, 500, 1, 100, false}, "Gamma", 0x980910},
     {{4, 0, 7, 1, 2, false}, "Sharpness", 0x98091B},
-    {{7, 2800, 6500, 10, 4600, true}, "White balance"},  // there is no 6, colour enable
+    {{7, 2800, 6500, 10, 4600, true}, "White balance"},  // 6, colour enable, is missing
     {{8, 0, 2, 1, 1, false}, "Backlight"},
     {{9, 0, 100, 1, 0, false}, "Gain"},
     {{13, 0, 2, 1, 1, false}, "Mains"},  // off, 50 Hz, 60 Hz
 };
 
-// Those that can be reached over Wi-Fi, too, in the order in which its document has them.
+// The controls that are also available over Wi-Fi, in the order of its document.
 inline constexpr auto wifiPictureRows = std::span(pictureRows).first(6);
 
-// Null for a control that the camera does not have.
+// Null for a control that the camera lacks.
 inline constexpr const PictureControl* pictureControl(std::int32_t property) {
   for (const PictureRow& row : pictureRows) {
     if (row.control.property == property) return &row.control;
@@ -43,7 +43,7 @@ inline constexpr const PictureControl* pictureControl(std::int32_t property) {
   return nullptr;
 }
 
-// What they stand at.
+// The current values.
 class PictureControls {
  public:
   struct Value {
@@ -59,7 +59,7 @@ class PictureControls {
 
   Value get(const PictureControl& control) const { return values_.at(control.property); }
 
-  // False for what the camera cannot be set to.
+  // Returns false for a value that the camera does not accept.
   bool set(const PictureControl& control, const Value& value) {
     const bool inRange = value.value >= control.min && value.value <= control.max &&
                          (value.value - control.min) % control.step == 0;

@@ -1,4 +1,4 @@
-// What is built into the camera of a product id: one table for everything that differs.
+// The hardware behind each product id: one table for everything that differs between models.
 #pragma once
 
 #include <cstddef>
@@ -8,39 +8,39 @@
 
 namespace qvx::simulator {
 
-// The value of a controller's register that was never programmed.
+// The value of a controller register that was never programmed.
 constexpr std::uint8_t erased = 0xFF;
 
-// The feature register.
+// Bits of the feature register.
 namespace feature {
 enum : std::uint8_t {
   lens = 0x80,
   magnification = 0x40,
   aimingLight = 0x10,
   secondRing = 0x08,
-  variant2 = 0x06,  // which lights: both variant bits, or
-  variant3 = 0x02,  // the lower one alone
+  variant2 = 0x06,  // two bits select the lighting variant: both set, or
+  variant3 = 0x02,  // only the lower one
   lightingController = 0x01,
 };
 }  // namespace feature
 
 enum class Lens : std::uint8_t {
   none,
-  zeroAt40,      // position register; zero position in controller register 0x40
+  zeroAt40,      // position register; its zero position is in controller register 0x40
   zeroAt40Wide,  // the same with a wider range
-  zeroAt50,      // position register; zero position in controller register 0x50
-  voiceCoil,     // direction switch and 10-bit value; zero position in controller register 0x50
+  zeroAt50,      // position register; its zero position is in controller register 0x50
+  voiceCoil,  // direction switch and 10-bit value; its zero position is in controller register 0x50
 };
 
-// How the lights hang on the controller, as its registers say it.
+// How the lights are wired to the controller, as its registers report it.
 struct Lights {
-  std::uint8_t kind;   // 4 = ring with dimmable quadrants
-  std::uint8_t board;  // 5 = segments that a command switches on
+  std::uint8_t kind;   // 4: ring with dimmable quadrants
+  std::uint8_t board;  // 5: segments switched by a custom command
 };
 
 struct Product {
   std::uint16_t first, last;  // product ids
-  std::uint8_t features;      // erased: a controller from before there were features
+  std::uint8_t features;      // erased: a controller older than the feature register
   CalibrationForm magnification;
   Lens lens;
   Lights lights;
@@ -53,7 +53,8 @@ struct Product {
 
 const Product& productFor(std::uint16_t productId);
 
-// The row of a table, by product ids or the like, that holds one; null for none.
+// The row of a table of ranges (of product ids, for example) that contains the value; null for
+// none.
 template <class Row, std::size_t count>
 constexpr const Row* rowFor(unsigned number, const Row (&table)[count]) {
   for (const Row& row : table) {

@@ -1,4 +1,4 @@
-// What the video interface of a camera offers besides video.
+// The extension unit and property sets of a camera's video interface.
 #pragma once
 
 #include <array>
@@ -9,11 +9,11 @@ namespace qvx::simulator {
 
 enum class Unit : std::uint8_t {
   bridge,    // the bridge's extension unit
-  variant1,  // that of the other bridge variant
-  foreign,   // one that is not a bridge's
-  none,      // none
+  variant1,  // the extension unit of the other bridge variant
+  foreign,   // an extension unit that does not belong to a bridge
+  none,      // no extension unit
   plain,     // no topology at all
-  absent,    // there is no video interface
+  absent,    // no video interface
 };
 
 // A property set's GUID, in the usual four fields.
@@ -25,16 +25,16 @@ struct PropertySetId {
   bool operator==(const PropertySetId&) const = default;
 };
 
-// A property as a log calls it, by the first field of its set: "5A215226/26".
+// A property's name in the log: the first field of its set and its number, "5A215226/26".
 std::string inWords(const PropertySetId& set, std::uint32_t selector);
 
-// The head of a control transfer.
+// The setup packet of a control transfer.
 struct UsbSetup {
   std::uint8_t requestType, request;
   std::uint16_t value, index, length;
 };
 
-// The sets of the bridges. A bridge of variant 1 knows only its own.
+// The property sets of the bridges. A bridge of variant 1 has only its own.
 inline constexpr PropertySetId bridgeRegisterSet = {
     0x5A215226, 0x3289, 0x4156, {0x89, 0x4A, 0x5C, 0x55, 0x7C, 0xDF, 0x96, 0x64}};
 inline constexpr PropertySetId bridgeCommandSet = {

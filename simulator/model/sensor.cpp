@@ -16,13 +16,13 @@ constexpr struct {
 };
 
 const SensorKind* kindAt(std::uint8_t slave) {
-  // Every sensor wakes up with automatic exposure on, in mid-range.
+  // Every sensor powers up with automatic exposure on and values in mid-range.
   static const SensorKind kinds[] = {
       {{{0x3500, 0x3501, 0x3502}, 16, {}, 0, 500, 2000, 0x3503, 0x00, 0x07, 0x3A1E, 0x38},
        0x78,
        2,
        {{0x3500, {0x00, 0x1F, 0x40}},  // exposure in 1/16 lines: 500 lines
-        {0x3503, {0x00}},              // bits 0 to 2: what is set by hand
+        {0x3503, {0x00}},              // bits 0 to 2: manual settings
         {0x350C, {0x03, 0xD8}},        // longest exposure in lines: 984
         {0x3A0F, {0x46, 0x3A}},        // automatic exposure around brightness 0x38
         {0x3A1B, {0x58}},
@@ -35,11 +35,11 @@ const SensorKind* kindAt(std::uint8_t slave) {
         {0x0120, {0x00}},        // bit 0: mains of 60 Hz
         {0x0380, {0x55}},        // bit 0: automatic exposure
         {0x038E, {0x40}},        // brightness target
-        {0x085C, {0x00}}}},      // 1 takes the target over
+        {0x085C, {0x00}}}},      // 1 applies the target
       {{{0x08, 0x10}, 1, {0x2E, 0x2D}, 0, 312, 1250, 0x13, 0xBD, 0xB8, 0x25, 0x48},
        0x42,
        1,
-       {{0x08, {0x01}},  // exposure in lines: 256 + 37, and 16 + 3 of the second kind
+       {{0x08, {0x01}},  // exposure in lines: 256 + 37, plus 16 + 3 additional ones
         {0x10, {0x25}},
         {0x2D, {0x13, 0x00}},
         {0x0E, {0xD5}},
@@ -49,7 +49,7 @@ const SensorKind* kindAt(std::uint8_t slave) {
       {{{0x0202, 0x0203}, -1, {0x0340, 0x0341}, frameLines, 500, frameLines - 1, 0, 0, 0, 0, 0x40},
        0x34,
        2,
-       {{0x0202, {0x02, 0x71}},  // lines of the frame that are not exposed: 625 of 1125
+       {{0x0202, {0x02, 0x71}},  // lines that are not exposed: 625 of 1125
         {0x0340, {0x04, 0x65}}}},
   };
   return std::ranges::find(kinds, slave, &SensorKind::slave);

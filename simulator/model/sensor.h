@@ -10,21 +10,22 @@ namespace qvx::simulator {
 class Camera;
 class Sensor;
 
-// How a kind of sensor is exposed, in its registers.
+// The exposure registers of a kind of sensor.
 struct SensorExposure {
-  using Addresses = std::vector<std::uint16_t>;  // of several bytes, the highest first
+  using Addresses = std::vector<std::uint16_t>;  // of a value of several bytes, the highest first
 
   Addresses counted;
-  int partsPerLine;  // that are counted; -1: counts the lines of the frame that are not exposed
-  Addresses added;   // to that: more lines, or those of the frame
+  int partsPerLine;  // units per line in the register; -1: the register counts the lines that are
+                     // not exposed
+  Addresses added;   // further lines to add, or the lines of the frame
   std::uint32_t usuallyAdded;
-  double defaultLines;  // the right exposure in usual light
-  double maxLines;      // that a person would want
-  // Bit 0 tells whether exposure is automatic; register 0: the camera's firmware does it.
+  double defaultLines;  // the right exposure in normal light
+  double maxLines;      // the largest useful value
+  // Bit 0 of this register selects automatic exposure; 0: the camera's firmware exposes.
   std::uint16_t automaticRegister;
   std::uint8_t automatic, manual;
   std::uint16_t targetRegister;
-  double defaultTarget;  // of automatic exposure: gives the right exposure
+  double defaultTarget;  // brightness target that gives the right exposure
 
   double lines(const Sensor& sensor) const;
   void setLines(Sensor& sensor, std::uint32_t lines) const;
@@ -36,11 +37,11 @@ struct SensorExposure {
 struct SensorKind : SensorExposure {
   std::uint8_t slave;  // in its 8-bit write form
   std::uint8_t addressBytes;
-  // At power-up: the values of registers in a row, by the address of the first.
+  // Power-up values of consecutive registers, by the address of the first.
   std::map<std::uint16_t, std::vector<std::uint8_t>> registers;
 };
 
-// Null for a product id whose sensor is not known.
+// Null for a product id without a known sensor.
 const SensorKind* sensorFor(std::uint16_t productId);
 
 class Sensor final : public I2cDevice {
@@ -49,12 +50,12 @@ class Sensor final : public I2cDevice {
 
   bool answersAt(std::uint8_t slave) const { return kind_ != nullptr && kind_->slave == slave; }
 
-  // One register address, the high byte first, and one byte.
+  // One register address (big-endian) and one byte.
   bool write(Bytes subAddress, Bytes data) override;
   bool read(Bytes subAddress, Room data) override;
 
-  // The registers as the camera itself and its tests see them. A register that the sensor does not
-  // have reads 0 and takes no value.
+  // Direct access to the registers, for the camera itself and tests. A register that does not exist
+  // reads as 0 and ignores writes.
   std::uint8_t at(std::uint16_t address) const;
   void set(std::uint16_t address, std::uint8_t value);
 

@@ -1,5 +1,5 @@
-// A list of USB 3 devices as libusbK's clients walk it: the cursor begins before the first record,
-// and past the last one it starts over.
+// A device list with libusbK's cursor: it starts before the first record, and starts over after the
+// last one.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@ class Usb3DeviceList {
 
   std::size_t size() const { return records_.size(); }
 
-  // Null past the last one.
+  // Null after the last one.
   Record* next() {
     const bool pastEnd = cursor_ == records_.size();
     Record* const record = pastEnd ? nullptr : &records_[cursor_];
@@ -22,7 +22,7 @@ class Usb3DeviceList {
     return record;
   }
 
-  // The first for which that holds; null for none. The cursor stays.
+  // The first record that satisfies the predicate; null for none. Does not move the cursor.
   template <class Condition>
   Record* find(Condition condition) {
     for (Record& record : records_) {

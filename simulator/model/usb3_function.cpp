@@ -47,7 +47,7 @@ std::optional<std::size_t> Usb3Function::transfer(const UsbSetup& setup, Room bu
 
 bool Usb3Function::set(std::uint16_t selector, Bytes data) {
   if (data.empty()) return false;
-  const std::uint8_t first = data[0];  // the address on the bus, mostly
+  const std::uint8_t first = data[0];  // usually the I2C address
   const std::size_t size = data.size();
   const bool setsDirection =
       first == controllerAddress && size > 1 && data[1] == controller_register::lensDirection;
@@ -63,7 +63,7 @@ bool Usb3Function::set(std::uint16_t selector, Bytes data) {
       return size == 3 && camera_.sensor.answersAt(first) && ask(selector, data);
     case writeOnBusControl:
       return (size == 3 || size == 4) && writeOnBus(data);
-    case lensDriverControl:  // for what moves a voice coil
+    case lensDriverControl:  // of voice-coil drivers
       return size == 3 && (first == voiceCoilAddress || setsDirection) && writeOnBus(data);
     case lensPositionControl:
       return size == 2 && first == lensControllerAddress && writeOnBus(data);
@@ -88,7 +88,7 @@ bool Usb3Function::get(std::uint16_t selector, Room data) {
   return place && camera_.read(*place, Bytes(asked).subspan(1), data);
 }
 
-// {address, register, value}, the register in no to two bytes.
+// {I2C address, register, value}; the register takes 0 to 2 bytes.
 bool Usb3Function::writeOnBus(Bytes data) {
   const auto place = camera_.placeAt(data[0]);
   return place && camera_.write(*place, data.subspan(1, data.size() - 2), data.last(1));
@@ -97,7 +97,7 @@ bool Usb3Function::writeOnBus(Bytes data) {
 std::size_t Usb3Function::describe(Room buffer) const {
   const std::uint16_t pid = camera_.productId();
   const auto low = static_cast<std::uint8_t>(pid), high = static_cast<std::uint8_t>(pid >> 8);
-  // Of USB 3.0, with the vendor id 0x3C7E.
+  // USB 3.0, vendor id 0x3C7E.
   const std::array<std::uint8_t, 18> descriptor = {18,   1,   0x00, 0x03, 0xEF, 0x02, 0x01, 9, 0x7E,
                                                    0x3C, low, high, 0x00, 0x01, 1,    2,    0, 1};
   const std::size_t length = std::min(buffer.size(), descriptor.size());

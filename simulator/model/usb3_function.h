@@ -16,8 +16,8 @@ class Usb3Function {
  public:
   explicit Usb3Function(Camera& camera) : camera_(camera) {}
 
-  // One control transfer; the buffer is what is sent or where the answer goes. Returns the bytes
-  // moved, nothing when the camera stalls the request.
+  // One control transfer; `buffer` holds the data to send or receives the reply. Returns the number
+  // of bytes moved, or nothing when the camera stalls the request.
   std::optional<std::size_t> transfer(const UsbSetup& setup, Room buffer);
 
  private:
@@ -28,7 +28,7 @@ class Usb3Function {
   std::size_t describe(Room buffer) const;
 
   Camera& camera_;
-  // What was asked for, by selector, and not yet fetched.
+  // Replies not fetched yet, by selector.
   std::map<std::uint16_t, std::vector<std::uint8_t>> asked_;
 };
 

@@ -1,4 +1,4 @@
-// The sizes of picture that a camera sends over Wi-Fi, and which one it sends.
+// The picture sizes that a camera can send, and the one selected.
 #pragma once
 
 #include <algorithm>
@@ -10,11 +10,11 @@
 namespace qvx::simulator {
 
 struct VideoMode {
-  std::int32_t command;  // the number by which clients choose it
+  std::int32_t command;  // selects it over Wi-Fi
   std::uint16_t width, height;
 };
 
-// Every camera has the mode of command 0.
+// Every camera has mode 0.
 inline std::span<const VideoMode> videoModesFor(std::uint16_t productId) {
   static constexpr VideoMode fiveMegapixels[] = {
       {0, 1280, 960}, {1, 640, 480}, {2, 1600, 1200}, {3, 2048, 1536}, {4, 2592, 1944}};
@@ -39,7 +39,7 @@ class VideoOutput {
 
   const VideoMode& mode() const { return *chosen_; }
 
-  // False, and nothing changed, for a command that the camera does not have.
+  // Returns false and changes nothing if the camera lacks that mode.
   bool choose(std::int32_t command) {
     const auto found = std::ranges::find(modes_, command, &VideoMode::command);
     if (found != modes_.end()) chosen_ = &*found;

@@ -10,16 +10,17 @@ namespace qvx::simulator {
 
 namespace {
 
-constexpr int refused = -1;  // says the firmware when the bus or it itself refuses
+constexpr int refused = -1;  // the firmware's answer when it or the bus refuses
 
 constexpr int ok = 200, missing = 404, unavailable = 503;
 
-// The bits of a GPIO command's id, from the lowest. Its value holds the levels.
+// The bits of a GPIO command's id, from the lowest. The command's value holds the levels.
 struct GpioId {
   std::uint32_t mask : 8, port : 2, isWrite : 1, unknown : 21;
 };
 
-// Those of an I2C command's id. Its value holds the register above 16 bits of data.
+// The bits of an I2C command's id, from the lowest. The command's value holds the register above 16
+// bits of data.
 struct I2cId {
   std::uint32_t address : 8, dataBytes : 2, registerBytes : 2, isWrite : 1, unknown : 19;
 };
@@ -36,7 +37,7 @@ WifiAnswer result(int value, std::string description) {
   return {ok, "text/plain", "res:" + std::to_string(value), std::move(description)};
 }
 
-// In the one form that printf gives a number: no "+", no "-0", no leading zeros.
+// Only as printf writes a number: no "+", no "-0", no leading zeros.
 bool takeDecimal(std::string_view& text, std::int32_t& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc{} && take(text, std::to_string(number));
@@ -44,8 +45,8 @@ bool takeDecimal(std::string_view& text, std::int32_t& number) {
 
 }  // namespace
 
-// The query from its "?" to its end; nothing when any character differs. "dest=0plugin=0" stands
-// without an "&": this server never split it.
+// Parses the whole query, from its "?"; nothing if any character differs. "dest=0plugin=0" lacks an
+// "&" because this server never splits it.
 std::optional<WifiServer::Command> WifiServer::commandFrom(std::string_view query) {
   Command command{};
   const bool matches = take(query, "?action=commandcontrol&dest=0plugin=0&id=") &&
@@ -56,7 +57,7 @@ std::optional<WifiServer::Command> WifiServer::commandFrom(std::string_view quer
 }
 
 WifiAnswer WifiServer::get(std::string_view target) {
-  // The simulator puts its own page here.
+  // The simulator serves its own page here.
   if (target == "/")
     return {ok, "text/html", "<!DOCTYPE html><title>Camera</title>\n", "home page"};
   if (target == "/usbdevlist.json") return deviceList();
@@ -78,14 +79,14 @@ WifiAnswer WifiServer::get(std::string_view target) {
   return refuse("unknown group " + hexOf(command->group));
 }
 
-// What no client that knows the firmware asks.
+// For requests that no client familiar with the firmware would send.
 WifiAnswer WifiServer::refuse(const std::string& complaint) {
   camera_.violations.push_back("wifi: " + complaint);
   return result(refused, complaint);
 }
 
-// Clients do not parse this: they take the four digits that begin 25 characters after the start of
-// the vendor id's "0x3c7e". Nothing between the two may change its length.
+// Clients do not parse this JSON: they take the four digits that begin 25 characters after the
+// start of "0x3c7e", so the length of the text between must not change.
 WifiAnswer WifiServer::deviceList() const {
   const std::string id = hex(camera_.productId(), 4);
   return {ok, "application/json",
@@ -95,7 +96,7 @@ WifiAnswer WifiServer::deviceList() const {
           "product id -> " + id};
 }
 
-// Every number in it is a text.
+// Every number in this JSON is a string.
 WifiAnswer WifiServer::controls() const {
   std::string entries;
   for (const auto& [control, name, wifiId] : wifiPictureRows) {
@@ -119,7 +120,7 @@ WifiAnswer WifiServer::snapshot() const {
   return {ok, "image/jpeg", std::move(file), description};
 }
 
-// A value beyond the limits becomes the nearest one that there is.
+// A value beyond the limits is clamped.
 WifiAnswer WifiServer::picture(const Command& command) {
   for (const auto& [control, name, wifiId] : wifiPictureRows) {
     if (wifiId != command.id) continue;
@@ -138,7 +139,7 @@ WifiAnswer WifiServer::videoMode(const Command& command) {
   return result(0, "video mode <- " + sizeOf(video.mode()));
 }
 
-// Levels travel as a signed byte: a port whose highest pin is set reads as a negative number.
+// Levels are a signed byte: a port whose highest pin is set reads as a negative number.
 WifiAnswer WifiServer::gpio(const Command& command) {
   const auto id = std::bit_cast<GpioId>(command.id);
   const std::uint8_t mask = id.mask, port = id.port;
@@ -171,7 +172,7 @@ WifiAnswer WifiServer::i2c(const Command& command) {
   if (id.unknown != 0) return refuse("unknown bits in I2C id " + hexOf(command.id));
   if (id.dataBytes != 1) return refuse("I2C data bytes: " + hex(id.dataBytes, 2));
   if (id.registerBytes > 2) return refuse("I2C register bytes: " + hex(id.registerBytes, 2));
-  // A longer number would be cut by the bus; without a register address it is not looked at.
+  // The bus would truncate a longer number; without a register address it is ignored.
   if (id.registerBytes == 1 && reg > 0xFF)
     return refuse("I2C register over a byte: " + hex(reg, 2));
   if (data > (id.isWrite ? 0xFF : 0)) return refuse("I2C data that cannot be: " + hex(data, 2));

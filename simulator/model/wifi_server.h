@@ -1,4 +1,4 @@
-// The small web server inside a Wi-Fi camera: what it answers to the target of a GET.
+// The web server inside a Wi-Fi camera: its response to a GET request.
 #pragma once
 
 #include <string_view>
@@ -11,19 +11,19 @@ struct WifiAnswer {
   int status;
   std::string contentType;
   std::string body;
-  std::string description;  // one line for a person: what was asked and what came of it
+  std::string description;  // one line for the log: the request and its result
 };
 
-// What the camera sees, as a JPEG file.
+// Renders what the camera sees as a JPEG file.
 using Still = std::function<std::string(Camera&)>;
 
 class WifiServer {
  public:
-  // Without a still, the server is out of snapshots.
+  // Without a `still` function the server has no snapshots.
   explicit WifiServer(Camera& camera, Still still = {})
       : camera_(camera), still_(std::move(still)) {}
 
-  // `target` as it stands in the request line: "/?action=commandcontrol&...".
+  // `target` is the request target: "/?action=commandcontrol&...".
   WifiAnswer get(std::string_view target);
 
  private:

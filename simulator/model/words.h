@@ -1,4 +1,4 @@
-// Taking apart what a person writes about a camera.
+// Parsing of the texts with which people describe cameras.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 namespace qvx::simulator {
 
-// The whole text as a number within limits, nothing otherwise.
+// Parses the whole text as a number from min to max; nothing if it is not one.
 inline std::optional<std::uint32_t> numberFrom(std::string_view text, std::uint32_t min,
                                                std::uint32_t max, int base = 10) {
   std::uint32_t number = 0;
@@ -20,7 +20,7 @@ inline std::optional<std::uint32_t> numberFrom(std::string_view text, std::uint3
   return valid ? std::optional(number) : std::nullopt;
 }
 
-// The same with decimals, without sign or exponent.
+// The same for a decimal number without sign or exponent.
 inline std::optional<double> decimalFrom(std::string_view text, double min, double max) {
   double number = 0;
   const char* const end = text.data() + text.size();
@@ -41,21 +41,22 @@ inline std::optional<std::uint32_t> duration_msFrom(std::string_view text) {
   return number ? std::optional(static_cast<std::uint32_t>(*number * unit_ms)) : std::nullopt;
 }
 
-// Takes the expected start off a text; false, and nothing taken, when it starts otherwise.
+// Removes the expected start from a text; returns false and changes nothing if the text starts
+// differently.
 inline bool take(std::string_view& text, std::string_view expected) {
   if (!text.starts_with(expected)) return false;
   text.remove_prefix(expected.size());
   return true;
 }
 
-// Cuts the first part off a text whose parts are separated by that character.
+// Removes and returns the first part of a text whose parts are separated by that character.
 inline std::string_view takePart(std::string_view& text, char separator) {
   const std::string_view part = text.substr(0, text.find(separator));
   text.remove_prefix(std::min(part.size() + 1, text.size()));
   return part;
 }
 
-// A line of help: what may be written, and what it means.
+// A line of help text: the syntax and its meaning.
 inline std::string helpLine(std::string_view form, std::string_view meaning) {
   constexpr std::size_t width = 16;
   std::string line = "  " + std::string(form);

@@ -1,18 +1,19 @@
-// The hand on the zoom ring: a magnification as a function of time.
+// The motion of the zoom ring: magnification as a function of time.
 #pragma once
 
 #include "simulator/model/words.h"
 
 namespace qvx::simulator {
 
-// Between two magnifications and back, evenly; a sweep of 0 ms stands at the first.
+// Moves between two magnifications and back at constant speed; with a sweep of 0 ms it rests at the
+// first.
 struct ZoomMotion {
   double from, to;
   std::uint32_t sweep_ms;  // one way
 };
 
-// "63" stands at x63; "1:200/10s" goes from x1 to x200 in 10 s, and back, for ever. Seconds may
-// have decimals; "ms" is understood. Nothing for anything else, and for magnifications below 1.
+// "63" rests at x63; "1:200/10s" moves from x1 to x200 in 10 s and back, forever. Seconds may have
+// decimals; "ms" is accepted. Returns nothing for any other text or a magnification below 1.
 inline std::optional<ZoomMotion> zoomMotionFrom(std::string_view text) {
   constexpr double maxMagnification = 999'999;
   const bool turns = text.find(':') != std::string_view::npos;

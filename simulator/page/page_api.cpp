@@ -24,8 +24,8 @@ void refuse(Response& response, Status status, const std::string& reason) {
   response.set_content(reason, "text/plain");
 }
 
-// A page from elsewhere cannot read an answer, but it could send changes; and with a name that it
-// makes point to this machine it could even read.
+// Rejects requests of other sites: they could send changes and, with a host name that resolves to
+// this machine (DNS rebinding), even read answers.
 bool isAllowed(const Request& request, Response& response) {
   const std::string host = request.get_header_value("Host"), name = host.substr(0, host.find(':'));
   if (name != "localhost" && name.find_first_not_of("0123456789.") != std::string::npos) {
@@ -36,7 +36,7 @@ bool isAllowed(const Request& request, Response& response) {
   return response.status != forbidden;
 }
 
-// ---- What the page is told
+// ---- From the simulator to the page
 
 std::string textOf(const Json::Value& value) {
   Json::StreamWriterBuilder writer;
@@ -74,13 +74,13 @@ Json::Value entryOf(const Access& access) {
   return entry;
 }
 
-// What a listener has been told of a camera.
+// What a page already knows about a camera.
 struct Told {
   std::string state;
   std::uint64_t accesses = 0;
 };
 
-// Nothing when there is no news.
+// Empty if there is no news.
 std::string newsOf(PluggedCamera& camera, Told& told) {
   Json::Value news = stateOf(camera);
   const std::string last = std::exchange(told.state, textOf(news));
@@ -95,14 +95,15 @@ void sendEvents(Desk& desk, Response& response) {
   const auto sendNext = [&desk, told = std::map<std::string, Told>()](std::size_t,
                                                                       DataSink& sink) mutable {
     std::this_thread::sleep_for(std::chrono::milliseconds(40));
-    std::string news = ":\n\n";  // finds out whether anybody listens
+    std::string news = ":\n\n";  // a comment, which detects a closed connection
     for (const auto& camera : desk.cameras()) news += newsOf(*camera, told[camera->id()]);
     return sink.write(news.data(), news.size());
   };
   response.set_chunked_content_provider("text/event-stream", sendNext);
 }
 
-// The page comes with the states, so that it is whole at once. No name in them ends its script.
+// The page includes the states, so that it is complete at once. "<" is escaped: no name may end the
+// script.
 void sendPage(Desk& desk, Response& response) {
   constexpr std::string_view file = pageHtml, none = "[]";
   constexpr std::size_t place = file.find("[]</script>");
@@ -119,7 +120,7 @@ void sendPage(Desk& desk, Response& response) {
                        "text/html; charset=utf-8");
 }
 
-// ---- What the page changes
+// ---- From the page to the simulator
 
 bool change(PluggedCamera& camera, const std::string& key, const Json::Value& value) {
   if (key == "fault") {

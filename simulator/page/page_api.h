@@ -1,4 +1,4 @@
-// The page on which a person sees the cameras and turns them: its file, its events, its changes.
+// The HTTP interface of the cameras' page: its file, its events, its changes.
 #pragma once
 
 #include <httplib.h>
@@ -7,7 +7,7 @@
 
 namespace qvx::simulator {
 
-// What only the page asks for begins so: its home a Wi-Fi camera may share.
+// Starts the paths that belong to the page alone; "/" may also be the home page of a Wi-Fi camera.
 constexpr std::string_view pagePrefix = "/cameras/";
 
 // Adds the page's routes to a server. The desk must outlive it.

@@ -46,7 +46,7 @@ void addZoom(Controls& controls, Camera& camera) {
   });
 }
 
-// In units from the lens's zero position.
+// In lens units from the zero position.
 void addFocus(Controls& controls, FocusLens& lens) {
   constexpr double coilReach = 48, lastPosition = 0xFF;
   if (lens.kind == Lens::none) return;
@@ -57,15 +57,16 @@ void addFocus(Controls& controls, FocusLens& lens) {
                [&lens](double to) { lens.offset = to; });
 }
 
-// On some cameras levels in the middle of the ring's belong to the axial light: these are jumped.
+// On some cameras some levels between the ring's belong to the axial light: these are skipped.
 double ringLevelFor(const Illumination& lights, double wanted, double now) {
   const double first = lights.darkestAxial(), last = first + coarsestLight;
   if (wanted < first || wanted > last) return wanted;
   return now < first ? last + 1 : first - 1;
 }
 
-// The lights are turned as a client does it, by the registers that drive them. What is switched on
-// is to be seen: neither a quadrant nor the level stays without the other.
+// The page sets the lights as a client does, through their registers. Whatever is switched on must
+// be visible: switching on a quadrant raises a level of 0, raising the level switches on the
+// quadrants.
 void addLights(Controls& controls, Controller& controller) {
   const Illumination& lights = controller.lights();
   const double full = lights.fullRing(), level = std::round(lights.ringLevel * full);

@@ -1,4 +1,4 @@
-// What a person may turn on a camera.
+// The controls of a camera on its page.
 #pragma once
 
 #include <json/json.h>
@@ -11,16 +11,17 @@
 namespace qvx::simulator {
 
 struct Control {
-  // For the page: group (its part of the page), key, label, value, min, max, step, default; and
-  // options, the names of its values from 0.
+  // For the page: group (its section of the page), key, label, value, min, max, step, default; for
+  // a selection also options, the names of its values from 0.
   Json::Value described;
   std::function<void(double)> set;
 
-  // To the nearest that it takes.
+  // Sets the nearest allowed value.
   void turnTo(double wanted) const;
 };
 
-// Those that the camera has, as they stand; to be turned before anybody else is at the camera.
+// The camera's controls with their current values. The caller must hold the camera while it uses
+// them.
 std::vector<Control> controlsOf(CameraDevice& device);
 
 }  // namespace qvx::simulator

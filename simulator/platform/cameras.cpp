@@ -5,7 +5,7 @@
 
 namespace qvx::simulator {
 
-// Goes with the machine's clock, and starts anew after it was plugged in again.
+// Follows the machine's clock, and powers up again when plugged in again.
 CameraDevice& VirtualBridge::asItIsNow() {
   advanceTo(world().clock.now_ms());
   const unsigned last = std::exchange(connection_, world().connection());

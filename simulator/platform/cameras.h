@@ -1,5 +1,5 @@
-// Simulated cameras, as the simulated machine can be furnished with them. They follow the machine's
-// clock and must stay until it is reset.
+// Simulated cameras for the simulated machine. They follow its clock and must live until it is
+// reset.
 #pragma once
 
 #include "simulator/model/camera_device.h"
@@ -7,7 +7,7 @@
 
 namespace qvx::simulator {
 
-// A camera with all interfaces that it may have.
+// A camera with all interfaces.
 class VirtualBridge : public CameraDevice, public CameraPort {
  public:
   explicit VirtualBridge(std::uint16_t productId, const BridgeSetup& setup = {},
@@ -27,7 +27,7 @@ class VirtualBridge : public CameraDevice, public CameraPort {
     return asItIsNow().usb3.transfer(setup, buffer);
   }
 
-  // For the machine, which does not own it.
+  // Not owned by the machine.
   std::shared_ptr<CameraPort> port() { return {std::shared_ptr<void>(), this}; }
 
  private:
@@ -36,19 +36,19 @@ class VirtualBridge : public CameraDevice, public CameraPort {
   unsigned connection_ = world().connection();
 };
 
-// What clients did wrong, a line each; nothing when all went by the rules.
+// The violations of clients, one line each; empty if there were none.
 std::string complaintsOf(Camera& camera);
 
-// Answers at the camera's address as its web server does; other addresses are out of reach.
+// Answers at the camera's address like its web server; other addresses are unreachable.
 HttpServer wifiFront(Camera& camera);
 
-// The path of a video input as the system writes it: "@device:pnp:\\?\usb#vid_3c7e&pid_0970...".
+// The display name of a video input as on Windows: "@device:pnp:\\?\usb#vid_3c7e&pid_0970...".
 std::wstring videoInputPath(int productId, const std::string& instance);
 
-// A video input with the bridge's extension unit among other nodes.
+// A video input whose topology has the bridge's extension unit among other nodes.
 VideoInput bridgeInput(VirtualBridge& camera, const std::string& instance = "1");
 
-// A HID interface as the bridge firmware describes it.
+// The HID interface of a bridge.
 HidInterface bridgeHidInterface(VirtualBridge& camera, const std::string& path = "hid#1");
 
 }  // namespace qvx::simulator

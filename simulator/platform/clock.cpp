@@ -50,9 +50,9 @@ bool Clock::isAlone() const {
   return threads_ == 1;
 }
 
-// Wakes whoever need not wait any longer. When all wait, the time moves to the earliest deadline
-// and the one that waits for it is woken; of several, the one that has waited longest. Who is woken
-// counts as running from here on, so that the time cannot move before it does.
+// Wakes the threads whose condition holds. If all threads wait, advances the time to the earliest
+// deadline and wakes its thread; of several, the one that has waited longest. A woken thread counts
+// as running from here on, so that the time cannot advance before it runs.
 void Clock::settle() {
   std::erase_if(waiters_, [](Waiter* waiter) { return waiter->woken = waiter->ready(); });
   if (waiters_.size() == threads_) {

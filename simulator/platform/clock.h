@@ -1,5 +1,5 @@
-// A clock that moves only when every thread that takes part is waiting: a pause of seconds costs
-// nothing, and what happens in which order does not depend on the machine.
+// A clock that advances only when all participating threads wait: a pause of seconds costs nothing,
+// and the order of events does not depend on the speed of the machine.
 #pragma once
 
 #include <condition_variable>
@@ -17,20 +17,20 @@ class Clock {
 
   std::uint64_t now_ms() const;
 
-  // Waits until the time has passed.
+  // Waits for that time.
   void sleep(std::uint64_t milliseconds);
 
-  // Waits until `ready` holds, at most so long; returns whether it does. `ready` is evaluated under
-  // the clock's lock, by whichever thread changes something, and must be quick.
+  // Waits until `ready` returns true or the limit has passed; returns the last result. `ready` is
+  // called under the clock's lock by any thread that changes something, and must be quick.
   bool waitFor(std::uint64_t limit_ms, const std::function<bool()>& ready);
 
-  // Changes what others wait for.
+  // Changes a state that other threads may wait for.
   void change(const std::function<void()>& change);
 
-  // Runs the body on a new thread that takes part.
+  // Runs the body on a new participating thread.
   void startThread(std::function<void()> body);
 
-  // Waits until the calling thread is the only one left.
+  // Waits until the calling thread is the only participant.
   void waitForOthers();
   bool isAlone() const;
 
@@ -45,9 +45,9 @@ class Clock {
 
   mutable std::mutex mutex_;
   std::condition_variable wake_;
-  std::vector<Waiter*> waiters_;  // that nobody has woken yet: the other threads run
+  std::vector<Waiter*> waiters_;  // not woken yet; all other threads are running
   std::uint64_t now_ms_ = 0;
-  std::size_t threads_ = 1;  // the one that made the clock takes part
+  std::size_t threads_ = 1;  // the creating thread participates
 };
 
 }  // namespace qvx::simulator

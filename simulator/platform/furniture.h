@@ -1,4 +1,4 @@
-// What the simulated machine has: tests and tools furnish it.
+// The equipment of the simulated machine: devices, files, environment. Tests and tools fill it in.
 #pragma once
 
 #include <memory>
@@ -10,21 +10,21 @@
 
 namespace qvx::simulator {
 
-// What answers at an address, and how.
+// The response to a request.
 struct HttpAnswer {
   bool reachable = true;
-  std::vector<std::string> chunks;  // what successive reads give; after the last, the end
-  bool breaksOff = false;           // a read after the last chunk fails instead
+  std::vector<std::string> chunks;  // results of successive reads; then the end
+  bool breaksOff = false;           // a read after the last chunk fails
 };
 using HttpServer = std::function<HttpAnswer(const std::string& url)>;
 
-// What carries bytes to a simulated camera, by whichever of its interfaces; all that it does not
-// have refuses.
+// Transfers bytes to and from a simulated camera over any of its interfaces; an interface that the
+// camera lacks refuses.
 class CameraPort {
  public:
   virtual ~CameraPort() = default;
 
-  // A node of its capture filter's topology.
+  // A node in the topology of its capture filter.
   virtual bool supports(const PropertySetId& /*set*/) { return false; }
   virtual bool setProperty(const PropertySetId& /*set*/, std::uint32_t /*selector*/,
                            Bytes /*data*/) {
@@ -35,11 +35,12 @@ class CameraPort {
     return false;
   }
 
-  // Its feature reports; byte 0 is the id.
+  // Feature reports; byte 0 is the id.
   virtual bool setFeature(Bytes /*report*/) { return false; }
   virtual bool getFeature(Room /*report*/) { return false; }
 
-  // Control transfers. Returns the bytes moved, or nothing when the camera stalls the request.
+  // Control transfers. Returns the number of bytes moved, or nothing when the camera stalls the
+  // request.
   virtual std::optional<std::size_t> transfer(const UsbSetup& /*setup*/, Room /*buffer*/) {
     return std::nullopt;
   }
@@ -48,8 +49,8 @@ class CameraPort {
 struct VideoInput {
   std::wstring path;
   std::optional<std::wstring> name;
-  // Vendor-specific nodes by their place in the topology; a place without one is another kind of
-  // node. Empty: the filter has no topology.
+  // Vendor-specific nodes by their index in the topology; null stands for a node of another kind.
+  // Empty: the filter has no topology.
   std::vector<std::shared_ptr<CameraPort>> nodes;
   PictureControls* picture = nullptr;  // null: the filter has no picture properties
   bool opens = true;
@@ -57,9 +58,9 @@ struct VideoInput {
 
 struct HidInterface {
   std::string path;
-  std::optional<std::size_t> featureItems;  // nothing: does not let itself be described
+  std::optional<std::size_t> featureItems;  // nothing: its capabilities cannot be read
   std::vector<std::uint8_t> featureReportIds;
-  std::shared_ptr<CameraPort> device;  // null: cannot be opened
+  std::shared_ptr<CameraPort> device;  // null if it cannot be opened
 };
 
 struct UsbPipe {
@@ -77,15 +78,15 @@ struct UsbDevice {
 };
 
 struct Furniture {
-  HttpServer wifi;  // none: nothing answers
+  HttpServer wifi;  // empty: no server
   std::map<std::string, std::string> environment;
   bool libusbkInstalled = true;
   std::vector<UsbDevice> usbDevices;
   std::vector<VideoInput> videoInputs;
   std::optional<std::vector<HidInterface>> hidInterfaces{std::in_place};
   bool threadsStart = true;
-  std::set<std::wstring> folders{L""};  // those that exist; L"" is the current one
-  std::optional<std::size_t> diskRoom;  // bytes that still fit; nothing: as many as there are
+  std::set<std::wstring> folders{L""};  // existing folders; L"" is the current one
+  std::optional<std::size_t> diskRoom;  // free space in bytes; nothing: unlimited
   std::map<std::wstring, std::string> files;
 };
 

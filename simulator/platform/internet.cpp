@@ -1,4 +1,4 @@
-// The platform's internet functions over the simulated machine.
+// The platform's internet functions on the simulated machine.
 #include "platform/system.h"
 #include "platform/text.h"
 
@@ -7,8 +7,8 @@
 namespace qvx::platform {
 
 struct InternetObject {
-  simulator::HttpAnswer answer{};        // to a request
-  std::size_t nextChunk = 0, taken = 0;  // and how much of it
+  simulator::HttpAnswer answer{};        // of a request
+  std::size_t nextChunk = 0, taken = 0;  // the part already read
   simulator::CameraConnection connection{};
 };
 

@@ -1,4 +1,4 @@
-// libusbK over the simulated machine.
+// libusbK on the simulated machine.
 #include "platform/system.h"
 
 #include "platform/process.h"
@@ -14,7 +14,7 @@ using simulator::UsbDevice;
 using simulator::world;
 
 constexpr int driverId = 0;
-constexpr std::uint32_t openFailed = 31;  // a device that does not work
+constexpr std::uint32_t openFailed = 31;  // ERROR_GEN_FAILURE
 
 using DeviceList = simulator::Usb3DeviceList<KLST_DEVINFO>;
 
@@ -35,7 +35,7 @@ KLST_DEVINFO recordOf(const UsbDevice& device, std::size_t index) {
   return record;
 }
 
-// Null for a handle that is none and for a device that is gone.
+// Null for an invalid handle and for a device that is gone.
 UsbDevice* deviceOf(KUSB_HANDLE handle) {
   const auto* const opened = world().kept<OpenedDevice>(handle);
   const bool isThere = opened != nullptr && opened->connection.isThere() &&
@@ -66,8 +66,7 @@ KUSB_BOOL queryPipe(KUSB_HANDLE handle, std::uint8_t alternateSetting, std::uint
 
 }  // namespace
 
-// Flags would ask for other lists, such as one with the devices that were unplugged: none is had
-// here.
+// Flags would request other lists, for example of unplugged devices; these do not exist here.
 bool system::LstK_Init(KLST_HANDLE* deviceList, int flags) {
   if (flags != 0 || !world().libusbkInstalled || !world().grants()) return false;
   std::vector<KLST_DEVINFO> records;

@@ -1,4 +1,4 @@
-// The smaller facilities of the platform over the simulated machine: COM, timers, process, text,
+// The smaller facilities of the platform on the simulated machine: COM, timers, process, text,
 // files.
 #include "platform/com.h"
 #include "platform/files.h"
@@ -105,7 +105,7 @@ std::wstring ansiToWide(std::string_view text) {
   return wide;
 }
 
-// One byte a character, in the style of an 8-bit code page.
+// One byte per character, like an 8-bit code page.
 std::string wideToAnsi(std::wstring_view text) {
   std::string narrow;
   for (const wchar_t character : text) {
@@ -118,7 +118,7 @@ std::string wideToOem(std::wstring_view text) {
   return wideToAnsi(text);
 }
 
-// Of characters up to U+00FF, as all texts of the simulated machine have.
+// For characters up to U+00FF; the texts of the simulated machine have no others.
 std::string wideToUtf8(std::wstring_view text) {
   std::string utf8;
   for (const char character : wideToAnsi(text)) {
@@ -141,8 +141,8 @@ FileHandle openForAppending(const std::wstring& path) {
   return world().keep(&OpenCounts::files, FileObject{world().files[path]});
 }
 
-// Never takes simulated time: its caller holds a lock that the simulated clock does not know of,
-// and whoever waited for that would keep the clock from moving.
+// Takes no simulated time: its caller holds a lock that the simulated clock does not know of, and a
+// thread waiting for that lock would stop the clock.
 bool appendLine(FileHandle file, const void* data, std::uint32_t size) {
   auto& room = world().diskRoom;
   const std::size_t written = room ? std::min<std::size_t>(*room, size) : size;

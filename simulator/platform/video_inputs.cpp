@@ -72,7 +72,7 @@ class SimulatedHidDevice final : public HidDevice {
   CameraConnection connection_;
 };
 
-// Null for one that is not there, or that the system does not open.
+// Null if the device does not exist or cannot be opened.
 const simulator::HidInterface* hidInterfaceAt(const std::string& path) {
   if (!world().grants() || !world().pluggedIn()) return nullptr;
   for (const auto& interface : *world().hidInterfaces) {

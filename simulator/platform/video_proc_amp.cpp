@@ -1,4 +1,5 @@
-// Picture properties of the simulated machine's video inputs. Every step goes into the journal.
+// Picture properties of the simulated machine's video inputs. Every step is recorded in the
+// journal.
 #include "platform/system.h"
 
 #include "simulator/platform/world.h"
@@ -19,7 +20,7 @@ struct CaptureBuilder {};
 struct StreamConfig {};
 struct VideoProcAmp {
   simulator::PictureControls& controls;
-  CameraConnection connection;  // its filter's
+  CameraConnection connection;  // of its filter
 };
 
 namespace {
@@ -28,8 +29,8 @@ bool step(const char* line) {
   return world().operate("capture: ", line);
 }
 
-// One request for a property, whose number the driver knows as the platform does. Null when it does
-// not get through: while the camera is gone, and for a property that it does not have.
+// A request for a property; driver and platform number them alike. Null if it fails: the camera is
+// gone or lacks the property.
 const simulator::PictureControl* ask(const VideoProcAmp& amplifier, const char* verb,
                                      PictureProperty property, const std::string& more = "") {
   const auto number = static_cast<std::int32_t>(property);

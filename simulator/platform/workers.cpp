@@ -59,7 +59,7 @@ std::optional<std::uint32_t> system::runOnWorker(std::function<std::uint32_t()> 
   auto result = std::make_shared<std::optional<std::uint32_t>>();
   machine.clock.startThread([&machine, result, task = std::move(task)]() mutable {
     const std::uint32_t value = task();
-    task = nullptr;  // what the task owns goes before anyone learns that it has finished
+    task = nullptr;  // destroys what the task owns before its end is reported
     machine.clock.change([&] { *result = value; });
   });
   const bool inTime = machine.clock.waitFor(limit_ms, [&] { return result->has_value(); });

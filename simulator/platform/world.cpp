@@ -11,7 +11,7 @@ Clock& newClock() {
   return all->emplace_back();
 }
 
-// Not destroyed at the end of the process: the library's globals may still need it.
+// Never destroyed: the library's globals may still need it when the process ends.
 std::unique_ptr<World>& current() {
   static auto* const machine = new std::unique_ptr<World>(new World);
   return *machine;
@@ -46,7 +46,7 @@ void World::write(std::string line) {
   journal_.push_back(std::move(line));
 }
 
-// Whether the operation may succeed. What spoils replies is a matter of the cameras.
+// Whether the operation may succeed. Faults that spoil replies are left to the cameras.
 bool World::proceeds(Operation kind) {
   Fault fault;
   {
@@ -77,7 +77,7 @@ void World::pumpMessages(std::uint64_t milliseconds) {
     const std::uint64_t until_ms = isDue ? next->due_ms : end_ms, now_ms = clock.now_ms();
     if (until_ms > now_ms) clock.sleep(until_ms - now_ms);
     if (!isDue) return;
-    // A tick that comes late is not made up for.
+    // Missed ticks are not made up for.
     next->due_ms = std::max(next->due_ms, clock.now_ms()) + next->period_ms;
     const std::function<void()> run = next->run;
     run();

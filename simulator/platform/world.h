@@ -1,6 +1,5 @@
-// The simulated machine: what src/platform finds when the library runs natively. Tests and tools
-// furnish it with cameras, let the library run, and read in the journal what a camera would have
-// seen.
+// The simulated machine on which the library runs natively. Tests plug cameras into it, run the
+// library, and read in its journal what a camera would have seen.
 #pragma once
 
 #include <atomic>
@@ -14,7 +13,7 @@
 
 namespace qvx::simulator {
 
-// Objects that are open at the moment.
+// The number of open objects of each kind.
 struct OpenCounts {
   int internetSessions = 0, internetRequests = 0;
   int deviceLists = 0, usbHandles = 0;
@@ -33,30 +32,30 @@ class World : public Furniture {
  public:
   World();
 
-  Clock& clock;  // outlives the machine: a worker's last step may still be on its way out of it
+  Clock& clock;  // outlives the machine: a finishing worker may still use it
 
-  // ---- What happens
+  // ---- Operations and faults
 
   std::vector<std::string> takeJournal();
-  bool keepsJournal = true;  // not for long runs
+  bool keepsJournal = true;  // switched off in long runs
   std::uint64_t operations(Operation kind = Operation::access) const;
-  std::uint64_t stalled_ms = 0;  // what stalls have cost the thread that made the machine
+  std::uint64_t stalled_ms = 0;  // total delay of the thread that created the machine
 
-  // From the next operation on.
+  // Takes effect with the next operation.
   void set(const Fault& fault);
 
-  // All cameras come and go together. What was opened while they were there stays dead afterwards.
-  // Odd while they are gone.
+  // All cameras are plugged and unplugged together; objects opened before stay dead afterwards. The
+  // number is odd while they are unplugged.
   unsigned connection() const { return connection_; }
   bool pluggedIn() const { return connection_ % 2 == 0; }
   void unplug() { connection_ += pluggedIn() ? 1 : 0; }
   void plugIn() { connection_ += pluggedIn() ? 0 : 1; }
 
-  // For fuzzing: asked at every operation whether it may succeed; may also throw.
+  // For fuzzing: decides for every operation whether it may succeed; may throw.
   std::function<bool()> permits;
 
-  // For the platform's functions: notes what is done, and says whether it may succeed. A line is
-  // put together only where it is kept.
+  // For the platform's functions: `note` adds a line to the journal; `operate` also returns whether
+  // the operation may succeed. The line is built only if it is kept.
   template <class... Words>
   void note(const Words&... words) {
     if (keepsJournal) write((std::string() + ... + inWords(words)));
@@ -68,10 +67,10 @@ class World : public Furniture {
   }
   bool grants() { return proceeds(Operation::systemCall); }
 
-  // Guards everything on the machine but the clock; never held across a wait.
+  // Guards the whole machine except the clock; never held while waiting.
   mutable std::mutex guard;
 
-  // ---- Its message loop
+  // ---- Message loop
 
   struct Timer {
     std::uint64_t period_ms, due_ms;
@@ -79,28 +78,29 @@ class World : public Furniture {
   };
   std::vector<Timer> timers;
 
-  // Dispatches the timers that fall due in that time.
+  // Dispatches the timers that become due in that time.
   void pumpMessages(std::uint64_t milliseconds);
 
   // ---- Workers
 
   std::atomic<int> threadsStarted = 0;
 
-  // For long runs: workers run on their caller's thread, which is the same as long as nothing
-  // stalls. Where a stall is near they get threads all the same.
+  // For long runs: workers run on the caller's thread, which makes no difference unless something
+  // stalls. When a stall is near they still get threads.
   bool workersInline = false;
   bool runsInline() const;
 
-  // For fuzzing, with workersInline: asked at every worker whether it comes late; may also throw.
+  // For fuzzing, with workersInline: decides for every worker whether it misses its limit; may
+  // throw.
   std::function<bool()> workerIsLate;
 
-  // ---- What the library has opened: kept reachable as the system keeps it
+  // ---- Objects that the library has opened: the machine owns them, as the system does
 
   OpenCounts open;
   void count(OpenCounter counter, int change);
 
-  // For long runs: of the objects that the library leaves open only so many of each kind are kept,
-  // the others merely counted.
+  // For long runs: keeps at most that many objects of each kind that the library leaves open;
+  // further ones are only counted.
   std::size_t objectsKept = std::numeric_limits<std::size_t>::max();
 
   template <class Object>
@@ -112,7 +112,8 @@ class World : public Furniture {
     all.push_back({kept, counter});
     return kept.get();
   }
-  // Null for what is none of them; so is a drop refused. What was opened last is asked for most.
+  // Null for an unknown handle; `drop` then returns false. Searches from the newest, which is
+  // wanted most often.
   template <class Object>
   Object* kept(const void* handle) {
     const std::deque<Opened>& all = opened_[typeid(Object)];
@@ -151,16 +152,16 @@ class World : public Furniture {
   std::map<std::type_index, std::deque<Opened>> opened_;
 };
 
-// The one machine of this process.
+// The machine of this process.
 World& world();
 
-// Counts as one of the open objects for as long as it lives.
+// Counts as an open object while it lives.
 inline std::shared_ptr<void> openObject(OpenCounter counter) {
   world().count(counter, 1);
   return {nullptr, [counter](void*) { world().count(counter, -1); }};
 }
 
-// What was opened on a camera, and stays dead when that was unplugged.
+// An object opened on a camera: it stays dead once the camera was unplugged.
 class CameraConnection {
  public:
   bool isThere() const { return number_ == world().connection(); }
@@ -169,7 +170,7 @@ class CameraConnection {
   unsigned number_ = world().connection();
 };
 
-// Lets late workers finish and makes a new, empty machine; the old one is gone.
+// Waits for late workers, then replaces the machine by a new, empty one.
 void resetWorld();
 
 }  // namespace qvx::simulator

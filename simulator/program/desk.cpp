@@ -73,7 +73,7 @@ Reply PluggedCamera::suffer(const Fault& fault, const Transfer& transfer) {
 }
 
 void PluggedCamera::spoil(const Fault& fault, Reply& reply) {
-  constexpr std::size_t everyByte = 256, oneRead = 8192;  // as much as a client takes over HTTP
+  constexpr std::size_t everyByte = 256, oneRead = 8192;  // oneRead: of a client over HTTP
   const bool overHttp = description_.transport == Transport::wifi;
   std::string& bytes = reply.bytes;
   if (fault.kind == Fault::halves) {

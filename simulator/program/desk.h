@@ -1,4 +1,4 @@
-// The cameras that are plugged in, for everything that reaches them: transports, page, log.
+// The plugged-in cameras, shared by transports, page and log.
 #pragma once
 
 #include <atomic>
@@ -17,32 +17,32 @@
 
 namespace qvx::simulator {
 
-// What a client did to a camera, as a person reads it.
+// An access of a client to a camera, for the log.
 struct Access {
-  std::uint64_t number, time_ms;  // from 1; since the camera was plugged in
+  std::uint64_t number, time_ms;  // number: from 1; time: since power-up
   std::string text;
   std::vector<std::string> violations;  // of the camera's rules
 };
 
-// What comes back from a transfer.
+// The result of a transfer.
 struct Reply {
   bool done = false;
   std::string bytes;
   std::string text = {};      // for the log
-  std::size_t announced = 0;  // bytes, when fewer come
+  std::size_t announced = 0;  // the announced length, if fewer bytes follow
 };
 
-// Any thread may call.
+// Thread-safe.
 class PluggedCamera {
  public:
   using Transfer = std::function<Reply(CameraDevice&)>;
 
   PluggedCamera(const CameraDescription& description, std::string id);
 
-  const std::string& id() const { return id_; }  // for addresses: "wifi-0998", "wifi-0998-2"
+  const std::string& id() const { return id_; }  // for URLs: "wifi-0998", "wifi-0998-2"
   const CameraDescription& description() const { return description_; }
 
-  // Runs a function on the camera as it is at this moment, with nobody else at it.
+  // Brings the camera up to date and calls the function with exclusive access to it.
   template <class Action>
   auto with(Action action) {
     const std::lock_guard lock(guard_);
@@ -50,27 +50,27 @@ class PluggedCamera {
     return action(device_);
   }
 
-  // One transfer of a client: it is counted, suffers the fault, and is noted. Transfers come one
-  // after another.
+  // Executes one transfer of a client: counts it, applies the fault, and logs it. Transfers are
+  // serialised.
   Reply carry(const Transfer& transfer);
 
   Fault fault() const;
   void setFault(const Fault& fault);
 
-  // A camera that is gone refuses everything.
+  // An unplugged camera refuses everything.
   bool isPluggedIn() const { return pluggedIn_; }
 
-  // Whether no connection to it comes about: it is gone, or its fault refuses the next access.
+  // Whether connections to it fail: it is unplugged, or its fault refuses the next access.
   bool isDeaf() const;
 
-  // Those after that number, as far as they are kept.
+  // The accesses after that number, as far as they are kept.
   std::vector<Access> accessesAfter(std::uint64_t number) const;
 
-  // Ends what waits, for good.
+  // Ends all stalls, for good.
   void close() { closed_ = true; }
 
-  // Called with each access, on its thread and one at a time; and when the camera may have become
-  // deaf or have recovered. To be set before any thread looks.
+  // onAccess is called for each access, on its thread, one at a time; onHearing when isDeaf() may
+  // have changed. To be set before other threads use the camera.
   std::function<void(const Access&)> onAccess = [](const Access&) {};
   std::function<void()> onHearing = [] {};
 
@@ -84,8 +84,8 @@ class PluggedCamera {
   const std::chrono::steady_clock::time_point poweredUp_ = std::chrono::steady_clock::now();
   std::atomic<bool> closed_ = false, pluggedIn_ = true;
 
-  std::mutex turn_;           // of one transfer, stalls included
-  mutable std::mutex guard_;  // guards all below
+  std::mutex turn_;           // held during a transfer, stalls included
+  mutable std::mutex guard_;  // guards everything below
   FaultCounter faults_;
   std::mt19937 dice_;
   std::uint64_t accessCount_ = 0;
@@ -97,7 +97,7 @@ class Desk {
  public:
   ~Desk() { close(); }
 
-  // All of them come before any thread looks.
+  // To be called before other threads use the desk.
   PluggedCamera& plugIn(const CameraDescription& description);
 
   const std::vector<std::unique_ptr<PluggedCamera>>& cameras() const { return cameras_; }

@@ -1,18 +1,18 @@
-// What applications reach through a DLL: it takes the place of the system's until the last camera
-// is taken out.
+// Devices that applications reach through a DLL: ours replaces the system's until the last camera
+// is unplugged.
 #include "simulator/program/plugs.h"
 
 namespace qvx::simulator {
 
 namespace {
 
-// Our enumerator gives video inputs display names like those of real cameras, in the order in which
-// they were plugged in.
+// Our device enumerator lists video inputs with display names like those of real cameras, in the
+// order of plugging in.
 constexpr wchar_t deviceEnumerator[] =
     L"Software\\Classes\\CLSID\\{62BE5D10-60EB-11D0-BD3B-00A0C911CE86}\\InprocServer32";
-constexpr wchar_t replacedValue[] = L"SimulatorReplaced";  // the enumerator's own DLL
+constexpr wchar_t replacedValue[] = L"SimulatorReplaced";  // the system's DLL
 
-// An earlier run may have replaced it: what stands there would no longer be the system's.
+// Does not save the value again if an earlier run has replaced it already.
 std::string replaceEnumerator(const CameraRecords& /*cameras*/) {
   const std::wstring filterDll = programFolder() + L"qvx-capture-filter.dll";
   if (std::string problem = missing(filterDll); !problem.empty()) return problem;
@@ -29,12 +29,12 @@ void restoreEnumerator(const CameraRecords& /*cameras*/, bool last) {
   RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, deviceEnumerator, replacedValue);
 }
 
-// The stand-in libusbK.dll lies where the driver's installer would put the genuine one.
+// The stand-in libusbK.dll is copied to where the driver's installer would put the genuine one.
 constexpr wchar_t ownKey[] = L"Software\\qvx-simulator\\usb3";
-constexpr wchar_t installedValue[] = L"Installed";  // the stand-in is ours to take away
+constexpr wchar_t installedValue[] = L"Installed";  // we installed it, so we remove it
 
-// A genuine library stays, and so does a stand-in that a process still has loaded. Where one lies
-// beside the program, that is meant.
+// Keeps a genuine library, and a stand-in that a process still has loaded. A libusbK.dll beside the
+// program takes precedence anyway.
 std::string installStandIn(const CameraRecords& /*cameras*/) {
   if (missing(programFolder() + L"libusbK.dll").empty()) return {};
   wchar_t folder[MAX_PATH];

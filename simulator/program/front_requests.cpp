@@ -11,7 +11,7 @@ namespace {
 
 using ByteVector = std::vector<std::uint8_t>;
 
-// Each takes bytes to the camera or from it. False for a refusal.
+// Transfers of bytes to or from the camera; each returns false if the camera refuses.
 bool control(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
   const auto moved = device.usb3.transfer(head.setup, bytes);
   bytes.resize(moved.value_or(0));
@@ -46,7 +46,7 @@ bool picture(CameraDevice& device, const RequestHead& head, ByteVector& bytes) {
   return true;
 }
 
-// What is an access of the camera, by its kind.
+// The transfers that count as accesses, by RequestKind.
 constexpr bool (*transfers[])(CameraDevice&, const RequestHead&, ByteVector&) = {control, property,
                                                                                  feature, picture};
 
@@ -65,7 +65,7 @@ std::string inWords(const RequestHead& head) {
   }
 }
 
-// Without the padding that most transfers end with.
+// Shortens the padding at the end of most transfers.
 std::string shortHex(std::span<const std::uint8_t> bytes) {
   constexpr std::size_t worthAWord = 4;
   std::size_t size = bytes.size();
@@ -88,8 +88,8 @@ Reply carryOut(CameraDevice& device, const RequestHead& head, ByteVector& bytes)
   return reply;
 }
 
-// Two pixels become their two lumas and the mean of their colours, in the ranges of BT.601: the
-// last numbers round and move the zero.
+// Converts two pixels to YUY2 with the coefficients and ranges of BT.601; the added constants round
+// and set the offset.
 void appendYuy2(std::string& bytes, const std::uint8_t* pair) {
   const auto luma = [](const std::uint8_t* rgb) {
     return (66 * rgb[0] + 129 * rgb[1] + 25 * rgb[2] + 4224) >> 8;
@@ -100,7 +100,7 @@ void appendYuy2(std::string& bytes, const std::uint8_t* pair) {
   for (const int part : {luma(pair), u, luma(pair + 3), v}) bytes += static_cast<char>(part);
 }
 
-// Video is no access: it would drown the others.
+// Video frames are not counted as accesses: they would drown the others in the log.
 Reply frame(PluggedCamera& camera, const RequestHead& head) {
   Reply reply;
   for (const VideoMode& mode : videoModesFor(camera.description().productId)) {

@@ -1,4 +1,4 @@
-// What the fronts ask of a camera.
+// Execution of the fronts' requests.
 #pragma once
 
 #include "simulator/fronts/protocol.h"
@@ -6,7 +6,7 @@
 
 namespace qvx::simulator {
 
-// The whole reply to a request of so many bytes, with its head. What is no request is refused.
+// The complete reply to a request of `size` bytes. Malformed requests are refused.
 std::string answerFront(PluggedCamera& camera, const Request& request, std::size_t size);
 
 }  // namespace qvx::simulator

@@ -1,5 +1,6 @@
-// HID devices: nodes below the root bus of a Wine prefix, and the driver that serves them. They are
-// there while the process that plugged them in, or another ordinary one of the prefix, is running.
+// HID devices: nodes below the root bus of a Wine prefix, and the driver that serves them. They
+// exist while the process that plugged them in, or any other user process of the prefix, is
+// running.
 #include <algorithm>
 #include <cstdio>
 
@@ -15,8 +16,8 @@ constexpr wchar_t enumeration[] = L"System\\CurrentControlSet\\Enum\\";
 constexpr wchar_t interfaces[] =
     L"System\\CurrentControlSet\\Control\\DeviceClasses\\{4d1e55b2-f16f-11cf-88cb-001111000030}\\";
 
-// "VID_3C7E&PID_0970\0000", with another separator in names: the same below the root bus and, for
-// the child that the HID class driver makes, below HID.
+// "VID_3C7E&PID_0970\0000" (interface names use another separator): the same below the root bus
+// and, for the child that the HID class driver creates, below HID.
 std::wstring instanceOf(const CameraRecord& camera, wchar_t separator = L'\\') {
   wchar_t text[40];
   std::swprintf(text, std::size(text), L"VID_%04X&PID_%04X%lc%04u", camera.vendorId,
@@ -24,7 +25,7 @@ std::wstring instanceOf(const CameraRecord& camera, wchar_t separator = L'\\') {
   return text;
 }
 
-// Below "ROOT", or below "HID".
+// `bus` is "ROOT" or "HID".
 std::wstring keyOf(const CameraRecord& camera, const wchar_t* bus) {
   return std::wstring(enumeration) + bus + L'\\' + instanceOf(camera);
 }
@@ -36,7 +37,7 @@ bool isSet(const std::wstring& key, const wchar_t* flag) {
 }
 
 bool writeDevice(const CameraRecord& camera) {
-  // A child whose installation was cut short keeps this mark, and would never be listed again.
+  // A child whose installation was interrupted keeps this value and would never be listed again.
   const std::wstring child = keyOf(camera, L"HID"), device = keyOf(camera, L"ROOT");
   if (isSet(child, L"Phantom")) RegDeleteTreeW(HKEY_LOCAL_MACHINE, child.c_str());
   return RegSetKeyValueW(HKEY_LOCAL_MACHINE, (device + L"\\Device Parameters").c_str(),
@@ -55,7 +56,7 @@ bool await(Condition condition) {
   return true;
 }
 
-// The system lists a device while its interface has this mark.
+// The system lists a device while its interface has this value.
 bool awaitListed(const CameraRecords& cameras, bool listed) {
   return await([&] {
     return std::ranges::all_of(cameras, [listed](const CameraRecord& camera) {
@@ -68,8 +69,8 @@ bool awaitListed(const CameraRecords& cameras, bool listed) {
 
 using Service = std::unique_ptr<SC_HANDLE__, Closing<CloseServiceHandle>>;
 
-// The driver, installed with that file if it is not and there is one; null when there is none. Only
-// drivers of this group are told of the devices below the root bus.
+// Opens the driver's service and, if `file` is given, installs it with that file. Null if it is not
+// installed. Wine reports the devices of the root bus only to drivers of this group.
 Service driverFrom(const wchar_t* file) {
   const Service all(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
   Service driver(OpenServiceW(all.get(), serviceName, SERVICE_ALL_ACCESS));
@@ -84,7 +85,7 @@ Service driverFrom(const wchar_t* file) {
   return driver;
 }
 
-// Makes the driver look at the root bus again, once it runs.
+// Starts the driver and makes it enumerate the root bus again.
 bool enumerate(const Service& driver) {
   constexpr DWORD enumerateRootDevices = 128;
   SERVICE_STATUS status;
@@ -104,7 +105,7 @@ std::string plugIn(const CameraRecords& cameras) {
   return awaitListed(cameras, true) ? "" : "the system does not list the HID devices";
 }
 
-// Stops the driver after the last, so that the next start loads its file as it is then.
+// Stops the driver after the last camera, so that the next start loads the current file.
 void takeOut(const CameraRecords& cameras, bool last) {
   if (cameras.empty()) return;
   for (const CameraRecord& camera : cameras) {

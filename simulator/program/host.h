@@ -1,4 +1,4 @@
-// What the program asks of the machine that it runs on.
+// What differs between Windows and Linux.
 #pragma once
 
 #include <memory>
@@ -10,24 +10,24 @@
 
 namespace qvx::simulator {
 
-// What main does with its arguments, in UTF-8: the program's exit code.
+// The body of main(): takes its arguments in UTF-8, returns the exit code.
 int simulate(std::span<const std::string> arguments);
 
 // To be called before any thread starts.
 void claimInterrupts();
 
-// Waits for Ctrl-C, or for what else asks a program to end.
+// Waits for Ctrl-C or another request to end the program.
 void awaitInterrupt();
 
-// Runs a program to its end and returns its exit code; nothing when it cannot be started. Ctrl-C is
-// the program's.
+// Runs a program and returns its exit code, or nothing if it cannot be started. Ctrl-C goes to that
+// program.
 std::optional<int> runProgram(std::span<const std::string> arguments);
 
-// The cameras of a desk that are not Wi-Fi's as devices of this machine; they go with what is
-// returned. Says what is wrong when one cannot be plugged in.
+// Plugs the desk's cameras, except Wi-Fi ones, into this machine while the returned object lives.
+// Sets `problem` if one cannot be plugged in.
 std::shared_ptr<void> plugIn(Desk& desk, std::string& problem);
 
-// Takes out what runs that are over have left.
+// Unplugs what earlier runs have left behind.
 void unplugLeftovers();
 
 }  // namespace qvx::simulator

@@ -14,7 +14,7 @@ namespace qvx::simulator {
 namespace {
 
 sem_t interrupted;
-std::atomic<pid_t> child = 0;  // the program that runs; it has Ctrl-C from the terminal itself
+std::atomic<pid_t> child = 0;  // the running program; the terminal sends Ctrl-C to it directly
 
 void onInterrupt(int signal) {
   if (child == 0) sem_post(&interrupted);
@@ -41,7 +41,7 @@ std::optional<int> runProgram(std::span<const std::string> arguments) {
   pid_t started = 0;
   if (posix_spawnp(&started, words[0], nullptr, nullptr, words.data(), environ) != 0) return {};
   child = started;
-  if (sem_trywait(&interrupted) == 0) kill(started, SIGTERM);  // it came while the program did
+  if (sem_trywait(&interrupted) == 0) kill(started, SIGTERM);  // the signal came during the start
   int status = 0;
   while (waitpid(started, &status, 0) < 0) {
   }

@@ -19,14 +19,14 @@ BOOL WINAPI onInterrupt(DWORD /*event*/) {
   return TRUE;
 }
 
-// As the C runtime of the program takes it apart again: backslashes count where a quote follows.
+// Quotes as the program's C runtime parses it: backslashes are special only before a quote.
 std::wstring asArgument(const std::wstring& argument) {
   if (!argument.empty() && argument.find_first_of(L" \t\"") == std::wstring::npos) return argument;
   const auto escaped = std::regex_replace(argument, std::wregex(L"(\\\\*)\""), L"$1$1\\\"");
   return L'"' + std::regex_replace(escaped, std::wregex(L"(\\\\+)$"), L"$1$1") + L'"';
 }
 
-// Null when it does not start.
+// Null if it does not start.
 Handle startProcess(std::wstring commandLine, bool inherits, DWORD flags) {
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
@@ -40,7 +40,7 @@ Handle startProcess(std::wstring commandLine, bool inherits, DWORD flags) {
 
 constexpr wchar_t guardOption[] = L"--guard";
 
-// A process of its own, which tidies up should this one be killed.
+// A process that cleans up if this one is killed.
 void startGuard() {
   startProcess(asArgument(programPath()) + L" " + guardOption + L" " +
                    std::to_wstring(GetCurrentProcessId()),

@@ -5,9 +5,9 @@ namespace qvx::simulator {
 namespace {
 
 constexpr auto pause = std::chrono::milliseconds(5);
-constexpr std::size_t maxConnections = 32;  // a stream holds its thread for as long as it flows
+constexpr std::size_t maxConnections = 32;  // a stream occupies its thread
 
-// Restarts on the same port at once. On Windows the option would mean to share it.
+// Allows an immediate restart on the same port. On Windows the option would share the port instead.
 void configureSocket([[maybe_unused]] socket_t socket) {
 #ifndef _WIN32
   const int on = 1;

@@ -1,4 +1,4 @@
-// A web server on a port of this machine.
+// A web server on a TCP port of this machine.
 #pragma once
 
 #include <httplib.h>
@@ -13,23 +13,23 @@ namespace qvx::simulator {
 class HttpPort {
  public:
   HttpPort();
-  ~HttpPort();  // waits for answers under way
+  ~HttpPort();  // waits for responses in progress
   HttpPort(const HttpPort&) = delete;
   HttpPort& operator=(const HttpPort&) = delete;
 
-  // Listens on a thread of its own. Port 0 takes any free one; none is shared with another program.
-  // False when it cannot be had.
+  // Listens on a thread of its own; port 0 takes any free one. Ports are not shared with other
+  // programs. Returns false if the port is not available.
   bool start(const std::string& address, int port);
   int port() const { return port_; }
 
-  // To be called when `isDeaf` may have become true; any thread may.
+  // To be called when `isDeaf` may have become true; on any thread.
   void reconsider() {
     if (bound_ && isDeaf()) server.stop();
   }
 
-  // To be set up before the start.
+  // To be set before start().
   httplib::Server server;
-  std::function<bool()> isDeaf = [] { return false; };  // while it holds, connections are refused
+  std::function<bool()> isDeaf = [] { return false; };  // while true, connections are refused
 
  private:
   bool bind();

@@ -1,4 +1,4 @@
-// What a camera sees at this moment.
+// Live pictures of a camera.
 #pragma once
 
 #include <httplib.h>
@@ -8,12 +8,11 @@
 
 namespace qvx::simulator {
 
-// In any size; with noise of its own each time.
+// Renders what the camera sees now, in any size; the noise differs each time.
 Picture pictureOf(PluggedCamera& camera, int width, int height);
 
-// Answers with pictures until the client, the camera or the program is gone: in the size that the
-// camera was told to send, but not wider than that, and smaller, within limits, where the machine
-// is too slow for them.
+// Streams pictures until the client, the camera or the program is gone: in the size selected on the
+// camera, limited to maxWidth, and scaled down to minWidth while the machine is too slow.
 void sendStream(PluggedCamera& camera, int minWidth, int maxWidth, httplib::Response& response);
 
 }  // namespace qvx::simulator

@@ -38,12 +38,12 @@ void logAccess(const PluggedCamera& camera, const Access& access, bool whole) {
   }
 }
 
-// What a program prints is its own.
+// Prints nothing while a program runs: its output is not mixed with ours.
 void tell(const Options& options, const std::string& line) {
   if (options.program.empty()) print(line);
 }
 
-// Each returns what cannot be had; nothing when all is there.
+// Both return what is wrong, or nothing.
 std::string startWifi(const Options& options, Desk& desk, std::deque<HttpPort>& ports) {
   for (const auto& camera : desk.cameras()) {
     std::string line = camera->id() + "  " + camera->description().name;
@@ -60,7 +60,7 @@ std::string startWifi(const Options& options, Desk& desk, std::deque<HttpPort>& 
   return {};
 }
 
-// Several runs stand beside each other: the usual port may be another's.
+// Several simulators may run side by side: another one may have the default port.
 std::string startPage(const Options& options, Desk& desk, HttpPort& page) {
   const std::string& address = options.pageAddress;
   addPageRoutes(page.server, desk);

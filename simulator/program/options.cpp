@@ -62,7 +62,7 @@ bool setFlag(std::string_view, Options& options) {
 }
 
 constexpr struct Known {
-  std::string_view name, expected;  // of its value; nothing when it takes none
+  std::string_view name, expected;  // expected: describes the value; empty if there is none
   bool (*take)(std::string_view value, Options& options);
 } knownOptions[] = {
     {"--log", "", setFlag<&Options::log>},
@@ -73,7 +73,7 @@ constexpr struct Known {
     {"--help", "", setFlag<&Options::help>},
 };
 
-// What the options as a whole lack.
+// Checks the options as a whole; returns what is missing.
 std::string lackOf(const Options& options) {
   if (options.help || (options.unplug && options.cameras.empty())) return {};
   if (options.cameras.empty()) return "no camera given; see --help";

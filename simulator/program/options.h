@@ -14,15 +14,15 @@ struct Options {
   std::string address = "127.0.0.1";  // of Wi-Fi cameras
   std::string pageAddress = "127.0.0.1";
   int pagePort = 8064;
-  bool pageIsAsked = false;  // to be there and nowhere else
+  bool pageIsAsked = false;  // at this address or not at all
   bool noPage = false, log = false, unplug = false, help = false;
   std::vector<std::string> program;  // and its arguments
 };
 
-// What is wrong with the arguments, in one line; nothing when the options are theirs.
+// Parses the arguments. Returns one line that says what is wrong with them, or nothing.
 std::string optionsFrom(std::span<const std::string> arguments, Options& options);
 
-// What --help prints, without the grammar of cameras.
+// The text of --help, except the syntax of cameras.
 extern const char helpText[];
 
 }  // namespace qvx::simulator

@@ -19,7 +19,7 @@ PipeServer::~PipeServer() {
   ended_.wait(lock, [this] { return instances_ == 0; });
 }
 
-// Makes an instance of the pipe for one more client, who finds it there from now on.
+// Creates an instance of the pipe for one more client.
 void PipeServer::listen() {
   Handle instance(
       CreateNamedPipeW(path_.c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED,

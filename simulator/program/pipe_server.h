@@ -1,4 +1,4 @@
-// A camera's pipe, for its fronts: served from the time it is made until it goes.
+// The pipe of a camera, on which it serves its fronts from construction to destruction.
 #pragma once
 
 #include <condition_variable>
@@ -14,7 +14,7 @@ class PipeServer {
   PipeServer(PluggedCamera& camera, const std::wstring& pipe);
   ~PipeServer();
 
-  // Closes the pipe and all connections: fronts find the camera gone. Does not wait.
+  // Closes the pipe and all connections, without waiting: to the fronts the camera is gone.
   void close() { SetEvent(closing_.get()); }
 
  private:
@@ -26,7 +26,7 @@ class PipeServer {
   const Handle closing_ = makeEvent();
   std::mutex guard_;
   std::condition_variable ended_;
-  int instances_ = 0;  // each has a thread
+  int instances_ = 0;  // one thread each
 };
 
 }  // namespace qvx::simulator

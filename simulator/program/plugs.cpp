@@ -12,7 +12,8 @@ namespace qvx::simulator {
 
 namespace {
 
-// One thread of all processes at a time plugs in or out, whatever becomes of it meanwhile.
+// One thread of all processes at a time plugs or unplugs; a mutex is released even if its owner is
+// killed.
 struct Exclusive {
   static constexpr DWORD limit_ms = 60'000;
 

@@ -1,5 +1,4 @@
-// The cameras of a run as devices of this machine. Plugging in needs the rights of an
-// administrator.
+// The cameras of a run as devices of this machine. Plugging in requires administrator rights.
 #pragma once
 
 #include <memory>
@@ -13,27 +12,27 @@ namespace qvx::simulator {
 
 class PipeServer;
 
-// A part of the machine in which cameras are listed.
+// A kind of device as which the machine lists cameras.
 struct DeviceKind {
   bool (*includes)(const CameraRecord& camera);
-  // What is wrong; nothing when they are there. Never called for none.
+  // Returns what is wrong, or nothing. Never called without cameras.
   std::string (*plugIn)(const CameraRecords& cameras);
-  // What nobody serves; `last` when nothing that is served is left.
+  // Removes cameras that nobody serves any longer; `last`: no served camera of this kind remains.
   void (*takeOut)(const CameraRecords& cameras, bool last);
 };
 extern const DeviceKind videoInputs, usb3Devices, hidDevices;
 
-// The running program and its folder, with a backslash at its end; what is wrong when a file is not
-// there.
+// The running program; its folder, with a trailing backslash; the message if a file does not exist,
+// or nothing.
 std::wstring programPath();
 std::wstring programFolder();
 std::string missing(const std::wstring& file);
 
-// Texts of the registry's machine-wide part; an absent one reads as an empty one.
+// Text values below HKEY_LOCAL_MACHINE; a missing one reads as empty.
 std::wstring readText(const std::wstring& key, const wchar_t* name);
 bool writeText(const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
-// The cameras that have a pipe, served and plugged in for as long as this lives.
+// Serves and plugs in the desk's cameras, except Wi-Fi ones, while it lives.
 class ServedDesk {
  public:
   explicit ServedDesk(Desk& desk);
@@ -41,7 +40,7 @@ class ServedDesk {
   ServedDesk(const ServedDesk&) = delete;
   ServedDesk& operator=(const ServedDesk&) = delete;
 
-  // What is wrong; nothing when all are plugged in.
+  // What is wrong; empty if all cameras are plugged in.
   const std::string& problem() const { return problem_; }
   bool isEmpty() const { return servers_.empty(); }
 
@@ -53,7 +52,7 @@ class ServedDesk {
   std::vector<std::unique_ptr<PipeServer>> servers_;
 };
 
-// Takes out what is served by nobody.
+// Unplugs cameras that nobody serves any longer.
 void sweepPlugs();
 
 }  // namespace qvx::simulator

@@ -15,8 +15,8 @@ enum Status { ok = 200, methodNotAllowed = 405, unavailable = 503 };
 
 constexpr std::string_view homePage = "/", streamTarget = "/?action=stream";
 
-// Clients look for the camera by its home page: an access of the camera, which its faults spoil,
-// though the page answers it.
+// Clients detect the camera by its home page: a request for it counts as an access and is subject
+// to faults, although the simulator's page is sent.
 WifiAnswer answerOf(CameraDevice& device, const Request& request) {
   if (request.method != "GET") {
     return {methodNotAllowed, "text/plain", "405: GET only\n", "unknown method " + request.method};
@@ -26,7 +26,7 @@ WifiAnswer answerOf(CameraDevice& device, const Request& request) {
   return device.wifi.get(request.target);
 }
 
-// Fewer bytes than announced, and then the connection closes.
+// Sends fewer bytes than announced, then closes the connection.
 void sendPart(const Reply& reply, const std::string& contentType, Response& response) {
   response.set_content_provider(
       reply.announced, contentType,
@@ -61,7 +61,8 @@ Handled serve(PluggedCamera& camera, const Request& request, Response& response)
 void serveWifiCamera(HttpPort& port, PluggedCamera& camera, Desk& desk) {
   port.isDeaf = [&camera] { return camera.isDeaf(); };
   camera.onHearing = [&port] { port.reconsider(); };
-  // Clients leave their side of a connection open. It must not hold a thread after the answer.
+  // Clients do not close their side of a connection, which must not occupy a thread after the
+  // answer.
   port.server.set_keep_alive_max_count(1);
   addPageRoutes(port.server, desk);
   port.server.set_pre_routing_handler([&camera](const Request& request, Response& response) {

@@ -6,8 +6,8 @@
 
 namespace qvx::simulator {
 
-// Makes a port that has not started yet answer as the camera. What it asks for of the page answers
-// for all cameras of the desk.
+// Makes a port that has not started yet answer as the camera. Its page shows all cameras of the
+// desk.
 void serveWifiCamera(HttpPort& port, PluggedCamera& camera, Desk& desk);
 
 }  // namespace qvx::simulator

@@ -7,8 +7,9 @@ namespace qvx::simulator {
 
 namespace {
 
-// Each item, which is `size` numbers, becomes the mean of those around it. The outermost stand for
-// what lies beyond them. A sum runs along: the cost does not depend on the radius.
+// Box blur: replaces each item, which consists of `size` numbers, by the mean of its surroundings;
+// the outermost items are repeated beyond the edge. With a running sum the cost does not depend on
+// the radius.
 void average(const float* from, float* to, std::ptrdiff_t count, std::ptrdiff_t size,
              double radius) {
   const auto whole = static_cast<std::ptrdiff_t>(radius);
@@ -31,10 +32,10 @@ void average(const float* from, float* to, std::ptrdiff_t count, std::ptrdiff_t 
   }
 }
 
-// What a lens out of focus makes of it: each pixel spreads over `radius_px` to every side.
+// Defocus: spreads each pixel by `radius_px` in all directions.
 void blur(std::vector<float>& light, std::size_t width, std::size_t height, double radius_px) {
   constexpr double least_px = 0.05;
-  constexpr int times = 2;  // once would show squares
+  constexpr int times = 2;  // a single pass would show squares
   if (radius_px < least_px) return;
   std::vector<float> between(light.size());
   for (int i = 0; i < times; ++i) {
@@ -45,7 +46,7 @@ void blur(std::vector<float>& light, std::size_t width, std::size_t height, doub
   }
 }
 
-// Hue and saturation: they turn and stretch what sets a colour apart from grey.
+// Hue and saturation rotate and scale the difference between a colour and grey.
 struct Colours {
   float warmth, along, aside;
 
@@ -59,7 +60,7 @@ struct Colours {
   }
 };
 
-// Brightness, contrast and gamma, from no light to the most.
+// Brightness, contrast and gamma as a table over all levels of light.
 std::array<std::uint8_t, 8192> curveOf(const View& view) {
   constexpr double screenGamma = 2.2;
   std::array<std::uint8_t, 8192> curve;
@@ -72,18 +73,18 @@ std::array<std::uint8_t, 8192> curveOf(const View& view) {
   return curve;
 }
 
-// A number of a kind that has no order, from one to the next: of mean 0 and deviation 1, nearly.
+// Random numbers (xorshift) of triangular distribution with mean 0 and standard deviation 1.
 float nextNoise(std::uint32_t& state) {
-  constexpr float mean = 0xFFFF, deviation = 26755;  // of the sum of two numbers of 16 bits
+  constexpr float mean = 0xFFFF, deviation = 26755;  // of the sum of two 16-bit numbers
   state ^= state << 13;
   state ^= state >> 17;
   state ^= state << 5;
   return (static_cast<float>((state & 0xFFFF) + (state >> 16)) - mean) / deviation;
 }
 
-// The lens gives less to the corners.
+// Vignetting: the lens darkens the corners.
 float vignetting(const Picture& picture, int x, int y) {
-  constexpr float lost = 0.5F;  // at the middle of the left and right edge
+  constexpr float lost = 0.5F;  // at the centre of the left and right edges
   const float half = static_cast<float>(picture.width) / 2;
   const float across = static_cast<float>(x) / half - 1;
   const float down = (static_cast<float>(y) - static_cast<float>(picture.height) / 2) / half;
@@ -109,7 +110,7 @@ void develop(const View& view, std::vector<float>& light, std::uint64_t frame, P
   };
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
-      // Away from the mean of the neighbours, or towards it.
+      // Sharpens away from the mean of the neighbours, or smooths towards it.
       const float *const here = at(x, y), *const left = at(x - 1, y), *const right = at(x + 1, y),
                          *const above = at(x, y - 1), *const below = at(x, y + 1);
       Light signal;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int glyphWidth = 5, glyphHeight = 7;
 
-// Five bits for each line of a character, from the top; u stands for the Greek letter.
+// Bitmap font: five bits for each row of a character, from the top; u is the Greek letter mu.
 constexpr std::string_view characters = "0125um";
 constexpr std::uint8_t glyphs[][glyphHeight] = {
     {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}, {0x04, 0x0C, 0x04, 0x04, 0x04, 0x04, 0x0E},
@@ -18,7 +18,7 @@ constexpr std::uint8_t glyphs[][glyphHeight] = {
     {0x00, 0x00, 0x11, 0x11, 0x13, 0x1D, 0x10}, {0x00, 0x00, 0x1A, 0x15, 0x15, 0x15, 0x15},
 };
 
-// Where in the picture, from its upper left corner: all of it lies within.
+// A rectangle within the picture, from its upper left corner.
 void fill(Picture& picture, int left, int top, int width, int height, std::uint8_t grey) {
   for (int y = top; y < top + height; ++y) std::fill_n(picture.at(left, y), 3 * width, grey);
 }
@@ -36,7 +36,7 @@ void write(Picture& picture, int left, int top, int dot, std::string_view text, 
   }
 }
 
-// The longest of 1, 2 or 5 times a power of ten that is at most a quarter of the field.
+// The largest 1, 2 or 5 times a power of ten that is not more than a quarter of the field.
 double barLength_um(double fieldWidth_um) {
   const double most_um = fieldWidth_um / 4, power = std::pow(10, std::floor(std::log10(most_um)));
   return power * (5 * power <= most_um ? 5 : 2 * power <= most_um ? 2 : 1);

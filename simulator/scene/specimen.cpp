@@ -8,27 +8,28 @@ namespace qvx::simulator {
 
 namespace {
 
-// ---- The specimen: a leaf in autumn, a network of veins within the meshes of a coarser one, from
-// a hand's width down to single cells. Detail too fine for the pixels blends into its mean.
+// ---- The specimen: an autumn leaf, a network of veins within the meshes of a coarser one, from
+// the width of a hand down to single cells. Detail finer than a pixel is averaged out.
 
-// Meshes of one size. Widths and heights count in cells, so that every level looks like the last.
+// Meshes (Worley noise) of one size. Widths and heights are in units of the cell size, so that all
+// levels look alike.
 struct MeshLevel {
   double cell_um;
   float halfVein, paleness;  // of the veins between the cells
-  float shade, hue;          // by how much they differ among cells
+  float shade, hue;          // variation between cells
 };
 
-// A point of a cell: all that is nearer to it than to other points belongs to its mesh.
+// The point of a cell: everything nearer to it than to other points belongs to its mesh.
 struct MeshPoint {
   float x, y, trait;
 };
 
-// For each pixel of a line the squared distances of the two nearest points, in cells.
+// For each pixel of a line the squared distances to the two nearest points, in cell sizes.
 struct Mesh {
-  Row nearest, second, trait;  // the trait is the nearest point's
+  Row nearest, second, trait;  // trait: of the nearest point
 };
 
-// A line of pixels across the leaf, as the levels so far have made it.
+// A line of pixels across the leaf, accumulated over the levels.
 struct Leaf {
   Row shade, hue, veins, height_um;
 };
@@ -42,13 +43,13 @@ constexpr MeshLevel levels[] = {
 
 constexpr float farAway = 1e9F;
 
-// From 0 to 1 while `value` goes from -1 to 1.
+// Smooth step: rises from 0 to 1 while `value` goes from -1 to 1.
 float edge(float value) {
   const float t = std::fmin(std::fmax(0.5F + 0.5F * value, 0.0F), 1.0F);
   return t * t * (3 - 2 * t);
 }
 
-// The same for the same cell, without any order among neighbours.
+// Hash of a cell: reproducible, but unrelated to that of its neighbours.
 std::uint64_t scrambled(std::int64_t column, std::int64_t row, std::uint64_t seed) {
   std::uint64_t hash = static_cast<std::uint64_t>(column) * 0x9E3779B97F4A7C15U ^
                        static_cast<std::uint64_t>(row) * 0xC2B2AE3D27D4EB4FU ^ seed;
@@ -56,18 +57,18 @@ std::uint64_t scrambled(std::int64_t column, std::int64_t row, std::uint64_t see
   return (hash ^ hash >> 32) * 0x94D049BB133111EBU;
 }
 
-// Sixteen bits of a hash, from -1 to 1.
+// Sixteen bits of a hash as a number from -1 to 1.
 float part(std::uint64_t hash, int shift) {
   return static_cast<float>(hash >> shift & 0xFFFF) / 32767.5F - 1;
 }
 
-// A second number from one from -1 to 1, as if it had nothing to do with it.
+// Derives a second, seemingly independent number from a number from -1 to 1.
 float otherTrait(float trait) {
   const float many = 61 * (trait + 1);
   return 2 * (many - static_cast<float>(static_cast<int>(many))) - 1;
 }
 
-// The leaf's colours, from what is still green to what is withered.
+// The leaf's colours, from still green to withered.
 constexpr float colours[][3] = {{0.05F, 0.20F, 0.03F},
                                 {0.22F, 0.40F, 0.05F},
                                 {0.72F, 0.50F, 0.07F},
@@ -75,7 +76,8 @@ constexpr float colours[][3] = {{0.05F, 0.20F, 0.03F},
                                 {0.34F, 0.05F, 0.05F}};
 constexpr float pale[3] = {0.86F, 0.80F, 0.52F};
 
-// By value: what lies in memory would be read again after every write.
+// `point` and `y` are passed by value: the compiler would have to reload references after every
+// write.
 void measure(MeshPoint point, float y, const Row& columns, std::size_t first, Mesh& mesh) {
   const float down2 = (y - point.y) * (y - point.y);
 #pragma GCC ivdep  // the rows do not overlap
@@ -89,7 +91,7 @@ void measure(MeshPoint point, float y, const Row& columns, std::size_t first, Me
   }
 }
 
-// Square by square of a grid with a point in each, around its middle.
+// Processes a grid cell by cell; each cell has one point near its centre.
 Mesh meshAt(const MeshLevel& level, double y_um, double pixel_um, std::size_t width) {
   constexpr float spread = 0.38F;
   Mesh mesh{Row(width, farAway), Row(width, farAway), Row(width)};
@@ -118,8 +120,8 @@ Mesh meshAt(const MeshLevel& level, double y_um, double pixel_um, std::size_t wi
   return mesh;
 }
 
-// Veins stand out, cells bulge between them; in the veins of coarser levels there is little of
-// that.
+// Veins are raised and the cells between them bulge; within the veins of coarser levels this is
+// weak.
 void add(MeshLevel level, const Mesh& mesh, float pixel_um, Leaf& leaf) {
   constexpr float bulge = 0.07F, ridge = 0.6F, hidden = 0.65F;
   const auto cell_um = static_cast<float>(level.cell_um);
@@ -139,7 +141,7 @@ void add(MeshLevel level, const Mesh& mesh, float pixel_um, Leaf& leaf) {
   }
 }
 
-// The part of the light that a pixel reflects.
+// The reflectance of a pixel.
 Light colourOf(const Leaf& leaf, std::size_t pixel) {
   constexpr auto last = static_cast<float>(std::size(colours) - 1);
   const float place = std::clamp(leaf.hue[pixel], 0.0F, 0.999F) * last;
@@ -154,7 +156,7 @@ Light colourOf(const Leaf& leaf, std::size_t pixel) {
   return rgb;
 }
 
-// Its middle is at 0, 0; y points down.
+// The leaf's centre is at 0, 0; y points down.
 Leaf leafAt(double y_um, double pixel_um, std::size_t width) {
   Leaf leaf{Row(width, 1), Row(width, 0.42F), Row(width), Row(width)};
   for (const MeshLevel& level : levels) {
@@ -164,12 +166,12 @@ Leaf leafAt(double y_um, double pixel_um, std::size_t width) {
   return leaf;
 }
 
-// ---- The light on it
+// ---- Its illumination
 
-// Where the quadrants stand, seen from the middle: the first at the upper right, then clockwise.
+// Directions of the quadrants from the centre: the first at the upper right, then clockwise.
 constexpr float directions[4][2] = {{0.7F, -0.7F}, {0.7F, 0.7F}, {-0.7F, 0.7F}, {-0.7F, -0.7F}};
 
-// A place in the picture seen from its middle, in halves of its width; or a slope.
+// A position relative to the picture's centre, in units of half its width; or a slope.
 struct Vector {
   float across, down;
 
@@ -189,8 +191,8 @@ class Lighting {
     }
   }
 
-  // Near a lit quadrant it is brighter, and slopes that face it are. The axial light comes back
-  // from what is level; hollows get less of everything.
+  // A lit quadrant brightens its neighbourhood and the slopes that face it. The axial light is
+  // reflected by level parts; hollows get less of all light.
   float at(const Vector& place, const Vector& slope) const {
     constexpr float nearer = 0.8F, relief = 2.2F, hollow = 0.25F, minShare = 0.2F;
     const float steep = std::min(slope.dot(slope), 1.0F);
@@ -200,7 +202,7 @@ class Lighting {
     return (1 - hollow * steep) * (fromRing + axial + static_cast<float>(roomLight));
   }
 
-  // The aiming point: a red spot, as wide as its beam but never too small to be seen.
+  // The aiming point: a red spot as wide as its beam, but never too small to be visible.
   float aimAt(const Vector& place) const {
     constexpr float brightness = 2;
     if (view_.aim == 0) return 0;

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-// After what it needs.
+// After the headers that it depends on.
 #include <jpeglib.h>
 
 #include "simulator/scene/stages.h"
@@ -36,7 +36,7 @@ std::string jpegOf(const Picture& picture, int quality) {
   jpeg_set_quality(&encoder, quality, TRUE);
   jpeg_start_compress(&encoder, TRUE);
   for (int line = 0; line < picture.height; ++line) {
-    // The encoder does not write to the line, though its type says so.
+    // The encoder does not modify the line, although its type is not const.
     auto* row = const_cast<JSAMPROW>(&picture.rgb[picture.placeOf(0, line)]);
     jpeg_write_scanlines(&encoder, &row, 1);
   }

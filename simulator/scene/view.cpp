@@ -16,7 +16,7 @@ double ratio(const Camera& camera, std::int32_t property) {
   return setting(camera, property) / pictureControl(property)->defaultValue;
 }
 
-// By itself a camera first exposes longer, then amplifies.
+// Automatic exposure first exposes longer, then raises the gain.
 void expose(const Camera& camera, double light, View& view) {
   constexpr double gainPerUnit = 0.03, backlightStep = 0.15, longest = 2, maxExposure = 16;
   view.gain = 1 + gainPerUnit * setting(camera, 9);
@@ -32,7 +32,7 @@ void expose(const Camera& camera, double light, View& view) {
   view.gain = std::max(view.gain, view.exposure / longest);
 }
 
-// What the optics show at x1, in units of 0.55 mm: the sensor's width.
+// The width of the sensor in units of 0.55 mm: the field of view at x1.
 constexpr struct {
   std::uint16_t first, last;  // product ids
   double width;
@@ -49,11 +49,11 @@ double sensorWidth(std::uint16_t productId) {
 
 }  // namespace
 
-// A camera without a ring stands at a usual magnification, one without a focus lens was focused by
-// hand. The depth of focus shrinks as the magnification grows.
+// A camera without a zoom ring has a typical fixed magnification; one without a focus lens is in
+// focus. The depth of focus shrinks as the magnification grows.
 View viewOf(const Camera& camera) {
   constexpr double unit_um = 550, usual = 50, warmthExponent = 0.6;
-  constexpr double blurPerUnit = 1.0 / 80'000;  // of the lens, at x1
+  constexpr double blurPerUnit = 1.0 / 80'000;  // per lens unit, at x1
   const double zoom = camera.hasZoomRing() ? std::max(camera.magnification(), 1.0) : usual;
   const double offFocus = camera.lens.kind != Lens::none ? camera.lens.offset - focusAt : 0;
   const Illumination& lights = camera.controller.lights();

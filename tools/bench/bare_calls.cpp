@@ -1,7 +1,7 @@
 #include "tools/bench/bare_calls.h"
 
 #include <windows.h>
-// The process's own headers follow windows.h.
+// These headers depend on windows.h.
 #include <objbase.h>
 #include <process.h>
 #include <wininet.h>
@@ -102,7 +102,7 @@ struct Transfer {
   void (BareBridge::*run)();
 };
 
-// The mutex that all processes with a bridge camera share.
+// The mutex shared by all processes that use a bridge camera.
 HANDLE openMutex() {
   return CreateMutexA(nullptr, FALSE, "Empia VideoClass HidClass Library");
 }
@@ -112,7 +112,7 @@ HANDLE sharedMutex() {
   return mutex;
 }
 
-// What opening a transport and closing it again is made of, apart from the search.
+// The calls for opening and closing a transport, around the search.
 template <class Search>
 void asTransport(Search search) {
   CoInitialize(nullptr);
@@ -124,7 +124,7 @@ void asTransport(Search search) {
   CoUninitialize();
 }
 
-// Each input is asked for a node of either register set.
+// Searches each video input for a node of either register set.
 void searchExtensionUnitsInVain() {
   asTransport([] {
     for (const auto& filter : platform::openTopologyFilters()) {
@@ -264,7 +264,7 @@ void bareUsb3Read() {
   platform::UsbK_ControlTransfer(handle, {0xA1, 0x81, 0x0303, 0x0300, 1}, &value, 1, &moved);
 }
 
-// The pipes were listed by the first opening.
+// Without the list of pipes: only the first opening queries them.
 void bareUsb3Open() {
   platform::KLST_HANDLE devices = nullptr;
   platform::KUSB_HANDLE opened = nullptr;

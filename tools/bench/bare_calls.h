@@ -1,5 +1,5 @@
-// The system calls that the library's operations come down to, in their order and on threads of
-// their own where the library has some: what it is measured against.
+// The system calls behind the library's operations, in the same order and, where the library uses
+// threads, on threads too: the baseline of the measurements.
 #pragma once
 
 #include <cstdint>
@@ -13,22 +13,22 @@ void barePause(unsigned milliseconds);
 // The camera's address from the environment, and the masks of floating-point exceptions.
 void bareSettings();
 
-// A request and its one read. Like the library's, both handles stay open.
+// A request and a single read. As in the library, both handles stay open.
 void bareWifiCommand(const std::wstring& url);
 
-// Is a camera there, and which? Also looks for USB cameras, of which there are none.
+// Detects the Wi-Fi camera and its product id, and searches in vain for USB cameras.
 void bareWifiSearch(const std::wstring& baseUrl);
 
-// Looks for bridge cameras in both ways, in vain.
+// Searches for bridge cameras in both ways, in vain.
 void bareBridgeSearch();
 
-// Looks for libusbK.dll in vain, and says so.
+// Searches for libusbK.dll in vain, and prints that.
 void bareLibusbkSearch();
 
 // Lists the video inputs.
 void bareListing();
 
-// Starts a timer that never runs here.
+// Starts a timer that never fires here.
 void bareTimer();
 
 // A camera behind a bridge. Each transfer runs on a thread of its own, under the system-wide mutex.
@@ -39,8 +39,8 @@ class BareBridge {
   void readGeneration() { registerRead(); }
   void readRegister() { onWorker(&BareBridge::registerRead); }
 
-  // A register of the camera's controller: the chip's generation, the bus (read and written), and
-  // the register itself.
+  // Reads a controller register: reads the chip's generation, reads and writes the bus switch, then
+  // reads the register itself.
   void readController();
 
  protected:
@@ -52,14 +52,14 @@ class BareBridge {
   void onWorker(void (BareBridge::*transfer)());
 };
 
-// Finds the one camera there is and opens it.
+// Finds and opens the only camera.
 std::unique_ptr<BareBridge> openBareExtensionUnit();
 std::unique_ptr<BareBridge> openBareHid();
 
-// A register of a USB 3 camera's controller, on the device that the library has opened.
+// Reads a controller register of a USB 3 camera, on the device that the library has opened.
 void bareUsb3Read();
 
-// Opens the library's device anew, in its words.
+// Opens the same device again and prints what the library prints.
 void bareUsb3Open();
 
 }  // namespace qvx::bench

@@ -1,6 +1,6 @@
-// What loading QVX64.dll costs at least: this DLL has the whole of its platform part, and so its
-// imports and its attaching, and as much of the C++ runtime as jsoncpp and the computations bring
-// along. It calls none of it by itself.
+// The minimum cost of loading QVX64.dll: this DLL links the whole platform part, hence the same
+// imports and initialisation, and the parts of the C++ runtime that jsoncpp and the computations
+// need. It calls none of it by itself.
 #include <json/reader.h>
 #include <json/value.h>
 

@@ -1,7 +1,7 @@
-// What the library costs beyond the system calls it makes, one table: bench.exe [section...]
-// Needs a simulated Wi-Fi camera on port 8080 and the rights to plug simulated cameras in.
+// The cost of the library beyond its system calls, as a table: bench.exe [section...]. Needs a
+// simulated Wi-Fi camera on port 8080 and the rights to plug in simulated cameras.
 #include <windows.h>
-// The process's own headers follow windows.h.
+// These headers depend on windows.h.
 #include <json/reader.h>
 #include <json/value.h>
 
@@ -35,15 +35,15 @@ using tests::SimulatedCameras;
 constexpr int calls = 1000;
 constexpr int callRounds = 200;
 
-// Three points of calibration in single bytes: Init reads 16 controller registers and makes one
-// pause on a bridge; over Wi-Fi it reads 25 and pauses after each.
+// A calibration of three points in single bytes: on a bridge Init reads 16 controller registers
+// with one pause; over Wi-Fi it reads 25 with a pause after each.
 constexpr char bridgeCamera[] = "0890";
 constexpr int controllerReadsOfInit = 16, wifiReadsOfInit = 25;
 constexpr unsigned pauseOfInit_ms = 100, pauseOfWifiRead_ms = 5, pauseOfWifiWrite_ms = 10;
 constexpr int roundsOfInit = 100;
 
-// The one USB 3 camera whose controller is read over USB 3 has its calibration in 16 registers with
-// a pause after each.
+// The only model whose controller is read over USB 3: its calibration takes 16 registers with a
+// pause after each.
 constexpr int usb3ReadsOfInit = 27, calibrationRegisters = 16;
 constexpr unsigned pauseOfCalibration_ms = 50;
 
@@ -59,7 +59,7 @@ void initialize(int deviceIndex) {
 void measureWifi() {
   const std::string base = wifiBaseUrl();
   const std::wstring read = widen(CMD_I2C_R(base, 0x62, 0x80, 1, 1));
-  const std::string write = CMD_GPIO_W(base, 0, 0x02, 0x02);  // the lights are on pins
+  const std::string write = CMD_GPIO_W(base, 0, 0x02, 0x02);  // its lights are on GPIO pins
   initialize(wifiDeviceIndex);
   compare(
       {"Wi-Fi register read, us", 300, 1.05}, [] { ReadPIC(0x80); },
@@ -140,7 +140,7 @@ void measureUsb3() {
   initialize(chooseAutomatically);
   compare(
       {"USB 3 register read, us", 3000, 1.15}, [] { ReadFromPIC(0, 0x80); }, bareUsb3Read);
-  // With a device index it would open the camera only beside one behind a bridge.
+  // With a device index, Init would open a USB 3 camera only next to a bridge camera.
   compare(
       {"Init, USB 3, us", roundsOfInit, 1.15}, [] { initialize(chooseAutomatically); },
       [] {
@@ -156,7 +156,7 @@ void measureUsb3() {
       });
 }
 
-// Twenty controls, of which the last one is wanted.
+// Twenty controls; the test reads the last one.
 std::string controlDocument() {
   std::string text = R"({"controls": [)";
   for (int i = 1; i <= 20; ++i) {
@@ -184,7 +184,7 @@ void measureComputations() {
       "predicate over a list (isVK4xxx_2Series), us",
       fastest_us(callRounds, calls, [](int i) { sink = isVK4xxx_2Series(0x870 + (i & 0x3F)); }),
       0.05);
-  // With no camera its register reads end at once: what remains is the computation.
+  // Without a camera the register reads fail at once: only the computation remains.
   etLib2_Release();
   nTmpIdx = 0;
   ulC5 = 3;
@@ -193,7 +193,7 @@ void measureComputations() {
              fastest_us(callRounds, calls, [](int) { Count890Rate(); }), 1);
 }
 
-// The library stays loaded: each load is measured in a process of its own, whose exit code is the
+// The library stays loaded, so each load is measured in a separate process, whose exit code is the
 // time in tenths of a microsecond.
 int load(const std::string& name) {
   HMODULE library = nullptr;

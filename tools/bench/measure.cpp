@@ -23,7 +23,7 @@ void WINAPI countPause(DWORD milliseconds) {
   paused_ms += milliseconds;
 }
 
-// What that share of the values stays below.
+// The quantile of the values for that share.
 double quantileOf(std::vector<double>& values, double share) {
   const auto place =
       values.begin() + static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size()));
@@ -35,7 +35,7 @@ double fastestTenthOf(std::vector<double>& times) {
   return quantileOf(times, 0.1);
 }
 
-// The pauses that an operation makes.
+// Records the pauses of an operation.
 unsigned pausesOf(const Operation& operation) {
   paused_ms = 0;
   operation();
@@ -54,7 +54,7 @@ void endRow(double value, double limit) {
 void openTable() {
   table = _fdopen(_dup(_fileno(stdout)), "w");
   std::freopen("NUL", "w", stdout);
-  std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);  // as in a file: a line at a time, not a character
+  std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);  // as for a file, not by the character
 }
 
 void printHead() {

@@ -19,7 +19,7 @@ class CaptureFilter final
         extensions_(extensionsOf(record.unit)),
         pin_(*this, camera_, record.productId) {}
 
-  // As for real cameras.
+  // The class of capture filters of real cameras.
   STDMETHODIMP GetClassID(CLSID* id) override {
     *id = CLSID_Proxy;
     return S_OK;
@@ -77,7 +77,7 @@ class CaptureFilter final
   }
   STDMETHODIMP QueryVendorInfo(LPWSTR*) override { return E_NOTIMPL; }
 
-  // The picture controls.
+  // IAMVideoProcAmp
   STDMETHODIMP GetRange(long property, long* min, long* max, long* step, long* defaultValue,
                         long* flags) override {
     PictureValue current;
@@ -102,7 +102,8 @@ class CaptureFilter final
     return S_OK;
   }
 
-  // The nodes: what processes pictures, then the extension units, then where the pictures go.
+  // IKsTopologyInfo. The nodes: camera terminal, processing unit, extension units, streaming
+  // terminal.
   STDMETHODIMP get_NumCategories(DWORD* count) override {
     *count = 1;
     return S_OK;
@@ -138,7 +139,7 @@ class CaptureFilter final
     return node < nodeCount() ? QueryInterface(iid, object) : E_INVALIDARG;
   }
 
-  // Requests to extension units of exactly the given bytes.
+  // IKsControl: requests to extension units, passed on unchanged.
   STDMETHODIMP KsProperty(PKSPROPERTY property, ULONG propertySize, LPVOID data, ULONG dataSize,
                           ULONG* returned) override {
     if (returned == nullptr) return E_POINTER;
@@ -174,12 +175,12 @@ class CaptureFilter final
   }
 
  private:
-  // The one property set of each.
+  // The property set of each extension unit; null for a foreign one.
   using Extensions = std::span<const PropertySetId* const>;
 
   static constexpr DWORD firstExtension = 2;
 
-  // One of another maker comes first: a client must ask each for the set it wants.
+  // The bridge's units follow a foreign one: a client has to ask each unit for its property set.
   static Extensions extensionsOf(Unit unit) {
     static constexpr const PropertySetId* bridge[] = {nullptr, &bridgeRegisterSet,
                                                       &bridgeCommandSet};
@@ -212,7 +213,7 @@ class CaptureFilter final
 
   FILTER_STATE state_ = State_Stopped;
   ComPtr<IReferenceClock> clock_;
-  IFilterGraph* graph_ = nullptr;  // the graph owns the filter: no reference
+  IFilterGraph* graph_ = nullptr;  // not counted: the graph owns the filter
   std::wstring name_;
 };
 

@@ -1,4 +1,4 @@
-// The capture filter of a virtual camera: what an application gets when it opens the device.
+// The capture filter of a simulated camera, which an application gets when it opens the device.
 #pragma once
 
 #include "simulator/fronts/capture_filter/kernel_streaming.h"
@@ -6,7 +6,7 @@
 
 namespace qvx::simulator {
 
-// A reference to a new one.
+// Returns a new filter with one reference, owned by the caller.
 IBaseFilter* makeCaptureFilter(const CameraRecord& camera);
 
 }  // namespace qvx::simulator

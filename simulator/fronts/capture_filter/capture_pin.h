@@ -1,4 +1,4 @@
-// The pin of a virtual camera, from which its video flows.
+// The output pin of a simulated camera.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 
 namespace qvx::simulator {
 
-// Lives and dies with its filter, but is a COM object of its own.
+// A COM object of its own that shares its filter's lifetime and reference count.
 class CapturePin final : public IPin, public IAMStreamConfig, public IKsPropertySet {
  public:
   static constexpr wchar_t name[] = L"Capture";
@@ -25,7 +25,7 @@ class CapturePin final : public IPin, public IAMStreamConfig, public IKsProperty
     std::ranges::sort(sizes_, {}, &VideoMode::width);
   }
 
-  // What flows from it; the filter sets it going and stops it.
+  // The pin's video, which the filter starts and stops.
   VideoStream& stream() { return stream_; }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
@@ -37,7 +37,7 @@ class CapturePin final : public IPin, public IAMStreamConfig, public IKsProperty
   STDMETHODIMP_(ULONG) AddRef() override { return filter_.AddRef(); }
   STDMETHODIMP_(ULONG) Release() override { return filter_.Release(); }
 
-  // Tries what the caller allows, in the order in which it is offered.
+  // Tries the offered types that the caller allows, in their order.
   STDMETHODIMP Connect(IPin* other, const AM_MEDIA_TYPE* wanted) override {
     if (other == nullptr) return E_POINTER;
     if (other_ != nullptr) return VFW_E_ALREADY_CONNECTED;
@@ -115,7 +115,7 @@ class CapturePin final : public IPin, public IAMStreamConfig, public IKsProperty
     return allocateMediaType(size, type);
   }
 
-  // The one property of a pin: what it is for.
+  // The pin's only property: its category.
   STDMETHODIMP Set(REFGUID, DWORD, LPVOID, DWORD, LPVOID, DWORD) override {
     return E_PROP_ID_UNSUPPORTED;
   }
@@ -159,8 +159,8 @@ class CapturePin final : public IPin, public IAMStreamConfig, public IKsProperty
 
   IBaseFilter& filter_;
   std::vector<VideoMode> sizes_;       // the smallest first
-  const VideoMode* chosen_ = nullptr;  // by SetFormat: then no other is offered
-  VideoMode flowing_{};                // in the connection
+  const VideoMode* chosen_ = nullptr;  // by SetFormat; null: all sizes are offered
+  VideoMode flowing_{};                // the connection's
   ComPtr<IPin> other_;
   VideoStream stream_;
 };

@@ -1,4 +1,4 @@
-// The smallest base for COM objects.
+// A minimal base for COM objects.
 #pragma once
 
 #include <unknwn.h>
@@ -12,8 +12,8 @@ namespace qvx::simulator {
 
 using Microsoft::WRL::ComPtr;
 
-// The pointer to the interface with this id, among those listed, the first of which is the object's
-// identity; null when it is none of them.
+// The object's interface with this id, out of the listed ones; the first of them serves as
+// IUnknown. Null for any other id.
 template <class First, class... Interfaces, class Object>
 void* interfaceOf(Object* object, REFIID iid) {
   const bool isFirst = iid == __uuidof(IUnknown) || iid == __uuidof(First);
@@ -22,7 +22,7 @@ void* interfaceOf(Object* object, REFIID iid) {
   return found;
 }
 
-// Counts references from 1 and frees itself with the last.
+// Starts with one reference and deletes itself with the last.
 template <class First, class... Others>
 class ComObject : public First, public Others... {
  public:
@@ -49,7 +49,7 @@ class ComObject : public First, public Others... {
   std::atomic<ULONG> references_{1};
 };
 
-// An enumerator of items that are made one by one.
+// An enumerator that creates its items on demand.
 template <class Enumerator, class Item>
 class ItemEnumerator final : public ComObject<Enumerator> {
  public:
@@ -87,7 +87,7 @@ class ItemEnumerator final : public ComObject<Enumerator> {
   ULONG position_;
 };
 
-// Hands out a new object's interface, or frees the object when it has none of that kind.
+// Passes a new object on as the requested interface; deletes it if it does not have that.
 inline HRESULT handOut(IUnknown* object, REFIID iid, void** result) {
   const HRESULT status = object->QueryInterface(iid, result);
   object->Release();

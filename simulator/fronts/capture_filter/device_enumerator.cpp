@@ -1,5 +1,5 @@
-// Stands in for the system's device enumerator: virtual cameras get the display names that Windows
-// gives to real ones. Everything else is left to the system's own.
+// Replaces the system's device enumerator, so that simulated cameras have display names as Windows
+// gives them to real ones. Other categories are left to the system's own.
 #include <cstdio>
 
 #include "simulator/fronts/camera_list.h"
@@ -14,8 +14,7 @@ namespace {
 
 using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 
-// The part of the display name that stands for the device; one number in it tells apart cameras of
-// one product.
+// The device part of the display name; the number in it distinguishes cameras of one product.
 std::wstring devicePathOf(const CameraRecord& camera) {
   char text[160];
   std::snprintf(text, sizeof text,
@@ -45,7 +44,7 @@ class DeviceProperties final : public ComObject<IPropertyBag> {
   const CameraRecord camera_;
 };
 
-// A camera's place in the enumeration: its names, and the way to open it.
+// A camera in the enumeration: its names and the means to open it.
 class CameraMoniker final : public ComObject<IMoniker> {
  public:
   explicit CameraMoniker(const CameraRecord& camera) : camera_(camera) {}
@@ -62,7 +61,7 @@ class CameraMoniker final : public ComObject<IMoniker> {
     return SHStrDupW((L"@device:pnp:" + devicePathOf(camera_)).c_str(), name);
   }
 
-  // What a moniker also has to have, but nobody asks of a device's.
+  // The rest of IMoniker, which nobody uses on a device moniker.
   STDMETHODIMP GetClassID(CLSID*) override { return E_NOTIMPL; }
   STDMETHODIMP IsDirty() override { return S_FALSE; }
   STDMETHODIMP Load(IStream*) override { return E_NOTIMPL; }
@@ -87,7 +86,7 @@ class CameraMoniker final : public ComObject<IMoniker> {
   const CameraRecord camera_;
 };
 
-// Past the registration that ours has taken over.
+// Bypasses the registration, which points to this DLL.
 HRESULT createSystemEnumerator(ComPtr<ICreateDevEnum>& enumerator) {
   const HMODULE library = LoadLibraryExW(L"devenum.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
   const auto getClassObject = reinterpret_cast<GetClassObject>(
@@ -111,7 +110,7 @@ class DeviceEnumerator final : public ComObject<ICreateDevEnum> {
   }
 
  private:
-  // What a killed simulator has left is no camera.
+  // Omits cameras that a killed simulator has left behind.
   static HRESULT enumerateCameras(IEnumMoniker** monikers) {
     CameraRecords cameras = listedCameras();
     std::erase_if(cameras, [](const CameraRecord& camera) {
@@ -142,7 +141,7 @@ class Factory final : public ComObject<IClassFactory> {
 
 }  // namespace qvx::simulator
 
-// Once loaded the DLL stays: other threads may be in it.
+// Keeps the DLL loaded: other threads may be executing it.
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
   *object = nullptr;
   HMODULE module = nullptr;

@@ -1,8 +1,9 @@
-// The kernel-streaming declarations, in the order they need, and those that mingw-w64 lacks.
+// The kernel-streaming headers in the order that they require, and declarations that mingw-w64
+// lacks.
 #pragma once
 
 #include <windows.h>
-// DirectShow's header would keep a part of this one back.
+// Before dshow.h, which would hide parts of it.
 #include <shlwapi.h>
 
 #include <dshow.h>

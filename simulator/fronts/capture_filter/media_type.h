@@ -1,4 +1,4 @@
-// The kinds of video that a virtual camera sends: uncompressed, in the sizes of its model.
+// The video formats of a simulated camera: uncompressed, in the sizes of its model.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace qvx::simulator {
 
 inline constexpr REFERENCE_TIME frameTime_100ns = 666'666;
 
-// The format lies in memory that whoever gets the type frees.
+// The receiver of the type frees the format.
 inline HRESULT fillMediaType(const VideoMode& size, AM_MEDIA_TYPE& type) {
   type = {};
   auto* const format = static_cast<VIDEOINFOHEADER*>(CoTaskMemAlloc(sizeof(VIDEOINFOHEADER)));
@@ -34,7 +34,7 @@ inline HRESULT fillMediaType(const VideoMode& size, AM_MEDIA_TYPE& type) {
   return S_OK;
 }
 
-// So does the type itself.
+// The receiver also frees the type itself.
 inline HRESULT allocateMediaType(const VideoMode& size, AM_MEDIA_TYPE** type) {
   *type = static_cast<AM_MEDIA_TYPE*>(CoTaskMemAlloc(sizeof(AM_MEDIA_TYPE)));
   return *type == nullptr ? E_OUTOFMEMORY : fillMediaType(size, **type);
@@ -53,7 +53,7 @@ inline VIDEO_STREAM_CONFIG_CAPS capabilitiesOf(const VideoMode& size) {
   return result;
 }
 
-// Whether a type, which may be incomplete, allows a size.
+// Whether a possibly partial type allows a size.
 inline bool allows(const AM_MEDIA_TYPE& wanted, const VideoMode& size) {
   const auto isOpen = [](const GUID& id) { return id == GUID_NULL; };
   if (!isOpen(wanted.majortype) && wanted.majortype != MEDIATYPE_Video) return false;
@@ -66,7 +66,7 @@ inline bool allows(const AM_MEDIA_TYPE& wanted, const VideoMode& size) {
   return header.biWidth == size.width && header.biHeight == size.height;
 }
 
-// Which of the sizes a complete type describes, null for none.
+// The size that a complete type describes; null for none of these sizes.
 inline const VideoMode* sizeOf(const AM_MEDIA_TYPE& type, std::span<const VideoMode> sizes) {
   const bool complete = type.majortype == MEDIATYPE_Video && type.subtype == MEDIASUBTYPE_YUY2 &&
                         type.formattype == FORMAT_VideoInfo;

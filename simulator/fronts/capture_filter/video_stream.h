@@ -1,4 +1,4 @@
-// The flow of pictures from a camera to the pin that it is connected with.
+// The stream of pictures from a camera to the connected input pin.
 #pragma once
 
 #include <condition_variable>
@@ -12,16 +12,16 @@
 
 namespace qvx::simulator {
 
-// The pictures flow only while it runs. A stream that is not connected stays dry.
+// Sends pictures only while it is running and connected.
 class VideoStream {
  public:
   explicit VideoStream(PipeClient& camera) : camera_(camera) {}
   ~VideoStream() { stop(); }
 
-  // Agrees with the other pin on the memory for pictures of a size.
+  // Agrees with the other pin on an allocator for pictures of that size.
   HRESULT connect(IPin& other, const VideoMode& size) {
     const auto bytes = static_cast<long>(yuy2Bytes(size.width, size.height));
-    constexpr long buffers = 3;  // one of them may wait behind a filter that hands samples on
+    constexpr long buffers = 3;  // a filter downstream may hold one of them
     ALLOCATOR_PROPERTIES wanted{buffers, bytes, 1, 0}, actual{};
     ComPtr<IMemInputPin> input;
     HRESULT status = other.QueryInterface(__uuidof(IMemInputPin), &input);
@@ -60,7 +60,7 @@ class VideoStream {
     setRunning(true);
   }
 
-  // Decommitted memory wakes a worker that waits for a buffer; nothing is locked meanwhile.
+  // Decommit wakes a worker that waits for a buffer; no lock is held meanwhile.
   void stop() {
     setRunning(false);
     if (!worker_.joinable()) return;
@@ -70,7 +70,7 @@ class VideoStream {
   }
 
  private:
-  // The input's own memory, or where it has none, the system's.
+  // The input's own allocator, or else the system's.
   static ComPtr<IMemAllocator> allocatorFor(IMemInputPin& input) {
     ComPtr<IMemAllocator> allocator;
     if (FAILED(input.GetAllocator(&allocator))) {
@@ -101,9 +101,10 @@ class VideoStream {
     CoUninitialize();
   }
 
-  // Whether it goes on. A camera that is gone gives no more pictures, and no error either.
+  // Sends one picture; returns whether to continue. An unplugged camera sends no more pictures and
+  // reports no error.
   bool send() {
-    constexpr std::uint32_t limit_ms = 15'000;  // large pictures on a busy machine
+    constexpr std::uint32_t limit_ms = 15'000;  // for large pictures on a busy machine
     const RequestHead request{RequestKind::frame, 0, static_cast<std::uint32_t>(size_.command)};
     const std::size_t size = yuy2Bytes(size_.width, size_.height);
     ComPtr<IMediaSample> sample;
@@ -116,7 +117,7 @@ class VideoStream {
     return !stamp(*sample.Get()) || input_->Receive(sample.Get()) == S_OK;
   }
 
-  // False when it no longer runs.
+  // Sets the sample's time. Returns false if the stream is no longer running.
   bool stamp(IMediaSample& sample) {
     const std::lock_guard lock(guard_);
     REFERENCE_TIME now = 0;
@@ -133,7 +134,7 @@ class VideoStream {
   ComPtr<IMemAllocator> allocator_;
   std::jthread worker_;
 
-  std::mutex guard_;  // guards what follows
+  std::mutex guard_;  // guards the members below
   std::condition_variable_any changed_;
   bool running_ = false;
   REFERENCE_TIME start_ = 0;

@@ -1,4 +1,4 @@
-// A device of the minidriver: the driver's end of a camera's pipe, in the kernel's terms.
+// A device of the minidriver: the client side of a camera's pipe, with kernel functions.
 #pragma once
 
 #include "simulator/fronts/hid_bridge/minidriver.h"
@@ -6,15 +6,16 @@
 
 namespace qvx::simulator {
 
-// It lies in the extension that the class driver provides.
+// Constructed in the device extension that the class driver provides.
 class Device {
  public:
   explicit Device(const CameraRecord& record) : camera(record) {
     KeInitializeEvent(&idle_, SynchronizationEvent, TRUE);
   }
 
-  // Bytes to the camera, or from it; then `size` becomes how many. One transfer at a time. False
-  // when the camera refuses, takes too long or is gone; the next one opens the pipe anew.
+  // Sends `size` bytes to the camera or receives them, and sets `size` to the number moved. One
+  // transfer at a time. Returns false if the camera refuses, takes too long or is gone; in the last
+  // two cases the next transfer reopens the pipe.
   bool transfer(const RequestHead& head, UCHAR* bytes, ULONG& size) {
     KeWaitForSingleObject(&idle_, Executive, KernelMode, FALSE, nullptr);
     const bool done = size <= maxBytes && (pipe_ != nullptr || open()) && ask(head, bytes, size);
@@ -47,7 +48,7 @@ class Device {
       return false;
     }
     struct {
-      ULONG readMode = 1, completionMode = 0;  // whole messages
+      ULONG readMode = 1, completionMode = 0;  // message mode
     } modes;
     constexpr auto pipeInformation = static_cast<FILE_INFORMATION_CLASS>(23);
     ZwSetInformationFile(pipe_, &status, &modes, sizeof modes, pipeInformation);
@@ -93,7 +94,7 @@ class Device {
     return status == STATUS_SUCCESS && replySize >= replyHeadSize;
   }
 
-  KEVENT idle_;  // set while no transfer is at work
+  KEVENT idle_;  // signalled while no transfer is in progress
   HANDLE pipe_ = nullptr;
 };
 

@@ -1,6 +1,6 @@
-// A HID minidriver for virtual bridge cameras: it forwards every feature report to the simulator.
-// It imports from the kernel and the HID class driver only: with any other import Wine takes it for
-// an ordinary DLL.
+// A HID minidriver for simulated bridge cameras: it forwards every feature report to the simulator.
+// It imports from the kernel and the HID class driver only: with any other import Wine would load
+// it as an ordinary DLL.
 #include "simulator/fronts/hid_bridge/device.h"
 
 #include <new>
@@ -9,7 +9,7 @@ namespace {
 
 using namespace qvx::simulator;
 
-// The camera, from the device's own registry key.
+// Reads the camera's record from the device's registry key.
 bool readRecord(PDEVICE_OBJECT device, CameraRecord& camera) {
   constexpr ULONG headSize = FIELD_OFFSET(KEY_VALUE_PARTIAL_INFORMATION, Data);
   alignas(8) UCHAR buffer[headSize + sizeof camera];
@@ -80,7 +80,7 @@ NTSTATUS NTAPI onRequest(PDEVICE_OBJECT object, PIRP irp) {
   }
 }
 
-// The device agrees to every change of its state; what is asked of it is the bus's to answer.
+// Accepts every change of state; queries are passed on to the bus driver.
 NTSTATUS NTAPI onPlugAndPlay(PDEVICE_OBJECT object, PIRP irp) {
   const UCHAR minor = IoGetCurrentIrpStackLocation(irp)->MinorFunction;
   if (minor == IRP_MN_REMOVE_DEVICE) deviceOf(object).close();

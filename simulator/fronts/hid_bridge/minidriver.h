@@ -1,8 +1,8 @@
-// The contract between the system's HID class driver and a minidriver, which mingw-w64 lacks in
-// part, and the kernel's declarations in a form that C++ accepts.
+// The interface between the system's HID class driver and a minidriver, of which mingw-w64 lacks
+// parts, and the kernel's declarations in a form that C++ accepts.
 #pragma once
 
-// The kernel's header brings functions of its own for these two intrinsics.
+// The kernel's header defines these two intrinsics as functions.
 #include <intrin.h>
 #define InterlockedBitTestAndSet InterlockedBitTestAndSetOfKernel
 #define InterlockedBitTestAndReset InterlockedBitTestAndResetOfKernel
@@ -34,7 +34,7 @@ struct MinidriverRegistration {
   UCHAR reserved[3];
 };
 
-// What the class driver puts into each device object's extension.
+// The layout of the device extension, filled in by the class driver.
 struct DeviceExtension {
   PDEVICE_OBJECT physicalDevice, nextDevice;
   PVOID minidriverExtension;
@@ -64,7 +64,7 @@ struct Descriptor {
 
 }  // namespace hid
 
-// What mingw-w64 leaves out of the kernel's header.
+// Kernel functions that mingw-w64 does not declare.
 extern "C" {
 NTSTATUS NTAPI ZwFsControlFile(HANDLE file, HANDLE event, PIO_APC_ROUTINE routine, PVOID context,
                                PIO_STATUS_BLOCK status, ULONG code, PVOID input, ULONG inputSize,

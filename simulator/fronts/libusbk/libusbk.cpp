@@ -1,4 +1,4 @@
-// A stand-in for libusbK.dll: the USB 3 cameras of all simulators that run on this machine.
+// A stand-in for libusbK.dll: the USB 3 cameras of all simulators on this machine.
 #include <array>
 #include <bit>
 #include <cstdio>
@@ -20,7 +20,7 @@ using qvx::platform::WINUSB_SETUP_PACKET;
 
 using DeviceList = Usb3DeviceList<KLST_DEVINFO>;
 
-// A record's path is the camera's pipe.
+// The device path of a record is the camera's pipe.
 KLST_DEVINFO recordOf(const CameraRecord& camera) {
   KLST_DEVINFO record{};
   record.Common.Vid = camera.vendorId;
@@ -36,7 +36,7 @@ KLST_DEVINFO recordOf(const CameraRecord& camera) {
   return record;
 }
 
-// Handles are never closed: one of each camera serves all its clients.
+// Handles are never closed: all clients of a camera share one.
 BOOL WINAPI openDevice(void** handle, const KLST_DEVINFO* record) {
   const std::wstring pipe = wide(record->DevicePath);
   if (!isServed(pipe)) {
@@ -47,7 +47,7 @@ BOOL WINAPI openDevice(void** handle, const KLST_DEVINFO* record) {
   return TRUE;
 }
 
-// The video stream and the status interrupt.
+// One pipe for the video stream, one for status interrupts.
 BOOL WINAPI queryPipe(void* /*handle*/, std::uint8_t alternateSetting, std::uint8_t index,
                       WINUSB_PIPE_INFORMATION* pipe) {
   constexpr std::array<WINUSB_PIPE_INFORMATION, 2> pipes = {{{2, 0x81, 1024, 0}, {3, 0x82, 64, 8}}};
