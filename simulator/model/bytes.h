@@ -34,10 +34,11 @@ inline std::string hex(std::uint64_t value, int digits) {
 
 // "62 80"
 inline std::string hex(Bytes bytes) {
+  constexpr char digits[] = "0123456789ABCDEF";
   std::string text;
   for (const std::uint8_t byte : bytes) {
     if (!text.empty()) text += ' ';
-    text += hex(byte, 2).substr(2);
+    text += {digits[byte >> 4], digits[byte & 15]};
   }
   return text;
 }

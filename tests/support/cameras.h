@@ -143,7 +143,7 @@ class LightsTest : public CameraTest {
   std::string traffic(Reads reads = Reads::hidden) {
     std::string all;
     for (const std::string& line : journal()) {
-      const std::string part = trafficIn({line}, true);
+      const std::string& part = shortenedLine(line, true);
       if (part.empty() || (reads == Reads::hidden && (part == "b" || part.ends_with('?'))))
         continue;
       all += (all.empty() ? "" : " ") + part;

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <regex>
 #include <string>
+#include <unordered_map>
 
 #include "tests/support/library.h"
 
@@ -107,13 +108,22 @@ inline std::string shortenedWifi(const std::string& line) {
   return isWrite ? access + formatted("=%02X", value & 0xFFFF) : access;
 }
 
+// The same lines come again and again: each is taken apart once.
+inline const std::string& shortenedLine(const std::string& line, bool ofLights) {
+  thread_local std::unordered_map<std::string, std::string> known[2];
+  const auto [found, isNew] = known[ofLights ? 1 : 0].try_emplace(line);
+  if (!isNew) return found->second;
+  found->second = ofLights ? shortened(shortenedLine(line, false), lightForms)
+                  : line.starts_with("set C66D125B/2") ? shortenedCommand(line)
+                  : line.starts_with("GET ")           ? shortenedWifi(line)
+                                                       : shortened(line, shortForms);
+  return found->second;
+}
+
 inline std::string trafficIn(const Journal& journal, bool ofLights = false) {
   std::string all;
   for (const std::string& line : journal) {
-    std::string part = line.starts_with("set C66D125B/2") ? shortenedCommand(line)
-                       : line.starts_with("GET ")         ? shortenedWifi(line)
-                                                          : shortened(line, shortForms);
-    if (ofLights) part = shortened(part, lightForms);
+    const std::string& part = shortenedLine(line, ofLights);
     if (!part.empty()) all += (all.empty() ? "" : " ") + part;
   }
   return all;
@@ -122,10 +132,10 @@ inline std::string trafficIn(const Journal& journal, bool ofLights = false) {
 // Every byte that goes to a bridge: "27[32] 00 17 02" sets selector or report 27 to 32 bytes, of
 // which those not shown are 0, a report without its id; "get 27 32" fetches as many.
 inline std::string bytesIn(const Journal& journal) {
-  static const std::regex set("set ([^: ]+):? (.*?)((?: 00)*)");
+  static const std::regex prefix("5A215226/|feature "), set("set ([^: ]+):? (.*?)((?: 00)*)");
   std::string all;
   for (const std::string& line : journal) {
-    const std::string bare = std::regex_replace(line, std::regex("5A215226/|feature "), "");
+    const std::string bare = std::regex_replace(line, prefix, "");
     std::smatch parts;
     const bool isSet = std::regex_match(bare, parts, set);
     all += all.empty() ? "" : ", ";

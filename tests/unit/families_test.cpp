@@ -2,10 +2,10 @@
 #include "models/families.h"
 
 #include <climits>
-#include <map>
 
 #include "state/device_state.h"
 #include "tests/support/library.h"
+#include "tests/support/product_ids.h"
 #include "tests/support/wifi_registers.h"
 #include "transport/controller.h"
 
@@ -42,34 +42,22 @@ TEST_F(DeviceTables, ReadAsEmptyOutsideTheirEntries) {
 // The predicate and its name.
 #define FAMILY(predicate) #predicate, predicate
 
-// Members by block of sixteen ids: bit n of a mask stands for the block's n-th id.
 const struct {
   const char* name;
   int (*isMember)(int);
-  std::map<int, unsigned> blocks;
+  Ids members;
 } families[] = {
-    {FAMILY(isVR3xxxSeries), {{0x9D, 0xFFFF}}},
-    {FAMILY(isVK73xxxSeries), {{0x9B, 0xFFFF}}},
-    {FAMILY(isVK3xxxR4Series), {{0x9A, 0xFFFF}}},
-    {FAMILY(isVK4xxxSeries), {{0x87, 0xFFFF}, {0x88, 0xFFFF}, {0x89, 0xFFFF}, {0x91, 0xFFFF}}},
-    {FAMILY(isVR4xxxSeries), {{0x9C, 0xFFFF}}},
-    {FAMILY(isVK4xx7Series), {{0x9E, 0xFFFF}}},
-    {FAMILY(isVk4xx7Series), {{0x9E, 0xFFFF}}},
-    {FAMILY(isVK7xxxR4Series), {{0x92, 0xFFFF}}},
-    {FAMILY(isVK7xxxSeries), {{0x96, 0xFFFF}, {0x97, 0xFFFF}, {0x98, 0xFFFF}, {0x99, 0xFFFF}}},
-    {FAMILY(isEdof40), {{0x91, 0xFFFF}, {0x98, 0xFFFF}}},
-    {FAMILY(isEdof50), {{0x99, 0xFFFF}, {0x9B, 0xFFFF}, {0x9C, 0xFFFF}, {0x9E, 0xFFFF}}},
-    {FAMILY(isVK3xxxR4_2Series), {{0x9A, 0x3FFF}}},
-    {FAMILY(isVK3xxxR4_3Series), {{0x9A, 0x4000}}},
-    {FAMILY(isVK3xxxR4BasicSeries), {{0x9A, 0x1E00}}},
-    {FAMILY(isVK4xxx_2Series), {{0x87, 0x1D6B}, {0x88, 0xA96B}, {0x89, 0xA96B}, {0x91, 0xA9EB}}},
-    {FAMILY(isVK4xxx_3Series), {{0x87, 0xE214}, {0x88, 0x5614}, {0x89, 0x5694}, {0x91, 0x5614}}},
-    {FAMILY(isVK7xxxR4_2Series), {{0x92, 0x003B}}},
-    {FAMILY(isVK7xxxR4_3Series), {{0x92, 0x01C4}}},
-    {FAMILY(isVK7xxx_2Series), {{0x96, 0x00FF}, {0x97, 0x00FF}, {0x98, 0x0001}, {0x99, 0x001F}}},
-    {FAMILY(isVK7xxx_3Series), {{0x96, 0x3F00}, {0x97, 0xFF00}, {0x99, 0x01E0}}},
-    {FAMILY(isVK3xxx_SEG_Series), {{0x9D, 0x007F}}},
-    {FAMILY(VK7x15_AXI_Series), {{0x97, 0x0100}}},
+    {FAMILY(isVR3xxxSeries), "9D0-9DF"},           {FAMILY(isVK73xxxSeries), "9B0-9BF"},
+    {FAMILY(isVK3xxxR4Series), "9A0-9AF"},         {FAMILY(isVK4xxxSeries), "870-89F 910-91F"},
+    {FAMILY(isVR4xxxSeries), "9C0-9CF"},           {FAMILY(isVK4xx7Series), "9E0-9EF"},
+    {FAMILY(isVk4xx7Series), "9E0-9EF"},           {FAMILY(isVK7xxxR4Series), "920-92F"},
+    {FAMILY(isVK7xxxSeries), "960-99F"},           {FAMILY(isEdof40), "910-91F 980-98F"},
+    {FAMILY(isEdof50), "990-99F 9B0-9CF 9E0-9EF"}, {FAMILY(isVK3xxxR4_2Series), "9A0-9AD"},
+    {FAMILY(isVK3xxxR4_3Series), "9AE"},           {FAMILY(isVK3xxxR4BasicSeries), "9A9-9AC"},
+    {FAMILY(isVK4xxx_2Series), vk4xxx_2},          {FAMILY(isVK4xxx_3Series), vk4xxx_3},
+    {FAMILY(isVK7xxxR4_2Series), vk7xxxR4_2},      {FAMILY(isVK7xxxR4_3Series), vk7xxxR4_3},
+    {FAMILY(isVK7xxx_2Series), vk7xxx_2},          {FAMILY(isVK7xxx_3Series), vk7xxx_3},
+    {FAMILY(isVK3xxx_SEG_Series), "9D0-9D6"},      {FAMILY(VK7x15_AXI_Series), "978"},
 };
 
 class Families : public LibraryTest {
@@ -84,12 +72,11 @@ class Families : public LibraryTest {
 
 TEST_F(Families, HaveExactlyTheirMembers) {
   for (const auto& family : families) {
-    for (int pid = 0; pid <= 0xFFF; ++pid) {
-      const auto block = family.blocks.find(pid >> 4);
-      const bool member = block != family.blocks.end() && (block->second >> (pid & 15) & 1) != 0;
-      EXPECT_EQ(family.isMember(pid), member ? 1 : 0) << family.name << " " << std::hex << pid;
+    for (int pid = -1; pid <= allProductIds; ++pid) {
+      EXPECT_EQ(family.isMember(pid), family.members.contains(pid) ? 1 : 0)
+          << family.name << " " << std::hex << pid;
     }
-    for (const int pid : {-1, 0x10970, -0x970}) EXPECT_EQ(family.isMember(pid), 0) << family.name;
+    for (const int pid : {0x10970, -0x970}) EXPECT_EQ(family.isMember(pid), 0) << family.name;
   }
 }
 
@@ -114,30 +101,26 @@ TEST_F(Families, RefreshTheFeatureRegisterWhateverTheProductId) {
 }
 
 TEST_F(Families, TellHardwareVariantsApartByTheFeatureRegister) {
-  // Bit n of the answers is the result with register 0x80 reading each of these.
-  const int registerValues[] = {0x00, 0x02, 0x04, 0x06, 0xFA, 0xFF};
-  constexpr unsigned bit2 = 0b101100, bits2only = 0b010010, bits2and4 = 0b101000;
   const struct {
     const char* name;
     int (*isMember)(int);
-    int block;
-    unsigned ids, answers;
+    Ids members;
+    int mask, value;  // of register 0x80
   } variants[] = {
-      {FAMILY(isVR4xxx_2Series), 0x9C, 0x007F, bit2},
-      {FAMILY(isVR4xxx_3Series), 0x9C, 0x007F, bits2only},
-      {FAMILY(isVR3xxx_2Series), 0x9D, 0x0187, bits2and4},
-      {FAMILY(isVR3xxx_3Series), 0x9D, 0x0010, bits2only},
-      {FAMILY(isVk4xx7_2Series), 0x9E, 0x007F, bits2and4},
-      {FAMILY(isVk4xx7_3Series), 0x9E, 0x007F, bits2only},
+      {FAMILY(isVR4xxx_2Series), "9C0-9C6", 0x04, 0x04},
+      {FAMILY(isVR4xxx_3Series), "9C0-9C6", 0x06, 0x02},
+      {FAMILY(isVR3xxx_2Series), "9D0-9D2 9D7-9D8", 0x06, 0x06},
+      {FAMILY(isVR3xxx_3Series), "9D4", 0x06, 0x02},
+      {FAMILY(isVk4xx7_2Series), "9E0-9E6", 0x06, 0x06},
+      {FAMILY(isVk4xx7_3Series), "9E0-9E6", 0x06, 0x02},
   };
   for (const auto& variant : variants) {
     for (int pid = 0x9B0; pid <= 0x9FF; ++pid) {
-      const bool listed = pid >> 4 == variant.block && (variant.ids >> (pid & 15) & 1) != 0;
-      for (unsigned i = 0; i < 6; ++i) {
-        camera.values[0x80] = registerValues[i];
-        const int expected = listed && (variant.answers >> i & 1) != 0 ? 1 : 0;
-        EXPECT_EQ(variant.isMember(pid), expected)
-            << variant.name << " " << std::hex << pid << " with " << registerValues[i];
+      for (const int features : {0x00, 0x02, 0x04, 0x06, 0xFA, 0xFF}) {
+        camera.values[0x80] = features;
+        const bool fits = (features & variant.mask) == variant.value;
+        EXPECT_EQ(variant.isMember(pid), variant.members.contains(pid) && fits ? 1 : 0)
+            << variant.name << " " << std::hex << pid << " with " << features;
       }
     }
   }

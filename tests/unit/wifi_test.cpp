@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "state/device_state.h"
+#include "tests/support/items.h"
 #include "tests/support/library.h"
 
 namespace qvx::tests {
@@ -34,40 +35,15 @@ TEST(WifiCommand, PacksIdAndValueAsTheCameraReadsThem) {
 }
 
 TEST(WifiAddress, IsAnIpv4LiteralWithOrWithoutAPort) {
-  const struct {
-    const char *address, *baseUrl;
-  } rows[] = {
-      {"127.0.0.1", "http://127.0.0.1:8080/"},
-      {"10.200.255.0:1", "http://10.200.255.0:1/"},
-      {"255.255.255.255:65535", "http://255.255.255.255:65535/"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(baseUrlOf(row.address), row.baseUrl);
-  for (const char* const refused : {"",
-                                    "camera",
-                                    "1.2.3",
-                                    "1.2.3.4.5",
-                                    "1.2.3.256",
-                                    "1.2.3.04",
-                                    "1.2.3.",
-                                    ".1.2.3",
-                                    "1..2.3",
-                                    "1.2.3.-4",
-                                    "1.2.3.+4",
-                                    "1.2.3.4 ",
-                                    " 1.2.3.4",
-                                    "1.2.3.0x4",
-                                    "1.2.3.4294967296",
-                                    "1.2.3.4:",
-                                    "1.2.3.4:0",
-                                    "1.2.3.4:080",
-                                    "1.2.3.4:65536",
-                                    "1.2.3.4:8080/",
-                                    "1.2.3.4:80:80",
-                                    ":8080",
-                                    "1.2.3.4@5.6.7.8",
-                                    "http://1.2.3.4",
-                                    "[::1]:80",
-                                    "1.2.3.4:4294967297"}) {
+  EXPECT_EQ(baseUrlOf("127.0.0.1"), "http://127.0.0.1:8080/");
+  for (const char* const address : {"10.200.255.0:1", "255.255.255.255:65535"}) {
+    EXPECT_EQ(baseUrlOf(address), std::string("http://") + address + '/');
+  }
+  for (const std::string& refused :
+       itemsIn("|camera|1.2.3|1.2.3.4.5|1.2.3.256|1.2.3.04|1.2.3.|.1.2.3|1..2.3|1.2.3.-4|1.2.3.+4|"
+               "1.2.3.4 | 1.2.3.4|1.2.3.0x4|1.2.3.4294967296|1.2.3.4:|1.2.3.4:0|1.2.3.4:080|"
+               "1.2.3.4:65536|1.2.3.4:8080/|1.2.3.4:80:80|:8080|1.2.3.4@5.6.7.8|http://1.2.3.4|"
+               "[::1]:80|1.2.3.4:4294967297")) {
     EXPECT_EQ(baseUrlOf(refused), std::nullopt) << refused;
   }
 }

@@ -1,4 +1,5 @@
 // The focus lens: every driver, range and speed, as the cameras see it.
+#include <algorithm>
 #include <climits>
 #include <map>
 #include <span>
@@ -6,6 +7,7 @@
 #include "controls/magnification.h"
 #include "tests/support/cameras.h"
 #include "tests/support/every_export.h"
+#include "tests/support/product_ids.h"
 #include "tests/support/wifi_registers.h"
 
 namespace qvx::tests {
@@ -18,13 +20,7 @@ std::string call(const char* exported, int device, int position = 0) {
   return exportNamed(exported).call({.index = device, .value = position});
 }
 
-class Lens : public CameraTest {
- protected:
-  void joinWifi(const simulator::HttpServer& server, int pid) {
-    machine().wifi = server;
-    nCurrPid = pid;
-  }
-};
+using Lens = CameraTest;
 
 struct Row {
   int pid;
@@ -113,48 +109,69 @@ TEST_F(Lens, IsDrivenOnEveryTransport) {
   check(wifiRows, [this](int pid) { plugWifi(pid); });
 }
 
-// Each row of both range tables with its neighbours; zero positions tell their registers.
+struct Limits {
+  int upper, lower;
+};
+constexpr Limits narrow{44, -15}, wide{71, -27}, coil{48, -48};
+constexpr int any = -1, coilDriver = 2;
+
+// The first row for the product id, the lens driver and the wide lens holds.
+const struct RangeRow {
+  Ids ids;
+  int driver, isWide;
+  Limits limits;
+} ranges[] = {
+    {"990-99F 9B0-9CF 9E0-9EF", 1, any, wide},
+    {"9B0-9BF 9E0-9EF", coilDriver, any, coil},
+    {"910-91F", any, any, wide},
+    {"980-98F", any, 1, wide},
+    {"9B0-9BE", any, any, wide},
+    {"000-FFF", any, any, narrow},
+};
+
+Limits limitsOf(int pid, int driver, int isWide) {
+  return std::ranges::find_if(ranges,
+                              [=](const RangeRow& row) {
+                                return row.ids.contains(pid) &&
+                                       (row.driver == any || row.driver == driver) &&
+                                       (row.isWide == any || row.isWide == isWide);
+                              })
+      ->limits;
+}
+
+// Zero positions tell their registers. Models without lenses do as if they had one.
 TEST_F(Lens, RangesAndZeroPositions) {
-  constexpr int at00 = 100, at40 = 120, at50 = 140;
-  constexpr std::pair<int, int> narrow{44, -15}, wide{71, -27}, coil{48, -48};
-  const struct {
-    int pid, driver, isWide, zero;
-    std::pair<int, int> moved, asked;
-  } rows[] = {
-      {0x870, 1, 1, at00, narrow, narrow}, {0x90F, 1, 1, at00, narrow, narrow},
-      {0x910, 2, 0, at40, wide, wide},     {0x919, 0, 0, at40, wide, wide},
-      {0x91A, 1, 0, at00, wide, wide},     {0x91F, 1, 0, at00, wide, wide},
-      {0x920, 1, 1, at00, narrow, narrow}, {0x940, 1, 1, at40, narrow, narrow},
-      {0x949, 1, 1, at40, narrow, narrow}, {0x94A, 1, 1, at00, narrow, narrow},
-      {0x97F, 1, 1, at00, narrow, narrow}, {0x980, 1, 0, at40, narrow, narrow},
-      {0x98F, 2, 1, at40, wide, wide},     {0x98F, 1, 2, at40, narrow, narrow},
-      {0x990, 1, 0, at50, wide, wide},     {0x99F, 2, 1, at50, narrow, narrow},
-      {0x9A0, 1, 1, at00, narrow, narrow}, {0x9B1, 2, 1, at50, coil, coil},
-      {0x9BE, 255, 0, at50, wide, wide},   {0x9BE, 1, 0, at50, wide, wide},
-      {0x9BF, 2, 0, at50, coil, coil},     {0x9BF, 1, 0, at50, narrow, wide},
-      {0x9BF, 0, 1, at50, narrow, narrow}, {0x9C0, 1, 0, at50, wide, wide},
-      {0x9CF, 2, 1, at50, narrow, narrow}, {0x9D0, 1, 1, at00, narrow, narrow},
-      {0x9E0, 1, 0, at50, wide, wide},     {0x9EF, 2, 0, at50, coil, coil},
-      {0x9E7, 3, 1, at50, narrow, narrow}, {0x9F0, 2, 1, at00, narrow, narrow},
-      {0x980, 1, 1, at40, wide, wide},     {0x99F, 1, 0, at50, wide, wide},
-      {0x9B0, 2, 1, at50, coil, coil},     {0x9B0, 0, 1, at50, wide, wide},
-      {0x9CF, 1, 0, at50, wide, wide},     {0x9EF, 1, 0, at50, wide, wide},
-      {0x9E0, 2, 1, at50, coil, coil},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << std::hex << row.pid << " driver " << row.driver);
-    WifiRegisters camera;
-    camera.values = {{0x00, at00}, {0x40, at40}, {0x50, at50}};
-    camera.values[0xCA] = row.driver;
-    camera.values[0xC2] = row.isWide;
-    joinWifi(camera.server(), row.pid);
-    const auto [upper, lower] = row.asked;
-    EXPECT_EQ(call(limits, 90), "1 " + std::to_string(upper) + ' ' + std::to_string(lower));
-    const std::pair<int, int> moves[] = {
-        {INT_MAX, row.moved.first}, {INT_MIN, row.moved.second}, {7, 7}};
-    for (const auto& [asked, got] : moves) {
-      SetLensPos(90, asked);
-      EXPECT_TRUE(traffic().ends_with(formatted(" w46.0=%02X", row.zero + got))) << asked;
+  const Ids zeroAt40 = "910-919 940-949 980-98F", zeroAt50 = "990-99F 9B0-9CF 9E0-9EF",
+            hasFineCoil = "9B0-9BE 9E0-9EF";
+  WifiRegisters camera;
+  camera.values = {{0x00, 100}, {0x40, 120}, {0x50, 140}, {0x5F, 255}, {0x5E, 255}};
+  machine().wifi = camera.server();
+  for (int pid = 0; pid < allProductIds; ++pid) {
+    nCurrPid = pid;
+    const bool isEdge = zeroAt40.hasEdgeAt(pid) || std::ranges::any_of(ranges, [=](auto& row) {
+                          return row.ids.hasEdgeAt(pid);
+                        });
+    if (!isEdge && pid % 16 != 0 && (pid < 0x900 || pid > 0xA00)) continue;
+    const int zero = zeroAt40.contains(pid) ? 120 : zeroAt50.contains(pid) ? 140 : 100;
+    for (const int driver : {0, 1, coilDriver, 255}) {
+      for (const int isWide : {0, 1, 2}) {
+        if (!isEdge && driver != 1) continue;
+        SCOPED_TRACE(testing::Message()
+                     << std::hex << pid << " driver " << driver << " wide " << isWide);
+        camera.values[0xCA] = driver;
+        camera.values[0xC2] = isWide;
+        const auto [upper, lower] = limitsOf(pid, driver, isWide);
+        EXPECT_EQ(call(limits, 90), "1 " + std::to_string(upper) + ' ' + std::to_string(lower));
+        EXPECT_EQ(call(fineLimits, 90),
+                  hasFineCoil.contains(pid) && driver == coilDriver ? "1 1023 -1023" : "1 -1 -1");
+        // One model moves less far than it says.
+        const Limits moved = pid == 0x9BF && driver == 1 ? narrow : Limits{upper, lower};
+        for (const auto& [asked, got] :
+             {std::pair(INT_MAX, moved.upper), {INT_MIN, moved.lower}, {7, 7}}) {
+          SetLensPos(90, asked);
+          EXPECT_TRUE(traffic().ends_with(formatted(" w46.0=%02X", zero + got))) << asked;
+        }
+      }
     }
   }
 }
@@ -191,18 +208,17 @@ TEST_F(Lens, SpeedFollowsOpticsAndMagnification) {
 
 TEST_F(Lens, FineLimitsMoveWithTheOffset) {
   const struct {
-    int pid, driver, ahead, back;
+    int pid, ahead, back;
     const char* limits;
-  } rows[] = {
-      {0x9E0, 2, 255, 255, "1 1023 -1023"}, {0x9EF, 2, 12, 3, "1 1023 -999"},
-      {0x9BE, 2, 254, 255, "1 1023 -515"},  {0x9B0, 2, 255, 12, "1 999 -1023"},
-      {0x9B0, 2, 0, 12, "1 1023 -1023"},    {0x9BF, 2, 12, 255, "1 -1 -1"},
-      {0x9E0, 1, 12, 255, "1 -1 -1"},       {0x990, 2, 12, 255, "1 -1 -1"},
-  };
+  } rows[] = {{0x9EF, 12, 3, "1 1023 -999"},
+              {0x9BE, 254, 255, "1 1023 -515"},
+              {0x9B0, 255, 12, "1 999 -1023"},
+              {0x9B0, 0, 12, "1 1023 -1023"}};
   for (const auto& row : rows) {
     WifiRegisters camera;
-    camera.values = {{0xCA, row.driver}, {0x5F, row.ahead}, {0x5E, row.back}};
-    joinWifi(camera.server(), row.pid);
+    camera.values = {{0xCA, coilDriver}, {0x5F, row.ahead}, {0x5E, row.back}};
+    machine().wifi = camera.server();
+    nCurrPid = row.pid;
     EXPECT_EQ(call(fineLimits, 90), row.limits) << std::hex << row.pid << ' ' << row.ahead;
   }
 }

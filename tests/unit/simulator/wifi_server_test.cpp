@@ -86,19 +86,17 @@ TEST(WifiServer, HandsOutWhatTheCameraSees) {
 }
 
 TEST(WifiServer, TakesItsRequestsLiterally) {
-  for (const char* const target : {
-           "",
-           "/nothing",
-           "/?action=snapshots",
-           "/?action=commandcontrol&dest=0&plugin=0&id=1378&group=5&value=0",
-           "/?action=commandcontrol&dest=0plugin=0&id=01378&group=5&value=0",
-           "/?action=commandcontrol&dest=0plugin=0&id=+1378&group=5&value=0",
-           "/?action=commandcontrol&dest=0plugin=0&id=&group=5&value=0",
-           "/?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=0 ",
-           "/?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=4294967296",
-           "/?action=commandcontrol&dest=0plugin=0&id=1378&value=0&group=5",
-           "?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=0",
-       }) {
+  const std::string command = "/?action=commandcontrol&dest=0";
+  std::vector<std::string> targets = {"", "/nothing", "/?action=snapshots",
+                                      command.substr(1) + "plugin=0&id=1378&group=5&value=0"};
+  for (const char* const rest :
+       {"&plugin=0&id=1378&group=5&value=0", "plugin=0&id=01378&group=5&value=0",
+        "plugin=0&id=+1378&group=5&value=0", "plugin=0&id=&group=5&value=0",
+        "plugin=0&id=1378&group=5&value=0 ", "plugin=0&id=1378&group=5&value=4294967296",
+        "plugin=0&id=1378&value=0&group=5"}) {
+    targets.push_back(command + rest);
+  }
+  for (const std::string& target : targets) {
     Camera camera(0x970);
     EXPECT_EQ(WifiServer(camera).get(target).status, 404) << target;
     EXPECT_EQ(camera.violations.size(), 1U) << target;
