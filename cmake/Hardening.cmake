@@ -15,9 +15,7 @@ add_link_options(-Wl,--dynamicbase,--high-entropy-va,--nxcompat -Wl,--gc-section
 # For libraries that are built as projects of their own.
 list(JOIN qvx_hardening " " qvx_hardening_flags)
 
-add_library(qvx_runtime_checks STATIC ${PROJECT_SOURCE_DIR}/src/platform/windows/runtime_checks.cpp)
-# Of the toolchain's library only the checked string functions, which call ours.
-target_link_libraries(qvx_runtime_checks PRIVATE qvx_options INTERFACE ssp)
+add_subdirectory(src/platform/windows/runtime_checks)
 link_libraries(qvx_runtime_checks)
 
 # After each linking.

@@ -1,7 +1,6 @@
 # The target `httplib`. For Windows its own script parts the one header into declarations and a source
 # file.
-include(${CMAKE_CURRENT_LIST_DIR}/ThirdParty.cmake)
-if(NOT WIN32)
+if(NOT CMAKE_CROSSCOMPILING)
   qvx_use_installed(httplib cpp-httplib)
   return()
 endif()

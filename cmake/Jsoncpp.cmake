@@ -1,7 +1,7 @@
-# The target `jsoncpp`.
-include(${CMAKE_CURRENT_LIST_DIR}/ThirdParty.cmake)
-if(NOT WIN32)
-  qvx_use_installed(jsoncpp jsoncpp)
+# The target `jsoncpp`. Windows programs carry it inside: there only a static library will do.
+find_package(jsoncpp QUIET)
+if(TARGET jsoncpp_static OR (TARGET jsoncpp_lib AND NOT WIN32))
+  add_library(jsoncpp ALIAS JsonCpp::JsonCpp)
   return()
 endif()
 

@@ -1,7 +1,6 @@
 # The target `libjpeg`: libjpeg-turbo. Its vector instructions need nasm and make it ten times as
 # fast; it does without.
-include(${CMAKE_CURRENT_LIST_DIR}/ThirdParty.cmake)
-if(NOT WIN32)
+if(NOT CMAKE_CROSSCOMPILING)
   qvx_use_installed(libjpeg libjpeg)
   return()
 endif()

@@ -4,9 +4,6 @@ add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FR
 include(GoogleTest)
 target_compile_options(gtest PRIVATE -O0 -g0 -fno-sanitize=all) # its own faults are not looked for
 
-# Builds every suite and nothing that no suite needs.
-add_custom_target(test_suites)
-
 # qvx_add_test_suite(<name> SOURCES <file>... [LIBS <target>...] [LABELS <label>]
 #                    [RESOURCE_LOCK <name>])
 #
@@ -25,13 +22,13 @@ function(qvx_add_test_suite name)
   add_executable(${name} ${suite_SOURCES})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${suite_LIBS} qvx_options gtest_main)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD OFF) # each file has its own names
   # Long tables of cases cost the optimiser more than their tests take.
   target_compile_options(${name} PRIVATE -O0)
   list(LENGTH suite_SOURCES count)
   if(count GREATER 2)
     target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
   endif()
-  add_dependencies(test_suites ${name})
 
   if(WIN32)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})

@@ -1,6 +1,11 @@
-# The libraries of others, as targets: Debian's on this machine. For Windows they are built from
-# Debian's source packages, and statically: what we build imports system DLLs only.
+# The libraries of others, as targets: those that are installed, if they fit. Else they are built from
+# Debian's source packages, which scripts/setup.sh fetches, and statically: what we build for Windows
+# imports system DLLs only.
 include(ExternalProject)
+set(QVX_THIRD_PARTY ${PROJECT_SOURCE_DIR}/build/third_party CACHE PATH "Where the fetched sources are")
+if(WIN32)
+  set(CMAKE_FIND_LIBRARY_SUFFIXES .a) # no import library of a DLL
+endif()
 
 # qvx_use_installed(<target> <its name for pkg-config>)
 function(qvx_use_installed target package)
@@ -11,7 +16,7 @@ endfunction()
 
 # qvx_find_source(<variable> <source package>): the folder of its source
 function(qvx_find_source variable package)
-  file(GLOB folder ${PROJECT_SOURCE_DIR}/build/third_party/${package}-*)
+  file(GLOB folder ${QVX_THIRD_PARTY}/${package}-*)
   if(NOT folder)
     message(FATAL_ERROR "the source of ${package} is missing; scripts/setup.sh build fetches it")
   endif()
@@ -42,3 +47,7 @@ function(qvx_build_static target source library)
   set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${folder}/${library})
   add_dependencies(${target} ${target}_external)
 endfunction()
+
+include(${CMAKE_CURRENT_LIST_DIR}/Jsoncpp.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/Libjpeg.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/Httplib.cmake)

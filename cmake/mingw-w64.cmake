@@ -1,7 +1,10 @@
-# Cross-compiles for 64-bit Windows and runs what was built under Wine.
+# For 64-bit Windows. On Windows itself the compiler in use will do (MSYS2's mingw64 shell); elsewhere
+# the posix variants, whose C++ library has threads and mutexes, and Wine runs what was built.
+if(CMAKE_HOST_WIN32)
+  return()
+endif()
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
-# The posix variants: their C++ library has threads and mutexes.
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)

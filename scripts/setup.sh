@@ -11,7 +11,7 @@ build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcpp-httplib-d
   googletest libjsoncpp-dev libjpeg-dev nasm dpkg-dev python3)
 demo=(iproute2 wine64)
 test=(ccache chromium chromium-driver clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev mono-mcs
-  mono-runtime python3-selenium shellcheck)
+  mono-runtime python3-markdown-it python3-selenium shellcheck)
 
 fail() {
   echo "setup: $1" >&2

@@ -36,7 +36,7 @@ stage_demo() { scripts/demo.sh; }
 
 # The documents' samples, tables and links.
 stage_docs() {
-  stage_build && build_preset native && python3 scripts/docs/check.py
+  stage_build && build_preset native && scripts/docs/check.py
 }
 
 # What is shipped, tried as its users do, and made once more in another folder.

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Checks that the documents are true: check.py [DOCUMENT...]
 
 Samples between code fences are run or compiled, what a transcript shows has to come out, the
@@ -16,7 +16,7 @@ import tempfile
 import threading
 
 sys.dont_write_bytecode = True  # the sources stay as they are
-import markdown
+import documents
 
 ROOT = pathlib.Path(__file__).parents[2]
 TEST_SCRIPT = ROOT / "scripts/test.sh"
@@ -195,14 +195,14 @@ def is_program(sample):
 
 def check_cpp(sample):
     """Programs are built with the CMake sample of their document; all others natively."""
-    languages = [other.language for other in markdown.samples(sample.document)]
+    languages = [other.language for other in documents.samples(sample.document)]
     if is_program(sample) and "cmake" not in languages:
         yield "no CMake sample builds this program"
 
 
 def check_package(sample):
     """The document's program, built as it says from outside, sees the camera."""
-    program = next(s for s in markdown.samples(sample.document) if is_program(s))
+    program = next(s for s in documents.samples(sample.document) if is_program(s))
     target = re.search(r"target_link_libraries\((\w+)", sample.text).group(1)
     with tempfile.TemporaryDirectory() as folder:
         project = pathlib.Path(folder)
@@ -241,7 +241,7 @@ CHECKS = {
 
 
 def check_samples(document):
-    for sample in markdown.samples(document):
+    for sample in documents.samples(document):
         if sample.language not in CHECKS:
             yield f'{sample}: nothing runs a sample of "{sample.language}"'
             continue
@@ -250,17 +250,17 @@ def check_samples(document):
 
 
 def check_links(document):
-    for path, anchor in markdown.links(document):
+    for path, anchor in documents.links(document):
         if not path.exists():
             yield f"{document.name}: no {path.relative_to(ROOT)}"
-        elif anchor and anchor not in markdown.anchors(path):
+        elif anchor and anchor not in documents.anchors(path):
             yield f"{document.name}: {path.name} has no heading for #{anchor}"
 
 
 def check_file_names(document):
     """Sources and scripts that the text names; what a build makes is not looked for."""
     folders = "cmake|include|scripts|simulator|src|tests|tools"
-    for code in markdown.inline_code(document):
+    for code in documents.inline_code(document):
         for name in re.findall(rf"(?<![\w/.-])(?:{folders})/[\w./-]*\w", code):
             if not (ROOT / name).exists():
                 yield f"{document.name}: no {name}"
@@ -286,13 +286,13 @@ def check_tables():
     tables = [
         (first_words(parts["Commands"]), guide, "is called as"),
         (re.findall(r"(?m)^  (?:\w+ )?(--[\w-]+)", parts["Options"]), guide, "lists the exports and"),
-        (re.findall(r"(?m)^  (--(?!help)[\w-]+)", simulated), simulator, "## Its options"),
-        (re.findall(r"(?m)^  ,(\w+)=", simulated), simulator, "## Cameras"),
-        (re.findall(r"(?m)^  ([a-z-]+)\b", faults), simulator, "## Faults"),
+        (re.findall(r"(?m)^  (--(?!help)[\w-]+)", simulated), simulator, "Its options"),
+        (re.findall(r"(?m)^  ,(\w+)=", simulated), simulator, "Cameras"),
+        (re.findall(r"(?m)^  ([a-z-]+)\b", faults), simulator, "Faults"),
     ]
     for said, document, words in tables:
         listed = {re.match(r"-*\w[\w-]*", code).group()
-                  for code in markdown.table_codes(document, words)}
+                  for code in documents.table_codes(document, words)}
         if listed != set(said):
             yield f'{document.name}: "{words}": only one side has {sorted(listed ^ set(said))}'
     declared = re.findall(r"(?m)^QVX64_API .*?(\w+)\(", (ROOT / "include/qvx64/api.h").read_text())
@@ -302,12 +302,12 @@ def check_tables():
 
 def main():
     every = [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs").glob("*.md"))]
-    documents = [ROOT / name for name in sys.argv[1:]] or every
+    chosen = [ROOT / name for name in sys.argv[1:]] or every
     reference = shell("scripts/docs/api_reference.py --check")
     faults = [reference.stdout] if reference.returncode else []
-    with concurrent.futures.ThreadPoolExecutor(len(documents) + 1) as pool:
+    with concurrent.futures.ThreadPoolExecutor(len(chosen) + 1) as pool:
         tables = pool.submit(lambda: list(check_tables()))
-        faults += sum(pool.map(check_document, documents), [])
+        faults += sum(pool.map(check_document, chosen), [])
         faults += tables.result()
     print(*faults, sep="\n", end="\n" if faults else "")
     return 1 if faults else 0

@@ -8,7 +8,7 @@ import re
 import sys
 
 sys.dont_write_bytecode = True  # the sources stay as they are
-import markdown
+import documents
 
 DOCUMENTS = pathlib.Path(__file__).parents[2] / "docs"
 
@@ -26,7 +26,7 @@ int main() {{
 
 def main():
     samples = [sample for document in sorted(DOCUMENTS.glob("*.md"))
-               for sample in markdown.samples(document)
+               for sample in documents.samples(document)
                if sample.language == "cpp" and "int main" not in sample.text]
     include = re.compile(r"(?m)^#include .*\n")
     functions = [f"// {sample}\nstatic void sample{i}() {{\n{include.sub('', sample.text)}}}\n"

@@ -7,7 +7,7 @@
 
 #include "page_html.h"
 #include "simulator/page/page_controls.h"
-#include "simulator/program/live_picture.h"
+#include "simulator/desk/live_picture.h"
 
 namespace qvx::simulator {
 

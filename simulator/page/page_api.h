@@ -3,7 +3,7 @@
 
 #include <httplib.h>
 
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 namespace qvx::simulator {
 

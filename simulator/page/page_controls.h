@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 namespace qvx::simulator {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "simulator/program/live_picture.h"
+#include "simulator/desk/live_picture.h"
 
 namespace qvx::simulator {
 

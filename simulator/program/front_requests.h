@@ -2,7 +2,7 @@
 #pragma once
 
 #include "simulator/fronts/protocol.h"
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 namespace qvx::simulator {
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 namespace qvx::simulator {
 

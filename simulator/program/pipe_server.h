@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "simulator/fronts/handle.h"
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 namespace qvx::simulator {
 

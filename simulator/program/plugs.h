@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "simulator/fronts/camera_list.h"
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 namespace qvx::simulator {
 

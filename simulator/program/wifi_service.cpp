@@ -1,7 +1,7 @@
 #include "simulator/program/wifi_service.h"
 
 #include "simulator/page/page_api.h"
-#include "simulator/program/live_picture.h"
+#include "simulator/desk/live_picture.h"
 
 namespace qvx::simulator {
 

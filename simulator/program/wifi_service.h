@@ -1,7 +1,7 @@
 // A simulated Wi-Fi camera on a TCP port.
 #pragma once
 
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 #include "simulator/program/http_port.h"
 
 namespace qvx::simulator {

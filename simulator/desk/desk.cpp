@@ -1,4 +1,4 @@
-#include "simulator/program/desk.h"
+#include "simulator/desk/desk.h"
 
 #include <algorithm>
 #include <numeric>
