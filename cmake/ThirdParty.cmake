@@ -48,6 +48,7 @@ function(qvx_build_static target source library)
   add_dependencies(${target} ${target}_external)
 endfunction()
 
+include(${CMAKE_CURRENT_LIST_DIR}/Cli11.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/Jsoncpp.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/Libjpeg.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/Httplib.cmake)

@@ -277,15 +277,15 @@ def first_words(section):
 
 def check_tables():
     """What the guides list is what the programs say they take."""
-    client = shell(WINE + CLIENT + " --help").stdout
-    exports = shell(WINE + CLIENT + " call --help").stdout
+    client, exports = (
+        dict(re.findall(r"(?m)^(\w+):\n((?:  .*\n)+)", shell(WINE + CLIENT + arguments).stdout))
+        for arguments in (" --help", " call --help"))
     simulated, faults = shell(SIMULATOR + " --help").stdout.split("A fault is")
     guide, simulator = ROOT / "docs/qvxctl.md", ROOT / "docs/simulator.md"
-    parts = dict(re.findall(r"(?m)^(\w+):\n((?:  .*\n)+)", client))
     # What the program says, and the table behind these words of the guide.
     tables = [
-        (first_words(parts["Commands"]), guide, "is called as"),
-        (re.findall(r"(?m)^  (?:\w+ )?(--[\w-]+)", parts["Options"]), guide, "lists the exports and"),
+        (first_words(client["Commands"]), guide, "is called as"),
+        (first_words(client["Options"]), guide, "lists the exports and"),
         (re.findall(r"(?m)^  (--(?!help)[\w-]+)", simulated), simulator, "Its options"),
         (re.findall(r"(?m)^  ,(\w+)=", simulated), simulator, "Cameras"),
         (re.findall(r"(?m)^  ([a-z-]+)\b", faults), simulator, "Faults"),
@@ -296,7 +296,7 @@ def check_tables():
         if listed != set(said):
             yield f'{document.name}: "{words}": only one side has {sorted(listed ^ set(said))}'
     declared = re.findall(r"(?m)^QVX64_API .*?(\w+)\(", (ROOT / "include/qvx64/api.h").read_text())
-    if first_words(exports) != declared:
+    if first_words(exports["Exports"]) != declared:
         yield "qvxctl call --help: other exports than the header"
 
 

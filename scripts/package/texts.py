@@ -13,7 +13,8 @@ LINKED = (
      INSTALLED / "g++-mingw-w64-x86-64-posix/copyright"),
     ("mingw-w64's runtime and winpthreads", "all programs",
      INSTALLED / "mingw-w64-x86-64-dev/copyright"),
-    ("jsoncpp", "QVX64.dll and qvx-simulator.exe", "libjsoncpp-*/debian/copyright"),
+    ("CLI11", "qvxctl.exe and qvx-simulator.exe", INSTALLED / "libcli11-dev/copyright"),
+    ("jsoncpp", "QVX64.dll, qvxctl.exe and qvx-simulator.exe", "libjsoncpp-*/debian/copyright"),
     ("cpp-httplib", "qvx-simulator.exe", "cpp-httplib-*/debian/copyright"),
     ("libjpeg-turbo", "qvx-simulator.exe", "libjpeg-turbo-*/debian/copyright"),
 )

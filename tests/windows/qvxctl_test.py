@@ -35,19 +35,29 @@ FAMILIES = {
 }
 AT_ONCE = 4  # clients
 
-STEADY = r'(\{"time":"[^"]*","event":"magnification","magnification":6[23]\.[^}]*\}\n)+'
+STEADY = (r'(\{"event":"magnification","field_of_view_um":\d[^,]*,"magnification":6[23]\.[^,]*,'
+          r'"time":"[^"]*"\}\n)+')
 # Camera, arguments, exit code, all of standard output or what is in standard error.
 COMMANDS = [
     *(("none:", arguments, 2, said) for arguments, said in [
-        ("exposure -5", "exposure: -5 is not from 0 to 65535"),
-        ("exposure 70000", "exposure: 70000"), ("ae 300", "ae: 300 is not from 0 to 255"),
-        ("light quadrant 9 5", "light quadrant: 9 is not from 0 to 4"),
-        ("light quadrant 1", "a value is missing"), ("light switch -1", "light switch: -1"),
-        ("light switch 17", "is not 0 to 16, 24, 32, 40 or 48"), ("lens pos 1000", "lens pos: 1000"),
-        ("lens up", '"up" is not limits, init, pos or fine'), ("snapshot ''", "name of a file"),
-        ("modes 0x480", "width"), ("info --device 8", "--device: 8"),
+        ("", "command is required"), ("lsit", '"lsit"'), ("lens up", '"up"'), ("list --jsn", '"--jsn"'),
+        ("list --json=1", "json"), ("list --seconds 3", "--seconds"), ("info --device", "--device"),
+        ("exposure -5", "LINES: Value -5 not in range 0 to 65535"),
+        ("exposure 70000", "LINES: Value 70000"), ("ae 300", "Value 300 not in range 0 to 255"),
+        ("light quadrant 9 5", "Q: Value 9 not in range 0 to 4"),
+        ("light quadrant 1", "N is required"), ("light switch -1", "N: Value -1"),
+        ("light switch 17", "is not 0 to 16, 24, 32, 40 or 48"), ("lens pos 1000", "N: Value 1000"),
+        ("snapshot ''", "name of a file"), ("modes 0x480", "Value 0 not"), ("modes 640", "WIDTHxHEIGHT"),
+        ("info --device 8", "--device: 8"), ("watch --seconds nan", "--seconds: nan"),
         ("info --camera 1.2.3", "no IPV4"), ("info --camera 1.2.3.04", "no IPV4"),
-        ("info --camera 1.2.3.4:0", "no IPV4"),
+        ("info --camera 1.2.3.4:0", "no IPV4"), ("call FOVx 0 inf", "fMag"),
+        ("call GetConfig 4294967296", "deviceIndex: Value 4294967296"),
+    ]),
+    *(("none:", arguments, 0, printed) for arguments, printed in [
+        ("--device=0x5A call GetVideoDeviceIndex", "90\n"),
+        ("call GetVideoDeviceIndex --device 0 --device 090", "90\n"),
+        ("call FOVx 0 -- -63.4", r"-5552\.050473186121\n"),
+        ("--json call FOVx 0 0", r'\{"result":null\}\n'),
     ]),
     ("none:", f"info --camera 127.0.0.1:{SILENT_PORT}", 1,
      f"no camera answers at 127.0.0.1:{SILENT_PORT}\n"),
@@ -56,7 +66,7 @@ COMMANDS = [
     ("usb:0970", "lens pos 5", 1, "no focus lens"),
     ("usb:0970", "light quadrant 1 5", 1, "no such light"),
     ("usb:09A0", "exposure 5", 1, "fixed"),
-    ("usb:0970", "report {folder}/made.zip --no-serials --json", 0, r'\{"file":".*made.zip"\}\n'),
+    ("usb:0970", "report {folder}/Größe.zip --no-serials --json", 0, r'\{"file":".*Größe.zip"\}\n'),
     ("usb3:09B1", "ae --device 0 --json", 0, r'\{"automatic":true,"target":56\}\n'),
     ("wifi:0998,fault=junk", "info --device 90", 1, "no camera answers at 127.0.0.1:8080"),
     ("wifi:0998", "lens fine 5 --device 90", 1, "this camera has none"),
@@ -64,7 +74,7 @@ COMMANDS = [
     ("wifi:0998", "snapshot {folder}", 4, "cannot replace"),
     ("wifi:0998,zoom=63", "watch --device 90 --seconds 3 --json", 0, STEADY),
     ("wifi:0998,zoom=63,fault=refuse:90", "watch --device 90 --seconds 10 --json", 0,
-     STEADY[:-1] + r'+\{"time":"[^"]*","event":"silent"\}\n'),
+     STEADY + r'\{"event":"silent","time":"[^"]*"\}\n'),
 ]
 
 

@@ -1,14 +1,13 @@
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "cameras.h"
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
-#include "numbers.h"
 #include "output.h"
 #include "readings.h"
-#include "text.h"
 
 namespace qvxctl {
 
@@ -28,13 +27,13 @@ constexpr Property properties[] = {
     {"power-line", QVX_POWER_LINE_FREQUENCY},
 };
 
-std::string jsonOf(const PropertySetting& setting) {
-  return json::object({{"name", json::text(setting.property->name)},
-                       {"value", json::number(setting.value)},
-                       {"least", json::number(setting.least)},
-                       {"most", json::number(setting.most)},
-                       {"step", json::number(setting.step)},
-                       {"standard", json::number(setting.standard)}});
+Json::Value jsonOf(const PropertySetting& setting) {
+  return object({{"name", setting.property->name},
+                 {"value", Json::Int(setting.value)},
+                 {"min", Json::Int(setting.min)},
+                 {"max", Json::Int(setting.max)},
+                 {"step", Json::Int(setting.step)},
+                 {"default", Json::Int(setting.defaultValue)}});
 }
 
 std::string textOf(const PropertySetting& setting) {
@@ -42,20 +41,22 @@ std::string textOf(const PropertySetting& setting) {
   std::string name(setting.property->name), value = std::to_string(setting.value);
   name.resize(std::max(name.size(), nameWidth), ' ');
   value.insert(0, valueWidth - std::min(valueWidth, value.size()), ' ');
-  return name + value + "   from " + std::to_string(setting.least) + " to " +
-         std::to_string(setting.most) + " in steps of " + std::to_string(setting.step) +
-         ", usually " + std::to_string(setting.standard);
+  return name + value + "   from " + std::to_string(setting.min) + " to " +
+         std::to_string(setting.max) + " in steps of " + std::to_string(setting.step) +
+         ", default " + std::to_string(setting.defaultValue);
 }
 
-void printAll(bool asJson) {
-  std::vector<std::string> entries;
+void printAll(const Options& options) {
+  Json::Value list(Json::arrayValue);
+  std::string text;
   for (const Property& property : properties) {
     const auto setting = settingOf(property);
-    if (setting) entries.push_back(asJson ? jsonOf(*setting) : textOf(*setting));
+    if (!setting) continue;
+    list.append(jsonOf(*setting));
+    text += (text.empty() ? "" : "\n") + textOf(*setting);
   }
-  if (asJson) return printLine(json::object({{"properties", json::array(entries)}}));
-  if (entries.empty()) printLine("This camera tells of no picture properties.");
-  for (const std::string& entry : entries) printLine(entry);
+  printResult(options, object({{"properties", list}}),
+              text.empty() ? "This camera reports no picture properties." : text);
 }
 
 // Nothing is set that the camera would cut or refuse.
@@ -64,9 +65,9 @@ PropertySetting settingAfter(const Property& property, const std::optional<qvx_l
   auto setting = settingOf(property);
   if (!setting) throw Failure(ExitCode::cameraFailed, what + " is not there");
   if (!value) return *setting;
-  if (!Range{setting->least, setting->most}.holds(*value)) {
-    throw Failure(ExitCode::cameraFailed, what + " is " + std::to_string(setting->least) + " to " +
-                                              std::to_string(setting->most));
+  if (!Range{setting->min, setting->max}.holds(*value)) {
+    throw Failure(ExitCode::cameraFailed, what + " is " + std::to_string(setting->min) + " to " +
+                                              std::to_string(setting->max));
   }
   const LibraryOutputAside aside;
   SetVideoProcAmp(property.number, *value);
@@ -84,25 +85,26 @@ std::optional<PropertySetting> settingOf(const Property& property) {
   const LibraryOutputAside aside;
   qvx_long number = property.number;
   PropertySetting setting{&property, -1, -1, -1, -1, -1};
-  GetVideoProcAmpValueRange(&number, &setting.least, &setting.most, &setting.step,
-                            &setting.standard);
+  GetVideoProcAmpValueRange(&number, &setting.min, &setting.max, &setting.step,
+                            &setting.defaultValue);
   // The library's way to say that there is nothing; the variables were preset to the same.
-  if (setting.least == -1 && setting.most == -1 && setting.step == -1) return std::nullopt;
+  if (setting.min == -1 && setting.max == -1 && setting.step == -1) return std::nullopt;
   setting.value = GetVideoProcAmp(property.number);
   return setting;
 }
 
-void adjustPicture(const Options& options) {
-  const auto& arguments = options.arguments;
-  if (arguments.size() > 1) expectArguments(options, "amp", 2);
-  const Property* const property =
-      arguments.empty() ? nullptr : &rowNamed("amp", properties, arguments[0]);
-  std::optional<qvx_long> value;
-  if (arguments.size() > 1) value = wholeNumber("amp value", arguments[1]);
-  openCamera(options);
-  if (property == nullptr) return printAll(options.json);
-  const PropertySetting setting = settingAfter(*property, value);
-  printLine(options.json ? jsonOf(setting) : textOf(setting));
+void definePicture(CLI::App& command, const Options& options) {
+  static const Property* property;
+  static std::optional<qvx_long> value;
+  addChoice(command, "PROPERTY", properties, property);
+  addNumber(command, "VALUE", value, std::numeric_limits<qvx_long>::min(),
+            std::numeric_limits<qvx_long>::max());
+  command.callback([&options] {
+    openCamera(options);
+    if (property == nullptr) return printAll(options);
+    const PropertySetting setting = settingAfter(*property, value);
+    printResult(options, jsonOf(setting), textOf(setting));
+  });
 }
 
 }  // namespace qvxctl

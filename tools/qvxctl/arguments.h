@@ -1,50 +1,29 @@
-// What stands for the parameters of an export during a call, by their types: each is given on the
-// command line and passed to the function, or written by the function and reported.
+// What stands for a parameter of an export during a call, by its type: an argument of the command
+// line, or a variable that the export writes and the client prints.
 #pragma once
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "command_line.h"
+#include "text.h"
 #include "value.h"
 
 namespace qvxctl {
 
 struct Parameter {
-  std::string name;
-  bool read = false;  // of a pointer to a number: the function reads it instead of writing it
-};
+  Parameter(const char* itsName, bool isRead = false) : name(itsName), read(isRead) {}
 
-inline Parameter readThroughPointer(const char* name) {
-  return {name, true};
-}
+  std::string name;
+  bool read;  // a pointer to a number that the export reads
+};
 
 // The library looks at this much of a narrow text, whatever its length.
 using TextBuffer = std::array<char, 256>;
-
-// The words of the command line that become arguments. All functions fail as bad usage.
-class ArgumentWords {
- public:
-  ArgumentWords(std::string exportName, std::vector<std::string> words)
-      : exportName_(std::move(exportName)), words_(std::move(words)) {}
-
-  void take(const Parameter& parameter, int& number);
-  void take(const Parameter& parameter, long& number);
-  void take(const Parameter& parameter, double& number);
-  void take(const Parameter& parameter, TextBuffer& text);
-  void takeNone(const Parameter& parameter);
-  void expectEnd() const;
-
- private:
-  const std::string& next(const Parameter& parameter);
-  std::string label(const Parameter& parameter) const;
-
-  std::string exportName_;
-  std::vector<std::string> words_;
-  std::size_t position_ = 0;
-};
 
 // A type as help shows it.
 template <class T>
@@ -62,7 +41,14 @@ requires std::is_arithmetic_v<T>
 struct Argument<T> {
   static constexpr const char* type = typeName<T>();
   static bool given(const Parameter&) { return true; }
-  void take(const Parameter& parameter, ArgumentWords& words) { words.take(parameter, number); }
+  void add(CLI::App& command, const std::string& name) {
+    if constexpr (std::is_integral_v<T>) {
+      using Limits = std::numeric_limits<T>;
+      addNumber(command, name, number, Limits::min(), Limits::max())->option_text(type)->required();
+    } else {
+      command.add_option(name, number)->option_text(type)->required()->check(notFinite);
+    }
+  }
   T pass() { return number; }
   Value value() const { return valueOf(number); }
 
@@ -76,12 +62,12 @@ struct Argument<T*> : Argument<T> {
   T* pass() { return &this->number; }
 };
 
-// A list that the function fills; it ends where the function left zeros.
+// A list that the export fills; it ends where the export left zeros.
 template <>
 struct Argument<short*> {
   static constexpr const char* type = "ints";
   static bool given(const Parameter&) { return false; }
-  void take(const Parameter&, ArgumentWords&) {}
+  void add(CLI::App&, const std::string&) {}
   short* pass() { return numbers.data(); }
   Value value() const {
     return valueOf(std::vector<short>(numbers.begin(), std::ranges::find(numbers, 0)));
@@ -94,7 +80,17 @@ template <>
 struct Argument<char*> {
   static constexpr const char* type = "text";
   static bool given(const Parameter&) { return true; }
-  void take(const Parameter& parameter, ArgumentWords& words) { words.take(parameter, text); }
+  void add(CLI::App& command, const std::string& name) {
+    const auto take = [this](const std::string& word) {
+      std::ranges::copy(ansi(word), text.begin());
+    };
+    command.add_option_function<std::string>(name, take)
+        ->option_text(type)
+        ->required()
+        ->check([](const std::string& word) {
+          return ansi(word).size() < TextBuffer().size() ? "" : "too long";
+        });
+  }
   char* pass() { return text.data(); }
 
   TextBuffer text{};
@@ -103,12 +99,14 @@ struct Argument<char*> {
 template <>
 struct Argument<const char*> : Argument<char*> {};
 
-// Nobody is there to call back once the call has returned.
+// There is nothing to call back once the call has returned.
 template <>
 struct Argument<void (*)()> {
   static constexpr const char* type = "none";
   static bool given(const Parameter&) { return true; }
-  void take(const Parameter& parameter, ArgumentWords& words) { words.takeNone(parameter); }
+  static void add(CLI::App& command, const std::string& name) {
+    command.add_option(name)->option_text(type)->required()->check(CLI::IsMember({"none"}));
+  }
   static void (*pass())() { return nullptr; }
 };
 

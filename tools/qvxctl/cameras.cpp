@@ -13,7 +13,7 @@ namespace qvxctl {
 
 namespace {
 
-// The library hands out a new string each time and cannot take it back; it goes with the process.
+// The library allocates the string and offers no way to free it: it lives as long as the process.
 std::string taken(const wchar_t* text) {
   return text == nullptr ? std::string() : utf8(text);
 }
@@ -32,13 +32,13 @@ bool initWith(int index) {
   return Init() != 0;
 }
 
-// Init by itself would take a bridge camera, or whatever answers HTTP, for the Wi-Fi camera.
+// Init alone would take a bridge camera, or any other HTTP server, for the Wi-Fi camera.
 bool openWifi() {
   return initWith(QVX_WIFI_CAMERA) && answers(QVX_WIFI_CAMERA, false);
 }
 
-// A USB 3 camera that stands alone is found by automatic choice only. Of those from 0x9B1 on, Init
-// says that there is none, but has opened it.
+// A USB 3 camera without other cameras beside it is found by automatic choice only. For product ids
+// from 0x9B1 on, Init reports no camera although it has opened it.
 bool openUsb(int index) {
   const int listed = std::max(index, 0);
   const std::string path = taken(GetDeviceId(listed));
@@ -82,21 +82,21 @@ Model openModel(const Options& options) {
 
 void openWifiCamera(const Options& options) {
   if (options.device.value_or(QVX_WIFI_CAMERA) != QVX_WIFI_CAMERA) {
-    throw Failure(ExitCode::badUsage, options.command + " is for the Wi-Fi camera, --device 90");
+    throw Failure(ExitCode::badUsage, "this command is for the Wi-Fi camera, --device 90");
   }
   open(QVX_WIFI_CAMERA);
 }
 
 bool answers(int index, bool overUsb3) {
   if (index != QVX_WIFI_CAMERA) return GetAETarget(index) != (overUsb3 ? 0xFF : 0);
-  // What the library leaves alone was not told. An answer that comes in pieces is missed now and
-  // then: it is asked for twice.
-  constexpr qvx_long untold = std::numeric_limits<qvx_long>::min();
-  qvx_long brightness = QVX_BRIGHTNESS, least = untold;
-  for (int tries = 0; tries < 2 && least == untold; ++tries) {
-    GetVideoProcAmpValueRange(&brightness, &least, nullptr, nullptr, nullptr);
+  // Without an answer the library leaves the variable as it is. It misses an answer that comes in
+  // pieces now and then, hence two attempts.
+  constexpr qvx_long unset = std::numeric_limits<qvx_long>::min();
+  qvx_long brightness = QVX_BRIGHTNESS, min = unset;
+  for (int attempts = 0; attempts < 2 && min == unset; ++attempts) {
+    GetVideoProcAmpValueRange(&brightness, &min, nullptr, nullptr, nullptr);
   }
-  return least != untold;
+  return min != unset;
 }
 
 Measurement measure(int index) {

@@ -1,4 +1,4 @@
-// The cameras as the exports tell of them.
+// The cameras, as far as the exports describe them.
 #pragma once
 
 #include <optional>
@@ -15,22 +15,22 @@ struct Camera {
   std::optional<int> productId;  // in the path; the Wi-Fi camera has none
 };
 
-// Empty name and path where there is no camera. Leaves the library's own table of paths in the
+// Name and path are empty where there is no camera. Leaves the library's own table of paths in the
 // order of the indexes.
 Camera describeCamera(int index);
 
-// Chooses the camera and initialises the library; fails when none answers. Returns the camera's
-// index, which is another one than asked for when the choice was automatic.
+// Selects the camera and initialises the library; fails when none answers. Returns the camera's
+// index, which the library chooses for -1.
 int openCamera(const Options& options);
 
-// The same, and what the camera has.
+// The same; returns what the camera has.
 Model openModel(const Options& options);
 
 // The same for a command that only the Wi-Fi camera understands; another device is bad usage.
 void openWifiCamera(const Options& options);
 
-// Whether an open camera still answers. A USB camera whose automatic exposure aims at 0 seems not
-// to, and one without automatic exposure always seems to.
+// Whether an open camera still answers. A USB camera whose automatic exposure has target 0 looks
+// silent, and one without automatic exposure always looks alive.
 bool answers(int index, bool overUsb3);
 
 struct Measurement {

@@ -1,41 +1,35 @@
 // The commands. Each prints its results and fails with a Failure.
 #pragma once
 
-#include <span>
 #include <string>
-#include <string_view>
 
 #include "options.h"
 
+namespace CLI {
+class App;
+}
+
 namespace qvxctl {
 
-struct Command {
-  std::string_view name;
-  std::string_view arguments;  // as help shows them; empty for none
-  std::string_view summary;
-  void (*run)(const Options& options);
-};
-
-std::span<const Command> commandTable();
-
+// Without arguments.
 void listCameras(const Options& options);
 void showInfo(const Options& options);
 void watchCamera(const Options& options);
-void exposeCamera(const Options& options);
-void adjustAutomaticExposure(const Options& options);
-void suppressFlicker(const Options& options);
-void adjustPicture(const Options& options);
-void listVideoModes(const Options& options);
-void saveSnapshot(const Options& options);
-void driveLens(const Options& options);
-void setLight(const Options& options);
-void setLeds(const Options& options);
 void showConfig(const Options& options);
 void testCamera(const Options& options);
-void writeReport(const Options& options);
-void callExport(const Options& options);
 
-std::string helpText();        // the whole client
-std::string exportHelpText();  // the exports that `call` knows
+// Define the arguments of a command and what it does. Each is called once, so the arguments may be
+// kept in its static variables.
+void defineExposure(CLI::App& command, const Options& options);
+void defineAutomaticExposure(CLI::App& command, const Options& options);
+void defineFlicker(CLI::App& command, const Options& options);
+void definePicture(CLI::App& command, const Options& options);
+void defineModes(CLI::App& command, const Options& options);
+void defineSnapshot(CLI::App& command, const Options& options);
+void defineLens(CLI::App& command, const Options& options);
+void defineLight(CLI::App& command, const Options& options);
+void defineLeds(CLI::App& command, const Options& options);
+void defineReport(CLI::App& command, const Options& options);
+void defineCall(CLI::App& command, const Options& options);
 
 }  // namespace qvxctl

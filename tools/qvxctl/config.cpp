@@ -1,8 +1,8 @@
 #include <cstdio>
+#include <string>
 
 #include "cameras.h"
 #include "commands.h"
-#include "json.h"
 #include "output.h"
 #include "qvx64/api.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr struct {
   qvx_long bit;
-  std::string_view name;
+  const char* name;
 } knownFeatures[] = {
     {QVX_FEATURE_LENS, "focus lens"},
     {QVX_FEATURE_MAGNIFICATION, "magnification"},
@@ -30,28 +30,18 @@ std::string hexadecimal(qvx_long word) {
   return text;
 }
 
-void printJson(qvx_long word) {
-  std::vector<std::string> names;
-  for (const auto& feature : knownFeatures) {
-    if ((word & feature.bit) != 0) names.push_back(json::text(feature.name));
-  }
-  printLine(json::object({{"config", json::number(word)}, {"features", json::array(names)}}));
-}
-
-void printText(qvx_long word) {
-  printLine("Feature word  " + hexadecimal(word));
-  for (const auto& feature : knownFeatures) {
-    if ((word & feature.bit) == 0) continue;
-    printLine("  " + hexadecimal(feature.bit) + "  " + std::string(feature.name));
-  }
-}
-
 }  // namespace
 
 void showConfig(const Options& options) {
   const qvx_long word = GetConfig(openCamera(options));
-  if (options.json) return printJson(word);
-  printText(word);
+  Json::Value names(Json::arrayValue);
+  std::string text = "Feature word  " + hexadecimal(word);
+  for (const auto& feature : knownFeatures) {
+    if ((word & feature.bit) == 0) continue;
+    names.append(feature.name);
+    text += "\n  " + hexadecimal(feature.bit) + "  " + feature.name;
+  }
+  printResult(options, object({{"config", Json::Int(word)}, {"features", names}}), text);
 }
 
 }  // namespace qvxctl

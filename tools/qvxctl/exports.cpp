@@ -9,12 +9,11 @@ namespace {
 template <class Function, class... Names>
 Export describe(const char* name, Names... names) {
   static_assert(sizeof...(Names) == Signature<Function>::arity, "one name per parameter");
-  const std::vector<Parameter> parameters = {Parameter(names)...};
-  return {name, name + Signature<Function>::usage(parameters), parameters,
-          Signature<Function>::bind};
+  const std::vector<Parameter> parameters = {names...};
+  return {name, Signature<Function>::results(parameters), parameters, Signature<Function>::define};
 }
 
-// The types come from the declaration; only the names of the parameters are said again.
+// The types come from the declaration; only the names of the parameters are repeated here.
 #define EXPORTED(function, ...) describe<decltype(::function)>(#function __VA_OPT__(, ) __VA_ARGS__)
 
 const Export exports[] = {
@@ -45,7 +44,7 @@ const Export exports[] = {
     EXPORTED(SetFlicker, "deviceIndex", "Value"),
     EXPORTED(SetVideoProcAmp, "valueIndex", "newValue"),
     EXPORTED(GetVideoProcAmp, "valueIndex"),
-    EXPORTED(GetVideoProcAmpValueRange, readThroughPointer("valueIndex"), "lMin", "lMax",
+    EXPORTED(GetVideoProcAmpValueRange, Parameter("valueIndex", true), "lMin", "lMax",
              "lSteppomgDelta", "lDefault"),
     EXPORTED(SetLEDState, "deviceIndex", "nLedStatus"),
     EXPORTED(SetSEGSwitch, "ID", "nMode"),

@@ -11,9 +11,9 @@ namespace qvxctl {
 
 struct Export {
   std::string name;
-  std::string usage;  // "FOVx <deviceIndex:int> <fMag:number> -> number"
+  std::string results;  // "-> number", for help
   std::vector<Parameter> parameters;
-  Call (*bind)(const std::vector<Parameter>& parameters, ArgumentWords& words);
+  Call (*define)(const std::vector<Parameter>& parameters, CLI::App& command);
 };
 
 // In the order of the library's header.

@@ -1,22 +1,21 @@
 #include <optional>
 
 #include "cameras.h"
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
-#include "numbers.h"
 #include "output.h"
 
 namespace qvxctl {
 
 namespace {
 
-constexpr qvx_long brightest = 255;
+constexpr qvx_long maxTarget = 255;  // of all models together
 
 constexpr struct FlickerMode {
-  std::string_view name, text;
+  const char *name, *text;
   qvx_long mode;
-  Flicker least;
+  Flicker needed;  // of the camera
 } flickerModes[] = {
     {"auto", "detected by the camera", QVX_FLICKER_DETECT, Flicker::detected},
     {"60", "60 Hz", QVX_FLICKER_60_HZ, Flicker::chosen},
@@ -27,65 +26,74 @@ void expect(bool possible, const std::string& problem) {
   if (!possible) throw Failure(ExitCode::cameraFailed, problem);
 }
 
-// As it now is; of cameras that do not tell, as it was set.
+// As it is now; for cameras that do not report it, as it was set.
 qvx_long exposureAfter(const Model& model, const std::optional<qvx_long>& lines) {
   const ExposureTime time = model.exposure.time;
   expect(time != ExposureTime::none, "exposure: this camera's cannot be reached");
-  expect(time != ExposureTime::untold || lines, "exposure: this camera does not tell its own");
+  expect(time != ExposureTime::writeOnly || lines, "exposure: this camera does not report it");
   expect(time != ExposureTime::fixed || !lines, "exposure: this camera's is fixed");
   if (lines) SetExposureValue(model.device, *lines);
-  return time == ExposureTime::untold ? *lines : GetExposureValue(model.device);
+  return time == ExposureTime::writeOnly ? *lines : GetExposureValue(model.device);
 }
 
-void change(const Model& model, const std::string& argument, qvx_long target) {
-  if (argument == "on" || argument == "off") {
-    return SetAutoExposure(model.device, argument == "on" ? 1 : 0);
-  }
+void expose(const Options& options, const std::optional<qvx_long>& lines) {
+  const qvx_long now = exposureAfter(openModel(options), lines);
+  printResult(options, object({{"exposure_lines", Json::Int(now)}}),
+              "Exposure  " + std::to_string(now) + " lines");
+}
+
+void set(const Model& model, const CLI::Option& argument) {
+  const auto word = argument.as<std::string>();
+  if (word == "on" || word == "off") return SetAutoExposure(model.device, word == "on" ? 1 : 0);
+  const auto target = argument.as<qvx_long>();
   const Range& targets = model.exposure.target;
-  expect(targets.holds(target), "ae: of this camera the target is " +
-                                    std::to_string(targets.lower) + " to " +
-                                    std::to_string(targets.upper));
+  expect(targets.holds(target), "ae: this camera's target is " + std::to_string(targets.min) +
+                                    " to " + std::to_string(targets.max));
   SetAETarget(model.device, target);
 }
 
-}  // namespace
-
-void exposeCamera(const Options& options) {
-  const auto argument = onlyArgument(options);
-  std::optional<qvx_long> lines;
-  if (argument) lines = numberWithin("exposure", *argument, QVX_EXPOSURE_MIN, QVX_EXPOSURE_MAX);
-  const qvx_long now = exposureAfter(openModel(options), lines);
-  printLine(options.json ? json::object({{"exposure_lines", json::number(now)}})
-                         : "Exposure  " + std::to_string(now) + " lines");
-}
-
-void adjustAutomaticExposure(const Options& options) {
-  const auto argument = onlyArgument(options);
-  const bool isTarget = argument && *argument != "on" && *argument != "off";
-  const qvx_long wanted = isTarget ? numberWithin("ae", *argument, 0, brightest) : 0;
+void adjustAutomaticExposure(const Options& options, const CLI::Option& argument) {
   const Model model = openModel(options);
   expect(model.exposure.time != ExposureTime::none, "ae: this camera's cannot be reached");
-  if (argument) change(model, *argument, wanted);
+  if (!argument.empty()) set(model, argument);
   const bool on = GetAutoExposure(model.device) != 0;
   const qvx_long target = GetAETarget(model.device);
-  if (options.json) {
-    return printLine(
-        json::object({{"automatic", on ? "true" : "false"}, {"target", json::number(target)}}));
-  }
-  printLine(std::string("Automatic exposure  ") + (on ? "on" : "off"));
-  printLine("Brightness target   " + std::to_string(target));
+  printResult(options, object({{"automatic", on}, {"target", Json::Int(target)}}),
+              std::string("Automatic exposure  ") + (on ? "on" : "off") + "\nBrightness target   " +
+                  std::to_string(target));
 }
 
-void suppressFlicker(const Options& options) {
-  const FlickerMode& chosen = rowNamed("flicker", flickerModes, onlyArgument(options).value_or(""));
+void suppressFlicker(const Options& options, const FlickerMode& chosen) {
   const Model model = openModel(options);
-  expect(model.exposure.flicker >= chosen.least, "flicker: this camera has no such setting");
+  expect(model.exposure.flicker >= chosen.needed, "flicker: this camera has no such setting");
   {
     const LibraryOutputAside aside;
     SetFlicker(model.device, chosen.mode);
   }
-  printLine(options.json ? json::object({{"flicker", json::text(chosen.name)}})
-                         : "Mains frequency  " + std::string(chosen.text));
+  printResult(options, object({{"flicker", chosen.name}}),
+              std::string("Mains frequency  ") + chosen.text);
+}
+
+}  // namespace
+
+void defineExposure(CLI::App& command, const Options& options) {
+  static std::optional<qvx_long> lines;
+  addNumber(command, "LINES", lines, QVX_EXPOSURE_MIN, QVX_EXPOSURE_MAX);
+  command.callback([&options] { expose(options, lines); });
+}
+
+void defineAutomaticExposure(CLI::App& command, const Options& options) {
+  const CLI::Option* const argument =
+      command.add_option("on|off|TARGET")
+          ->transform(inDecimal)
+          ->check(CLI::IsMember({"on", "off"}) | CLI::Range(qvx_long{0}, maxTarget));
+  command.callback([&options, argument] { adjustAutomaticExposure(options, *argument); });
+}
+
+void defineFlicker(CLI::App& command, const Options& options) {
+  static const FlickerMode* chosen;
+  addChoice(command, "auto|60|50", flickerModes, chosen)->required();
+  command.callback([&options] { suppressFlicker(options, *chosen); });
 }
 
 }  // namespace qvxctl

@@ -6,19 +6,11 @@ namespace qvxctl {
 
 namespace {
 
-void printJson(const Camera& camera, const Measurement& measurement) {
-  std::vector<json::Member> members = membersOf(camera);
-  for (json::Member& member : membersOf(measurement)) members.push_back(std::move(member));
-  printLine(json::object(members));
-}
-
-void printText(const Camera& camera, const Measurement& measurement) {
-  printLine("Index          " + std::to_string(camera.index));
-  printLine("Name           " + nameText(camera));
-  printLine("Path           " + (camera.path.empty() ? "none" : camera.path));
-  printLine("Product id     " + productIdText(camera));
-  printLine("Magnification  " + magnificationText(measurement));
-  printLine("Field of view  " + fieldOfViewText(measurement));
+std::string textOf(const Camera& camera, const Measurement& measurement) {
+  return "Index          " + std::to_string(camera.index) + "\nName           " + nameText(camera) +
+         "\nPath           " + (camera.path.empty() ? "none" : camera.path) + "\nProduct id     " +
+         productIdText(camera) + "\nMagnification  " + magnificationText(measurement) +
+         "\nField of view  " + fieldOfViewText(measurement);
 }
 
 }  // namespace
@@ -27,8 +19,9 @@ void showInfo(const Options& options) {
   const int index = openCamera(options);
   const Camera camera = describeCamera(index);
   const Measurement measurement = measure(index);
-  if (options.json) return printJson(camera, measurement);
-  printText(camera, measurement);
+  Json::Value json = jsonOf(camera);
+  addTo(json, measurement);
+  printResult(options, json, textOf(camera, measurement));
 }
 
 }  // namespace qvxctl

@@ -1,10 +1,9 @@
 #include <optional>
 
 #include "cameras.h"
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
-#include "numbers.h"
 #include "output.h"
 #include "readings.h"
 
@@ -12,67 +11,67 @@ namespace qvxctl {
 
 namespace {
 
-std::string jsonOf(const std::optional<Range>& range) {
-  if (!range) return json::null;
-  return json::object(
-      {{"lower", json::number(range->lower)}, {"upper", json::number(range->upper)}});
-}
-
-void printMove(const char* member, const char* text, qvx_long position, bool asJson) {
-  printLine(asJson ? json::object({{member, json::number(position)}})
-                   : text + std::to_string(position));
+Json::Value jsonOf(const std::optional<Range>& range) {
+  if (!range) return {};
+  return object({{"lower", Json::Int(range->min)}, {"upper", Json::Int(range->max)}});
 }
 
 void expectWithin(const std::optional<Range>& range, const std::string& what, qvx_long position) {
   if (!range) throw Failure(ExitCode::cameraFailed, what + ": this camera has none");
   if (range->holds(position)) return;
-  throw Failure(ExitCode::cameraFailed, what + ": of this camera it is " + textOf(range));
+  throw Failure(ExitCode::cameraFailed, what + ": this camera's is " + textOf(range));
 }
 
-void printLimits(const Model& model, qvx_long /*none*/, bool asJson) {
+void printLimits(const Options& options, const Model& model, qvx_long /*none*/) {
   const auto position = lensRange(model), fine = fineLensRange(model);
-  if (asJson) {
-    return printLine(json::object({{"position", jsonOf(position)}, {"fine", jsonOf(fine)}}));
-  }
-  printLine("Position       " + textOf(position));
-  printLine("Fine position  " + textOf(fine));
+  printResult(options, object({{"position", jsonOf(position)}, {"fine", jsonOf(fine)}}),
+              "Position       " + textOf(position) + "\nFine position  " + textOf(fine));
 }
 
-void bringToZero(const Model& model, qvx_long /*none*/, bool asJson) {
+void moveToZero(const Options& options, const Model& model, qvx_long /*none*/) {
   SetLensInitPos(model.device);
-  printLine(asJson ? json::object({{"position", json::number(0)}})
-                   : "Lens sent to its zero position");
+  printResult(options, object({{"position", 0}}), "Lens sent to its zero position");
 }
 
-void moveTo(const Model& model, qvx_long position, bool asJson) {
+void moveTo(const Options& options, const Model& model, qvx_long position) {
   expectWithin(lensRange(model), "lens position", position);
   SetLensPos(model.device, position);
-  printMove("position", "Lens sent to position ", position, asJson);
+  printResult(options, object({{"position", Json::Int(position)}}),
+              "Lens sent to position " + std::to_string(position));
 }
 
-void moveFinelyTo(const Model& model, qvx_long position, bool asJson) {
+void moveFinelyTo(const Options& options, const Model& model, qvx_long position) {
   expectWithin(fineLensRange(model), "lens fine position", position);
   SetLensFinePos(model.device, position);
-  printMove("fine", "Lens sent to fine position ", position, asJson);
+  printResult(options, object({{"fine", Json::Int(position)}}),
+              "Lens sent to fine position " + std::to_string(position));
 }
 
 constexpr struct Action {
-  std::string_view name;
+  const char *name, *summary;
   bool takesPosition;
   Range positions;  // of all models together
-  void (*run)(const Model& model, qvx_long position, bool asJson);
+  void (*run)(const Options& options, const Model& model, qvx_long position);
 } actions[] = {
-    {"limits", false, {}, printLimits},
-    {"init", false, {}, bringToZero},
-    {"pos", true, {-48, 71}, moveTo},
-    {"fine", true, {-1023, 1023}, moveFinelyTo},
+    {"limits", "show the ranges; moves the lens to its zero position", false, {}, printLimits},
+    {"init", "move to the zero position", false, {}, moveToZero},
+    {"pos", "move to a position", true, {-48, 71}, moveTo},
+    {"fine", "move to a fine position, of a voice coil", true, {-1023, 1023}, moveFinelyTo},
 };
+
+void run(const Options& options, const Action& action, qvx_long position) {
+  const Model model = openModel(options);
+  if (!model.hasLens()) {
+    throw Failure(ExitCode::cameraFailed, "lens: this camera has no focus lens");
+  }
+  action.run(options, model, position);
+}
 
 std::optional<Range> rangeFrom(qvx_long (*limits)(int device, qvx_long* upper, qvx_long* lower),
                                int device) {
   Range range{};
-  limits(device, &range.upper, &range.lower);
-  if (range.lower == -1 && range.upper == -1) return std::nullopt;  // nothing to move
+  limits(device, &range.max, &range.min);
+  if (range.min == -1 && range.max == -1) return std::nullopt;  // nothing to move
   return range;
 }
 
@@ -83,29 +82,25 @@ std::optional<Range> lensRange(const Model& model) {
 }
 
 std::optional<Range> fineLensRange(const Model& model) {
-  // Over Wi-Fi a range is told, but nothing moves.
+  // Over Wi-Fi the library gives a range, but nothing moves.
   if (!model.hasLens() || model.device == QVX_WIFI_CAMERA) return std::nullopt;
   return rangeFrom(GetLensFinePosLimits, model.device);
 }
 
 std::string textOf(const std::optional<Range>& range) {
-  return range ? std::to_string(range->lower) + " to " + std::to_string(range->upper) : "none";
+  return range ? std::to_string(range->min) + " to " + std::to_string(range->max) : "none";
 }
 
-void driveLens(const Options& options) {
-  const std::string name = options.arguments.empty() ? "" : options.arguments.front();
-  const Action& action = rowNamed("lens", actions, name);
-  const std::string what = "lens " + name;
-  expectArguments(options, what, action.takesPosition ? 2 : 1);
-  const qvx_long position =
-      action.takesPosition
-          ? numberWithin(what, options.arguments[1], action.positions.lower, action.positions.upper)
-          : 0;
-  const Model model = openModel(options);
-  if (!model.hasLens()) {
-    throw Failure(ExitCode::cameraFailed, "lens: this camera has no focus lens");
+void defineLens(CLI::App& command, const Options& options) {
+  static qvx_long position;
+  command.require_subcommand(1);
+  for (const Action& action : actions) {
+    CLI::App* const part = command.add_subcommand(action.name, action.summary);
+    if (action.takesPosition) {
+      addNumber(*part, "N", position, action.positions.min, action.positions.max)->required();
+    }
+    part->callback([&] { run(options, action, position); });
   }
-  action.run(model, position, options.json);
 }
 
 }  // namespace qvxctl

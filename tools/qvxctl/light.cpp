@@ -1,8 +1,7 @@
 #include "cameras.h"
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
-#include "numbers.h"
 #include "output.h"
 
 namespace qvxctl {
@@ -14,65 +13,69 @@ struct Setting {
   qvx_long quadrant, value;
 };
 
-bool lights(const Model& model, const Setting& /*setting*/) {
+// Up to 16 the segments of the ring, above that one value for each light and state.
+std::string notASwitchValue(const std::string& text) {
+  constexpr long step = 8;
+  const long value = std::stol(text);
+  return value <= QVX_RING_OFF || value % step == 0 ? ""
+                                                    : text + " is not 0 to 16, 24, 32, 40 or 48";
+}
+
+std::string anyValue(const std::string&) {
+  return "";
+}
+
+bool hasLights(const Model& model, const Setting& /*setting*/) {
   return model.hasLights();
 }
 
 constexpr struct Light {
-  std::string_view name, text;
+  const char *name, *text, *summary;
   bool hasQuadrant;
-  qvx_long most;  // of all models together
+  qvx_long max;                                        // of all models together
+  std::string (*wrongValue)(const std::string& text);  // from 0 to max
   bool (*fits)(const Model& model, const Setting& setting);
   void (*set)(int device, const Setting& setting);
 } lightTable[] = {
-    {"switch", "Light switch", false, QVX_AIM_OFF, lights,
+    {"switch", "Light switch", "choose the lit segments: 0 to 16, 24, 32, 40 or 48", false,
+     QVX_AIM_OFF, notASwitchValue, hasLights,
      [](int device, const Setting& setting) { SetSEGSwitch(device, setting.value); }},
-    {"level", "Ring level", false, QVX_QUADRANT_LEVEL_FULL,
+    {"level", "Ring level", "dim the ring", false, QVX_QUADRANT_LEVEL_FULL, anyValue,
      [](const Model& model, const Setting& setting) {
-       return model.hasLights() && setting.value <= model.brightestRing();
+       return model.hasLights() && setting.value <= model.maxRingLevel();
      },
      [](int device, const Setting& setting) { SetSEGLevel(device, setting.value); }},
-    {"quadrant", "Level of quadrant", true, QVX_QUADRANT_LEVEL_FULL,
+    {"quadrant", "Level of quadrant", "dim a quadrant of the ring, 0 for all", true,
+     QVX_QUADRANT_LEVEL_FULL, anyValue,
      [](const Model& model, const Setting&) { return model.has(QVX_FEATURE_QUADRANTS); },
      [](int device, const Setting& setting) { SetESEG(device, setting.quadrant, setting.value); }},
-    {"axial", "Axial light level", false, QVX_LEVEL_FULL, lights,
-     [](int device, const Setting& setting) { SetAXILevel(device, setting.value); }},
-    {"aim", "Aiming light level", false, QVX_LEVEL_FULL,
+    {"axial", "Axial light level", "dim the axial light", false, QVX_LEVEL_FULL, anyValue,
+     hasLights, [](int device, const Setting& setting) { SetAXILevel(device, setting.value); }},
+    {"aim", "Aiming light level", "dim the aiming light", false, QVX_LEVEL_FULL, anyValue,
      [](const Model& model, const Setting&) { return model.hasAim(); },
      [](int device, const Setting& setting) { SetAimpointLevel(device, setting.value); }},
 };
 
-// Up to 16 the segments of the ring, from there on one value for each light and state.
-void expectSwitchValue(qvx_long value) {
-  constexpr qvx_long step = 8;
-  if (value <= QVX_RING_OFF || value % step == 0) return;
-  throw Failure(ExitCode::badUsage,
-                "light switch: " + std::to_string(value) + " is not 0 to 16, 24, 32, 40 or 48");
-}
-
-Setting settingIn(const Options& options, const Light& light, const std::string& what) {
-  constexpr qvx_long lastQuadrant = 4;
-  const auto& arguments = options.arguments;
-  Setting setting{};
-  if (light.hasQuadrant) setting.quadrant = numberWithin(what, arguments[1], 0, lastQuadrant);
-  setting.value = numberWithin(what, arguments.back(), 0, light.most);
-  if (light.name == "switch") expectSwitchValue(setting.value);
-  return setting;
-}
-
-void print(const Light& light, const Setting& setting, bool asJson) {
-  if (asJson) {
-    std::vector<json::Member> members = {{"light", json::text(light.name)}};
-    if (light.hasQuadrant) members.push_back({"quadrant", json::number(setting.quadrant)});
-    members.push_back({"value", json::number(setting.value)});
-    return printLine(json::object(members));
-  }
+void print(const Options& options, const Light& light, const Setting& setting) {
+  Json::Value json = object({{"light", light.name}, {"value", Json::Int(setting.value)}});
+  if (light.hasQuadrant) json["quadrant"] = Json::Int(setting.quadrant);
   const std::string which = light.hasQuadrant ? ' ' + std::to_string(setting.quadrant) : "";
-  printLine(std::string(light.text) + which + " requested: " + std::to_string(setting.value));
+  printResult(options, json, light.text + which + " requested: " + std::to_string(setting.value));
+}
+
+void run(const Options& options, const Light& light, const Setting& setting) {
+  const Model model = openModel(options);
+  if (!light.fits(model, setting)) {
+    throw Failure(ExitCode::cameraFailed,
+                  std::string("light ") + light.name +
+                      ": this camera has no such light or level (see qvxctl led)");
+  }
+  light.set(model.device, setting);
+  print(options, light, setting);
 }
 
 constexpr struct LedState {
-  std::string_view name, text;
+  const char *name, *text;
   int state;
 } ledStates[] = {
     {"off", "off", QVX_LED_OFF},
@@ -82,27 +85,26 @@ constexpr struct LedState {
 
 }  // namespace
 
-void setLight(const Options& options) {
-  const std::string name = options.arguments.empty() ? "" : options.arguments.front();
-  const Light& light = rowNamed("light", lightTable, name);
-  const std::string what = "light " + name;
-  expectArguments(options, what, light.hasQuadrant ? 3 : 2);
-  const Setting setting = settingIn(options, light, what);
-  const Model model = openModel(options);
-  if (!light.fits(model, setting)) {
-    throw Failure(ExitCode::cameraFailed,
-                  what + ": this camera has no such light or level (see qvxctl led)");
+void defineLight(CLI::App& command, const Options& options) {
+  constexpr qvx_long lastQuadrant = 4;
+  static Setting setting;
+  command.require_subcommand(1);
+  for (const Light& light : lightTable) {
+    CLI::App* const part = command.add_subcommand(light.name, light.summary);
+    if (light.hasQuadrant) addNumber(*part, "Q", setting.quadrant, 0, lastQuadrant)->required();
+    addNumber(*part, "N", setting.value, 0, light.max)->required()->check(light.wrongValue);
+    part->callback([&] { run(options, light, setting); });
   }
-  light.set(model.device, setting);
-  print(light, setting, options.json);
 }
 
-void setLeds(const Options& options) {
-  const std::string name = onlyArgument(options).value_or("");
-  const LedState& chosen = rowNamed("led", ledStates, name);
-  SetLEDState(openCamera(options), chosen.state);
-  printLine(options.json ? json::object({{"led", json::text(chosen.name)}})
-                         : "Illumination requested: " + std::string(chosen.text));
+void defineLeds(CLI::App& command, const Options& options) {
+  static const LedState* chosen;
+  addChoice(command, "off|on|other", ledStates, chosen)->required();
+  command.callback([&options] {
+    SetLEDState(openCamera(options), chosen->state);
+    printResult(options, object({{"led", chosen->name}}),
+                std::string("Illumination requested: ") + chosen->text);
+  });
 }
 
 }  // namespace qvxctl

@@ -1,3 +1,5 @@
+#include <vector>
+
 #include "commands.h"
 #include "output.h"
 #include "presentation.h"
@@ -6,7 +8,7 @@ namespace qvxctl {
 
 namespace {
 
-// What a listing can say of the Wi-Fi camera: nobody asks the network before it is chosen.
+// All that a list can say about the Wi-Fi camera: the network is not searched before it is chosen.
 constexpr char wifiNote[] = "reached when chosen";
 
 std::vector<Camera> usbCameras() {
@@ -19,31 +21,27 @@ std::vector<Camera> usbCameras() {
   return cameras;
 }
 
-void printJson(const std::vector<Camera>& cameras) {
-  std::vector<std::string> entries;
-  for (const Camera& camera : cameras) entries.push_back(json::object(membersOf(camera)));
-  const std::string wifi =
-      json::object({{"index", json::number(QVX_WIFI_CAMERA)}, {"note", json::text(wifiNote)}});
-  printLine(json::object({{"cameras", json::array(entries)}, {"wifi", wifi}}));
+Json::Value jsonOf(const std::vector<Camera>& cameras) {
+  Json::Value list(Json::arrayValue);
+  for (const Camera& camera : cameras) list.append(jsonOf(camera));
+  return object(
+      {{"cameras", list}, {"wifi", object({{"index", QVX_WIFI_CAMERA}, {"note", wifiNote}})}});
 }
 
-void printText(const std::vector<Camera>& cameras) {
-  const std::string indent(4, ' ');
-  if (cameras.empty()) printLine("No USB camera is plugged in.");
+std::string textOf(const std::vector<Camera>& cameras) {
+  std::string text = cameras.empty() ? "No USB camera is plugged in.\n" : "";
   for (const Camera& camera : cameras) {
-    printLine(std::to_string(camera.index) + "   " + productIdText(camera) + "  " +
-              nameText(camera));
-    printLine(indent + camera.path);
+    text += std::to_string(camera.index) + "   " + productIdText(camera) + "  " + nameText(camera) +
+            "\n    " + camera.path + '\n';
   }
-  printLine(std::to_string(QVX_WIFI_CAMERA) + "  Wi-Fi camera, " + wifiNote);
+  return text + std::to_string(QVX_WIFI_CAMERA) + "  Wi-Fi camera, " + wifiNote;
 }
 
 }  // namespace
 
 void listCameras(const Options& options) {
   const std::vector<Camera> cameras = usbCameras();
-  if (options.json) return printJson(cameras);
-  printText(cameras);
+  printResult(options, jsonOf(cameras), textOf(cameras));
 }
 
 }  // namespace qvxctl

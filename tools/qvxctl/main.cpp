@@ -1,10 +1,11 @@
 // qvxctl: the cameras of QVX64.dll from the command line, through its exports alone.
 #include <algorithm>
-#include <exception>
+#include <string>
+#include <vector>
 
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
 #include "output.h"
 #include "text.h"
 
@@ -12,65 +13,89 @@ namespace qvxctl {
 
 namespace {
 
-constexpr Command commands[] = {
-    {"list", "", "list the cameras", listCameras},
-    {"info", "", "choose a camera and tell what is known of it", showInfo},
-    {"watch", "", "print each change of the magnification and each press of the touch button",
-     watchCamera},
-    {"exposure", "[LINES]", "tell the exposure time, after setting it if one is given",
-     exposeCamera},
-    {"ae", "[on|off|TARGET]", "tell or set automatic exposure and its brightness target",
-     adjustAutomaticExposure},
-    {"flicker", "auto|60|50", "adapt the camera to the mains frequency", suppressFlicker},
-    {"amp", "[PROPERTY [VALUE]]", "tell or set brightness, contrast and the like", adjustPicture},
-    {"modes", "[WIDTHxHEIGHT]", "list the picture sizes of the Wi-Fi camera, or choose one",
-     listVideoModes},
-    {"snapshot", "FILE", "save a still of the Wi-Fi camera as a JPEG file", saveSnapshot},
-    {"lens", "limits|init|pos N|fine N", "tell the range of the focus lens, or move it", driveLens},
-    {"light", "switch N|level N|quadrant Q N|axial N|aim N",
-     "set a light of the lighting controller", setLight},
-    {"led", "off|on|other", "switch the illumination between its basic states", setLeds},
-    {"config", "", "tell the features of a camera by name", showConfig},
-    {"selftest", "", "try everything that a camera has, and compare what it tells", testCamera},
-    {"report", "FILE.zip|FILE.txt", "collect what the report of a fault needs", writeReport},
-    {"call", "NAME [ARGUMENTS]", "call one export and print its result", callExport},
+template <void (*run)(const Options& options)>
+void withoutArguments(CLI::App& command, const Options& options) {
+  command.callback([&options] { run(options); });
+}
+
+constexpr struct {
+  const char *name, *summary;
+  void (*define)(CLI::App& command, const Options& options);
+} commands[] = {
+    {"list", "list the cameras", withoutArguments<listCameras>},
+    {"info", "choose a camera and show what is known about it", withoutArguments<showInfo>},
+    {"watch", "print each change of the magnification and each press of the touch button",
+     withoutArguments<watchCamera>},
+    {"exposure", "show the exposure time, after setting it if one is given", defineExposure},
+    {"ae", "show or set automatic exposure and its brightness target", defineAutomaticExposure},
+    {"flicker", "adapt the camera to the mains frequency", defineFlicker},
+    {"amp", "show or set brightness, contrast and the like", definePicture},
+    {"modes", "list the picture sizes of the Wi-Fi camera, or choose one", defineModes},
+    {"snapshot", "save a still of the Wi-Fi camera as a JPEG file", defineSnapshot},
+    {"lens", "show the range of the focus lens, or move it: limits, init, pos, fine", defineLens},
+    {"light", "set a light of the lighting controller: switch, level, quadrant, axial, aim",
+     defineLight},
+    {"led", "switch the illumination between its basic states", defineLeds},
+    {"config", "show the features of a camera by name", withoutArguments<showConfig>},
+    {"selftest", "try everything that a camera has, and compare what it reports",
+     withoutArguments<testCamera>},
+    {"report", "collect what a bug report needs, as .zip or .txt", defineReport},
+    {"call", "call one export and print its result", defineCall},
 };
 
-const Command& commandNamed(const std::string& name) {
-  const auto* const found = std::ranges::find_if(
-      commands, [&name](const Command& command) { return command.name == name; });
-  if (found == std::end(commands)) {
-    throw Failure(ExitCode::badUsage, "unknown command " + quoted(name) + "; see qvxctl --help");
+constexpr char examplesAndExitCodes[] = R"(Examples:
+  qvxctl list                                what is plugged in
+  qvxctl info --device 90                    the Wi-Fi camera
+  qvxctl lens --help                         the arguments of a command
+  qvxctl watch --seconds 60 --json           a minute of readings as JSON
+  qvxctl call FOVx 0 63.4                    the field of view of camera 0 at x 63.4
+  qvxctl call GetMAG 90 --init --device 90   Init first
+  qvxctl call --help                         the exports and their arguments
+
+Exit codes:
+  0  done
+  1  no camera answers, or it lacks or fails in what was asked for
+  2  wrong usage
+  3  QVX64.dll does not have the export
+  4  standard output or a file cannot be written
+  5  selftest: the camera reported another value than it was set to)";
+
+void define(CLI::App& app, Options& options) {
+  describeHelp(app);
+  addOptions(app, options);
+  app.require_subcommand(1)->fallthrough()->allow_windows_style_options(false);
+  for (const auto& command : commands) {
+    command.define(*app.add_subcommand(command.name, command.summary), options);
   }
-  return *found;
+  reserveOptions(app);
+  app.footer(examplesAndExitCodes);
 }
 
-void printVersion(bool asJson) {
-  printLine(asJson ? json::object({{"version", json::text(QVXCTL_VERSION)}})
-                   : "qvxctl " QVXCTL_VERSION);
-}
-
-void runCommand(const Options& options) {
-  const Command& command = commandNamed(options.command);
-  if (command.arguments.empty() && !options.arguments.empty()) {
-    throw Failure(ExitCode::badUsage,
-                  options.command + ": unexpected argument " + quoted(options.arguments.front()));
+// Runs the command. CLI11 takes the words in reverse order.
+void run(CLI::App& app, std::vector<std::string> words) {
+  std::ranges::reverse(words);
+  try {
+    app.parse(std::move(words));
+  } catch (const CLI::CallForHelp&) {
+    const std::string help = app.help();
+    printLine(help.substr(0, help.find_last_not_of('\n') + 1));
+  } catch (const CLI::CallForVersion& version) {
+    printLine(version.what());
+  } catch (const CLI::ParseError& error) {
+    // A mistyped command is left over, while CLI11 finds that one is missing.
+    const std::vector<std::string> unknown = app.remaining();
+    const std::string problem =
+        unknown.empty() ? error.what() : "unexpected argument \"" + unknown.front() + '"';
+    throw Failure(ExitCode::badUsage, problem + "; see qvxctl --help");
   }
-  command.run(options);
-}
-
-void run(const Options& options) {
-  if (options.version) return printVersion(options.json);
-  if (options.help) return printLine(options.command == "call" ? exportHelpText() : helpText());
-  if (options.command.empty()) {
-    throw Failure(ExitCode::badUsage, "a command is missing; see qvxctl --help");
-  }
-  runCommand(options);
 }
 
 ExitCode guardedRun(const std::vector<std::string>& words) {
+  CLI::App app("Finds and drives microscope cameras.", "qvxctl");
+  Options options;
+  define(app, options);
   try {
-    run(parseOptions(words));
+    run(app, words);
     return ExitCode::ok;
   } catch (const Failure& failure) {
     note(failure.what());
@@ -79,10 +104,6 @@ ExitCode guardedRun(const std::vector<std::string>& words) {
 }
 
 }  // namespace
-
-std::span<const Command> commandTable() {
-  return commands;
-}
 
 }  // namespace qvxctl
 

@@ -20,7 +20,7 @@ bool isIn(const Ids (&table)[count], const std::optional<int>& productId) {
          });
 }
 
-// Where the feature word is silent.
+// Parts that the feature word does not mention.
 constexpr Ids moreLenses[] = {{0x940, 0x949}, {0x9B1, 0x9BF}};
 constexpr Ids lensesWithoutReadableZero[] = {{0x9B1, 0x9BF}};
 constexpr Ids moreLights[] = {{0x96E, 0x96F}, {0x9B1, 0x9BF}};
@@ -28,11 +28,10 @@ constexpr Ids aims[] = {{0x960, 0x99F}, {0x9B0, 0x9C7}, {0x9E0, 0x9EF}};
 constexpr Ids usb3[] = {{0x9B0, 0x9BF}};
 
 constexpr Range anyByte = {0, 255}, wrapsAbove223 = {0, 223};
-constexpr int someOf4xxx =
-    1;  // stands for 0x870 to 0x89F and 0x910 to 0x91F: one cannot tell which
+constexpr int some4xxx = 1;  // stands for any of 0x870 to 0x89F and 0x910 to 0x91F
 
 constexpr ExposureFamily families[] = {
-    {someOf4xxx, someOf4xxx, ExposureTime::perhapsFixed, anyByte, Flicker::chosen},
+    {some4xxx, some4xxx, ExposureTime::perhapsFixed, anyByte, Flicker::chosen},
     {0x870, 0x88F, ExposureTime::settable, anyByte, Flicker::chosen},
     {0x890, 0x899, ExposureTime::settable, anyByte, Flicker::none},
     {0x89A, 0x89F, ExposureTime::fixed, anyByte, Flicker::none},
@@ -43,21 +42,22 @@ constexpr ExposureFamily families[] = {
     {0x930, 0x94F, ExposureTime::none, {}, Flicker::detected},
     {0x960, 0x99F, ExposureTime::settable, wrapsAbove223, Flicker::detected},
     {0x9A0, 0x9AF, ExposureTime::fixed, anyByte, Flicker::chosen},
-    {0x9B0, 0x9BF, ExposureTime::untold, {0, 208}, Flicker::detected},
+    {0x9B0, 0x9BF, ExposureTime::writeOnly, {0, 208}, Flicker::detected},
     {0x9C0, 0x9CF, ExposureTime::settable, anyByte, Flicker::chosen},
     {0x9D0, 0x9DF, ExposureTime::fixed, anyByte, Flicker::chosen},
     {0x9E0, 0x9EF, ExposureTime::settable, {21, 239}, Flicker::chosen},
 };
 constexpr ExposureFamily noFamily = {0, 0, ExposureTime::none, {}, Flicker::none};
 
-// Of the Wi-Fi camera one knows how many sizes its pictures have. Of those with three, only the
-// ones with variant 3 are read at the address of their sensor; those without any are not reached.
+// A product id of the same family, from the number of picture sizes. Of the cameras with three
+// sizes, only those with lights of variant 3 have their sensor at the address that the library
+// uses; the sensor of a camera without sizes is not reached.
 int productIdLikeWifiCamera(qvx_long features) {
   switch (sizesOffered().size()) {
     case 1:
       return 0x9A0;
     case 2:
-      return (features & QVX_FEATURE_7XXX) != 0 ? 0x9C0 : someOf4xxx;
+      return (features & QVX_FEATURE_7XXX) != 0 ? 0x9C0 : some4xxx;
     case 3:
       return (features & QVX_FEATURE_LIGHTS_3) != 0 ? 0x920 : 0;
     case 5:

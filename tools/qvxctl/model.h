@@ -1,5 +1,5 @@
-// What a camera of a model has, so that nothing is asked of a camera that it lacks: there it would
-// do nothing, or something else.
+// What the cameras of a model have. A command for something that a camera lacks is not sent: it
+// would do nothing, or something else.
 #pragma once
 
 #include <optional>
@@ -9,11 +9,11 @@
 namespace qvxctl {
 
 struct Range {
-  qvx_long lower, upper;
-  bool holds(qvx_long value) const { return lower <= value && value <= upper; }
+  qvx_long min, max;
+  bool holds(qvx_long value) const { return min <= value && value <= max; }
 };
 
-enum class ExposureTime { none, fixed, perhapsFixed, untold, settable };
+enum class ExposureTime { none, fixed, perhapsFixed, writeOnly, settable };
 enum class Flicker { none, chosen, detected };
 
 struct ExposureFamily {
@@ -25,21 +25,21 @@ struct ExposureFamily {
 
 struct Model {
   int device;
-  std::optional<int> productId;  // told by the device path; the Wi-Fi camera's is not
+  std::optional<int> productId;  // from the device path; unknown of the Wi-Fi camera
   qvx_long features;             // see GetConfig
   const ExposureFamily& exposure;
 
   bool has(qvx_long feature) const { return (features & feature) != 0; }
   bool hasLens() const;
   bool returnsLens() const;  // its zero position can be read
-  bool hasLights() const;    // that levels can be set of; all others have switches
+  bool hasLights() const;    // with levels; all others can only be switched
   bool hasAim() const;
-  qvx_long brightestRing() const {
+  qvx_long maxRingLevel() const {
     return has(QVX_FEATURE_QUADRANTS) ? QVX_QUADRANT_LEVEL_FULL : QVX_LEVEL_FULL;
   }
 };
 
-// Of a camera that is open.
+// The camera must be open.
 Model modelOf(int device);
 
 bool isUsb3(const std::optional<int>& productId);

@@ -1,49 +1,38 @@
-#include <algorithm>
+#include <vector>
 
 #include "cameras.h"
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
-#include "numbers.h"
 #include "output.h"
 #include "readings.h"
-#include "text.h"
 
 namespace qvxctl {
 
 namespace {
 
-std::string jsonOf(const Size& size) {
-  return json::object({{"width", json::number(size.width)}, {"height", json::number(size.height)}});
+Json::Value jsonOf(const Size& size) {
+  return object({{"width", Json::Int(size.width)}, {"height", Json::Int(size.height)}});
 }
 
-// "1280x960"
-Size sizeIn(const std::string& text) {
-  const std::size_t cross = text.find('x');
-  if (cross == std::string::npos) {
-    throw Failure(ExitCode::badUsage, "modes: " + quoted(text) + " is no size such as 1280x960");
-  }
-  constexpr qvx_long most = 32767;  // as the camera's list can tell
-  return {numberWithin("width", text.substr(0, cross), 1, most),
-          numberWithin("height", text.substr(cross + 1), 1, most)};
-}
-
-void choose(const Size& size, bool asJson) {
+void choose(const Options& options, const Size& size) {
+  openWifiCamera(options);
   if (!SetWiFiVideoRes(size.width, size.height)) {
     throw Failure(ExitCode::cameraFailed, "modes: this camera does not offer " + textOf(size));
   }
-  printLine(asJson ? jsonOf(size) : "Video and stills of " + textOf(size) + " pixels");
+  printResult(options, jsonOf(size), "Video and stills of " + textOf(size) + " pixels");
 }
 
-void printOffered(bool asJson) {
-  const std::vector<Size> sizes = sizesOffered();
-  if (asJson) {
-    std::vector<std::string> entries;
-    for (const Size& size : sizes) entries.push_back(jsonOf(size));
-    return printLine(json::object({{"modes", json::array(entries)}}));
+void printOffered(const Options& options) {
+  openWifiCamera(options);
+  Json::Value modes(Json::arrayValue);
+  std::string text;
+  for (const Size& size : sizesOffered()) {
+    modes.append(jsonOf(size));
+    text += (text.empty() ? "" : "\n") + textOf(size);
   }
-  if (sizes.empty()) printLine("This camera is not known to offer any.");
-  for (const Size& size : sizes) printLine(textOf(size));
+  printResult(options, object({{"modes", modes}}),
+              text.empty() ? "This camera is not known to offer any." : text);
 }
 
 }  // namespace
@@ -53,8 +42,8 @@ std::string textOf(const Size& size) {
 }
 
 std::vector<Size> sizesOffered() {
-  constexpr std::size_t most = 5;
-  short widths[most] = {}, heights[most] = {};
+  constexpr std::size_t maxCount = 5;
+  short widths[maxCount] = {}, heights[maxCount] = {};
   qvx_long count = 0;
   GetWiFiVideoCaps(&count, widths, heights);
   std::vector<Size> sizes;
@@ -62,12 +51,15 @@ std::vector<Size> sizesOffered() {
   return sizes;
 }
 
-void listVideoModes(const Options& options) {
-  const auto argument = onlyArgument(options);
-  const auto size = argument ? std::optional(sizeIn(*argument)) : std::nullopt;
-  openWifiCamera(options);
-  if (size) return choose(*size, options.json);
-  printOffered(options.json);
+void defineModes(CLI::App& command, const Options& options) {
+  constexpr qvx_long maxLength = 32767;  // that the camera's list can hold
+  static std::vector<qvx_long> size;
+  const CLI::Option* const given =
+      addNumber(command, "WIDTHxHEIGHT", size, 1, maxLength)->delimiter('x')->expected(2);
+  command.callback([&options, given] {
+    if (given->empty()) return printOffered(options);
+    choose(options, {size[0], size[1]});
+  });
 }
 
 }  // namespace qvxctl

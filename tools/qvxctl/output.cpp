@@ -1,6 +1,7 @@
 #include "output.h"
 
 #include <io.h>
+#include <json/writer.h>
 #include <windows.h>
 
 #include <cstdio>
@@ -27,6 +28,27 @@ void printLine(const std::string& line) {
   } else if (!writeLine(stdout, line)) {
     throw Failure(ExitCode::outputLost, "standard output cannot be written");
   }
+}
+
+void printResult(const Options& options, const Json::Value& json, const std::string& text) {
+  printLine(options.json ? lineOf(json) : text);
+}
+
+Json::Value object(std::initializer_list<std::pair<const char*, Json::Value>> members) {
+  Json::Value object(Json::objectValue);
+  for (const auto& [name, value] : members) object[name] = value;
+  return object;
+}
+
+Json::Value orNull(const std::string& text) {
+  return text.empty() ? Json::Value() : Json::Value(text);
+}
+
+std::string lineOf(const Json::Value& json) {
+  Json::StreamWriterBuilder form;
+  form["indentation"] = "";
+  form["emitUTF8"] = true;
+  return Json::writeString(form, json);
 }
 
 void note(const std::string& message) {

@@ -2,13 +2,31 @@
 // standard error.
 #pragma once
 
+#include <json/value.h>
+
+#include <initializer_list>
 #include <string>
+#include <utility>
+
+#include "options.h"
 
 namespace qvxctl {
 
 // Prints a line and flushes it, so that a reader at the other end of a pipe has it at once.
 // Fails when nobody takes the output any more.
 void printLine(const std::string& line);
+
+// What a command found, in the form that was asked for.
+void printResult(const Options& options, const Json::Value& json, const std::string& text);
+
+// A JSON object, written out: object({{"width", 640}, {"height", 480}}).
+Json::Value object(std::initializer_list<std::pair<const char*, Json::Value>> members);
+
+// Null when the text is empty.
+Json::Value orNull(const std::string& text);
+
+// JSON in one line, in UTF-8.
+std::string lineOf(const Json::Value& json);
 
 // A remark to the user, in one line.
 void note(const std::string& message);

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "output.h"
+
 namespace qvxctl {
 
 namespace {
@@ -15,18 +17,17 @@ std::string formatted(const char* pattern, Values... values) {
 
 }  // namespace
 
-std::vector<json::Member> membersOf(const Camera& camera) {
-  return {{"index", json::number(camera.index)},
-          {"name", json::textOrNull(camera.name)},
-          {"path", json::textOrNull(camera.path)},
-          {"product_id", camera.productId ? json::number(*camera.productId) : json::null}};
+Json::Value jsonOf(const Camera& camera) {
+  return object({{"index", camera.index},
+                 {"name", orNull(camera.name)},
+                 {"path", orNull(camera.path)},
+                 {"product_id", camera.productId ? *camera.productId : Json::Value()}});
 }
 
-std::vector<json::Member> membersOf(const Measurement& measurement) {
-  if (!measurement.taken())
-    return {{"magnification", json::null}, {"field_of_view_um", json::null}};
-  return {{"magnification", json::number(measurement.magnification)},
-          {"field_of_view_um", json::number(measurement.fieldOfView_um)}};
+void addTo(Json::Value& object, const Measurement& measurement) {
+  const bool taken = measurement.taken();
+  object["magnification"] = taken ? measurement.magnification : Json::Value();
+  object["field_of_view_um"] = taken ? measurement.fieldOfView_um : Json::Value();
 }
 
 std::string nameText(const Camera& camera) {

@@ -1,17 +1,17 @@
 // Cameras and measurements in the two forms that the client prints.
 #pragma once
 
+#include <json/value.h>
+
 #include <string>
-#include <vector>
 
 #include "cameras.h"
-#include "json.h"
 
 namespace qvxctl {
 
 // What is not known is null.
-std::vector<json::Member> membersOf(const Camera& camera);
-std::vector<json::Member> membersOf(const Measurement& measurement);
+Json::Value jsonOf(const Camera& camera);
+void addTo(Json::Value& object, const Measurement& measurement);
 
 std::string nameText(const Camera& camera);
 std::string productIdText(const Camera& camera);                // "0x970"

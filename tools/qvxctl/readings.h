@@ -1,23 +1,22 @@
-// What several commands ask of a camera, each in the file of the command that it belongs to.
+// What several commands read from a camera; each is defined with the command that it belongs to.
 #pragma once
 
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "model.h"
 
 namespace qvxctl {
 
-// Nothing when there is nothing to move. Asking brings the lens to its zero position.
+// Nothing when there is nothing to move. Reading it moves the lens to its zero position.
 std::optional<Range> lensRange(const Model& model);
 std::optional<Range> fineLensRange(const Model& model);
 std::string textOf(const std::optional<Range>& range);
 
 struct Property {
-  std::string_view name;
+  const char* name;
   int number;
 };
 
@@ -25,10 +24,10 @@ std::span<const Property> propertyTable();
 
 struct PropertySetting {
   const Property* property;
-  qvx_long value, least, most, step, standard;
+  qvx_long value, min, max, step, defaultValue;
 };
 
-// Nothing when the camera does not have the property or tells nothing.
+// Nothing when the camera does not have the property or does not report it.
 std::optional<PropertySetting> settingOf(const Property& property);
 
 struct Size {

@@ -1,4 +1,4 @@
-// What the report of a fault needs, in one file.
+// What a bug report needs, in one file.
 #include <windows.h>
 
 #include <algorithm>
@@ -6,9 +6,9 @@
 #include <fstream>
 #include <iterator>
 
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
 #include "output.h"
 #include "text.h"
 #include "zip.h"
@@ -36,7 +36,7 @@ std::string pathOf(const wchar_t* moduleName) {
   return utf8(path);
 }
 
-// Windows tells programs that do not know it by name an older number than its own.
+// GetVersionEx gives an older version to programs whose manifest does not name the current one.
 std::string windowsVersion() {
   using Ask = LONG(WINAPI*)(OSVERSIONINFOW*);
   OSVERSIONINFOW version{};
@@ -58,7 +58,7 @@ std::string outputOf(const Section& section, const Options& options) {
   return output.text();
 }
 
-// The libraries last: the first commands load one of them.
+// The libraries last: the commands before them load one.
 std::string reportOn(const Options& options) {
   std::string text = "qvxctl " QVXCTL_VERSION "\nWindows " + windowsVersion() + '\n';
   for (const Section& section : sections) {
@@ -72,7 +72,7 @@ std::string contentOf(const files::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// In a device path it stands behind the ids: "usb#vid_3c7e&pid_0970&mi_00#SERIAL#{...}".
+// In a device path the serial number follows the ids: "usb#vid_3c7e&pid_0970&mi_00#SERIAL#{...}".
 void leaveOutSerials(std::string& text, std::string_view ids) {
   constexpr char separators[] = "#\\", ends[] = "#\\\" \r\n";
   for (std::size_t at = text.find(ids); at != std::string::npos; at = text.find(ids, at + 1)) {
@@ -96,7 +96,7 @@ void write(const files::path& path, const std::vector<ZipEntry>& entries, bool z
   if (!file) throw Failure(ExitCode::outputLost, "cannot write " + utf8(path.wstring()));
 }
 
-// What the library writes while the report is made, in a file of its own.
+// The library's trace while the report is made, in a temporary file.
 class TraceFile {
  public:
   TraceFile()
@@ -117,19 +117,10 @@ class TraceFile {
   files::path path_;
 };
 
-}  // namespace
-
-void writeReport(const Options& options) {
-  const std::string name = onlyArgument(options).value_or("");
-  const bool zipped = name.ends_with(".zip");
-  if (!zipped && !name.ends_with(".txt")) {
-    throw Failure(ExitCode::badUsage,
-                  "report: " + qvxctl::quoted(name) + " is no FILE.zip or FILE.txt");
-  }
+void writeReport(const Options& options, const std::string& name) {
   const TraceFile trace;
   Options asText = options;
   asText.json = false;
-  asText.arguments.clear();
   std::vector<ZipEntry> entries = {{"report.txt", reportOn(asText)}, {"trace.txt", {}}};
   entries[1].content = trace.content();
   if (entries[1].content.empty()) entries[1].content = "This QVX64.dll writes no trace.\n";
@@ -137,11 +128,24 @@ void writeReport(const Options& options) {
     if (!options.withoutSerials) continue;
     for (const char* const ids : {"&pid_", "&PID_"}) leaveOutSerials(entry.content, ids);
   }
-  write(wide(name), entries, zipped);
+  write(wide(name), entries, name.ends_with(".zip"));
   if (!options.withoutSerials) {
     note("serial numbers in device paths are included; --no-serials leaves them out");
   }
-  printLine(options.json ? json::object({{"file", json::text(name)}}) : "Saved " + name);
+  printResult(options, object({{"file", name}}), "Saved " + name);
+}
+
+std::string notAReportName(const std::string& name) {
+  const bool known = name.ends_with(".zip") || name.ends_with(".txt");
+  return known ? "" : '"' + name + "\" does not end in .zip or .txt";
+}
+
+}  // namespace
+
+void defineReport(CLI::App& command, const Options& options) {
+  static std::string name;
+  command.add_option("FILE", name)->required()->check(notAReportName);
+  command.callback([&options] { writeReport(options, name); });
 }
 
 }  // namespace qvxctl

@@ -7,7 +7,6 @@
 #include "cameras.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
 #include "output.h"
 #include "presentation.h"
 #include "text.h"
@@ -23,7 +22,7 @@ Findings testSelection(const Model& camera) {
           {"usb 3 cameras", Outcome::ok, "", std::to_string(GetVideoDeviceCount())}};
 }
 
-// The Wi-Fi camera has none of these: the exports tell its product id nowhere.
+// Of the Wi-Fi camera the exports report none of these.
 Findings testIdentity(const Model& camera) {
   if (camera.device == QVX_WIFI_CAMERA)
     return {skipped("name"), skipped("path"), skipped("product id")};
@@ -40,8 +39,8 @@ Findings testFeatures(const Model& camera) {
   return {compared("feature word", camera.features == GetConfig(camera.device), "", word)};
 }
 
-// The magnification first: it decides how some lenses are driven. The lights at the end, when no
-// exposure is measured any more.
+// The magnification first: it decides how some lenses are driven. The lights at the end: they would
+// change the exposure.
 constexpr Step steps[] = {
     testSelection,      testIdentity, testFeatures,  testMagnification,
     testFieldOfView,    testLens,     testFineLens,  testAutomaticExposure,
@@ -50,17 +49,17 @@ constexpr Step steps[] = {
     testTouchButton,
 };
 
-constexpr std::array<std::string_view, 4> outcomeNames = {"ok", "sent", "differs", "skipped"};
+constexpr std::array<const char*, 4> outcomeNames = {"ok", "sent", "differs", "skipped"};
 
-std::string_view nameOf(Outcome outcome) {
+const char* nameOf(Outcome outcome) {
   return outcomeNames[static_cast<std::size_t>(outcome)];
 }
 
-std::string jsonOf(const Finding& finding) {
-  return json::object({{"step", json::text(finding.step)},
-                       {"outcome", json::text(nameOf(finding.outcome))},
-                       {"set", json::textOrNull(finding.set)},
-                       {"read", json::textOrNull(finding.read)}});
+Json::Value jsonOf(const Finding& finding) {
+  return object({{"step", finding.step},
+                 {"outcome", nameOf(finding.outcome)},
+                 {"set", orNull(finding.set)},
+                 {"read", orNull(finding.read)}});
 }
 
 std::string textOf(const Finding& finding) {
@@ -81,33 +80,32 @@ Findings run(Step step, const Model& camera) {
   return step(camera);
 }
 
-Counts runAll(const Model& camera, bool asJson) {
+Counts runAll(const Options& options, const Model& camera) {
   Counts counts{};
   for (const Step step : steps) {
     for (const Finding& finding : run(step, camera)) {
-      printLine(asJson ? jsonOf(finding) : textOf(finding));
+      printResult(options, jsonOf(finding), textOf(finding));
       ++counts[static_cast<std::size_t>(finding.outcome)];
     }
   }
   return counts;
 }
 
-void printSummary(const Counts& counts, bool asJson) {
-  std::vector<json::Member> members;
+void printSummary(const Options& options, const Counts& counts) {
+  Json::Value json;
   std::string text;
   for (std::size_t i = 0; i < counts.size(); ++i) {
-    members.push_back({std::string(outcomeNames[i]), json::number(counts[i])});
-    if (i != 0) text += ", ";
-    text += std::to_string(counts[i]) + ' ' + std::string(outcomeNames[i]);
+    json[outcomeNames[i]] = counts[i];
+    text += (i == 0 ? "" : ", ") + std::to_string(counts[i]) + ' ' + outcomeNames[i];
   }
-  printLine(asJson ? json::object({{"summary", json::object(members)}}) : text);
+  printResult(options, object({{"summary", json}}), text);
 }
 
 }  // namespace
 
 void testCamera(const Options& options) {
-  const Counts counts = runAll(openModel(options), options.json);
-  printSummary(counts, options.json);
+  const Counts counts = runAll(options, openModel(options));
+  printSummary(options, counts);
   const int differing = counts[static_cast<std::size_t>(Outcome::differs)];
   if (differing == 0) return;
   throw Failure(ExitCode::differs, "steps that differ: " + std::to_string(differing));

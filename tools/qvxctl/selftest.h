@@ -1,5 +1,5 @@
-// The steps of the self-test. Each sets something, reads it back where the library tells it, and
-// leaves the camera as it was as far as it could be read.
+// The steps of the self-test. Each sets something, reads it back where an export reports it, and
+// restores what it could read.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace qvxctl {
 
-enum class Outcome { ok, sent, differs, skipped };  // sent: nothing tells what came of it
+enum class Outcome { ok, sent, differs, skipped };  // sent: no export reports the effect
 
 struct Finding {
   std::string step;

@@ -24,10 +24,11 @@ struct Control {
   qvx_long tolerance;
 };
 
-constexpr Control exposureTime = {GetExposureValue, SetExposureValue, 1};
-constexpr Control exposureTarget = {GetAETarget, SetAETarget, 0};
-constexpr Control automaticExposure = {GetAutoExposure, SetAutoExposure, 0};
-constexpr Control pictureProperty = {GetVideoProcAmp, SetVideoProcAmp, 0};
+// Not constexpr: the address of an imported function is known at run time.
+const Control exposureTime = {GetExposureValue, SetExposureValue, 1};
+const Control exposureTarget = {GetAETarget, SetAETarget, 0};
+const Control automaticExposure = {GetAutoExposure, SetAutoExposure, 0};
+const Control pictureProperty = {GetVideoProcAmp, SetVideoProcAmp, 0};
 
 // Sets each value and then the one from before, and reads after each.
 Finding setAndRestore(std::string step, const Control& control, int which,
@@ -52,14 +53,14 @@ bool hasExposure(const Model& camera) {
 Finding testProperty(const Property& property) {
   const std::string name(property.name);
   const auto setting = settingOf(property);
-  if (!setting || setting->least >= setting->most) return skipped(name);
+  if (!setting || setting->min >= setting->max) return skipped(name);
   const qvx_long step = std::max<qvx_long>(setting->step, 1);
   const qvx_long other =
-      setting->value + step <= setting->most ? setting->value + step : setting->value - step;
+      setting->value + step <= setting->max ? setting->value + step : setting->value - step;
   return setAndRestore(name, pictureProperty, property.number, {other});
 }
 
-// The size in the frame header of a JPEG file; none when there is no header.
+// The size in the frame header of a JPEG file; zero without a header.
 Size sizeOfJpeg(const files::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
@@ -78,7 +79,7 @@ Size sizeOfJpeg(const files::path& path) {
   return {};
 }
 
-// The size of a still, none unless it is whole. The name is relative, as the library cannot be told
+// The size of a still, zero unless it is whole. The name is relative, as the library does not take
 // every path.
 Size sizeOfStill() {
   files::current_path(files::temp_directory_path());

@@ -27,8 +27,8 @@ Finding sendEach(const char* step, const Model& camera, void (*set)(int, qvx_lon
 
 }  // namespace
 
-// Init has measured once if the model is measured at all: the feature word is silent about some.
-// Ends before the library's first mean, which is half of what it will be.
+// Init has measured once if the model reports its magnification; not every such model says so in
+// its feature word. Ends before the library's first mean, which is half of what it will be.
 Findings testMagnification(const Model& camera) {
   if (!measure(camera.device).taken()) return {skipped("magnification")};
   MessageLoop().run(std::chrono::milliseconds(600), [] {});
@@ -46,14 +46,14 @@ Findings testFieldOfView(const Model& camera) {
                    magnificationText(once), fieldOfViewText(once))};
 }
 
-// Where the lens was, nothing tells: it is left at its zero position. Half-way only: some models
-// count from another zero, from which the lower end cannot be said to them.
+// No export reports where the lens was: it is left at its zero position. Half-way only: some models
+// count from another zero and do not accept the lower end from there.
 Findings testLens(const Model& camera) {
   const auto range = camera.returnsLens() ? lensRange(camera) : std::nullopt;
   if (!range) return {skipped("lens limits"), skipped("lens position")};
-  Findings findings = {compared("lens limits", range->lower < range->upper, "", textOf(range))};
+  Findings findings = {compared("lens limits", range->min < range->max, "", textOf(range))};
   findings.push_back(
-      sendEach("lens position", camera, SetLensPos, {range->upper / 2, range->lower / 2, 0}));
+      sendEach("lens position", camera, SetLensPos, {range->max / 2, range->min / 2, 0}));
   SetLensInitPos(camera.device);
   return findings;
 }
@@ -62,9 +62,9 @@ Findings testFineLens(const Model& camera) {
   const auto range = camera.returnsLens() ? fineLensRange(camera) : std::nullopt;
   if (!range) return {skipped("lens fine limits"), skipped("lens fine position")};
   const Finding moved =
-      sendEach("lens fine position", camera, SetLensFinePos, {range->upper, range->lower, 0});
+      sendEach("lens fine position", camera, SetLensFinePos, {range->max, range->min, 0});
   SetLensInitPos(camera.device);
-  return {compared("lens fine limits", range->lower < range->upper, "", textOf(range)), moved};
+  return {compared("lens fine limits", range->min < range->max, "", textOf(range)), moved};
 }
 
 // Cameras without a lighting controller are switched by SetLEDState alone. The switch first: on
@@ -78,7 +78,7 @@ Findings testLights(const Model& camera) {
           sendEach("axial level", camera, SetAXILevel, {6, 1, 0}),
           camera.hasAim() ? sendEach("aiming level", camera, SetAimpointLevel, {6, 1, 0})
                           : skipped("aiming level"),
-          sendEach("ring level", camera, SetSEGLevel, {1, camera.brightestRing()})};
+          sendEach("ring level", camera, SetSEGLevel, {1, camera.maxRingLevel()})};
 }
 
 Findings testQuadrants(const Model& camera) {
@@ -86,7 +86,7 @@ Findings testQuadrants(const Model& camera) {
   constexpr qvx_long dim = 1, last = 4;
   for (qvx_long quadrant = 1; quadrant <= last; ++quadrant) {
     SetESEG(camera.device, quadrant, dim);
-    SetESEG(camera.device, quadrant, camera.brightestRing());
+    SetESEG(camera.device, quadrant, camera.maxRingLevel());
   }
   return {sent("quadrants", "1 to 4, each to 1 and 31")};
 }

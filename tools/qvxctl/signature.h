@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -29,39 +30,36 @@ template <class Result, class... Types>
 struct Signature<Result(Types...)> {
   static constexpr std::size_t arity = sizeof...(Types);
 
-  static std::string usage(const std::vector<Parameter>& parameters) {
-    std::string given, results;
-    if constexpr (!std::is_void_v<Result>) results = typeName<Result>();
+  // What is returned and written: "-> int, UpperLmt:int, LowerLmt:int".
+  static std::string results(const std::vector<Parameter>& parameters) {
+    std::string text;
+    if constexpr (!std::is_void_v<Result>) text = std::string("-> ") + typeName<Result>();
     std::size_t i = 0;
-    (describe<Types>(parameters[i++], given, results), ...);
-    return results.empty() ? given : given + " -> " + results;
+    (appendResult<Types>(parameters[i++], text), ...);
+    return text.empty() ? "-> nothing" : text;
   }
 
-  static Call bind(const std::vector<Parameter>& parameters, ArgumentWords& words) {
-    std::tuple<Argument<Types>...> arguments;
+  // Adds the arguments to a command. The call takes them once the command line has been read.
+  static Call define(const std::vector<Parameter>& parameters, CLI::App& command) {
+    const auto arguments = std::make_shared<std::tuple<Argument<Types>...>>();
     std::apply(
         [&](auto&... argument) {
           std::size_t i = 0;
-          (takeIfGiven(argument, parameters[i++], words), ...);
+          (addIfGiven(argument, parameters[i++], command), ...);
         },
-        arguments);
-    words.expectEnd();
-    return [=](EntryPoint entry) mutable { return call(entry, arguments, parameters); };
+        *arguments);
+    return [=](EntryPoint entry) { return call(entry, *arguments, parameters); };
   }
 
  private:
   template <class Type>
-  static void describe(const Parameter& parameter, std::string& given, std::string& results) {
-    const std::string described = parameter.name + ':' + Argument<Type>::type;
-    if (Argument<Type>::given(parameter)) {
-      given += " <" + described + '>';
-    } else {
-      results += (results.empty() ? "" : ", ") + described;
-    }
+  static void appendResult(const Parameter& parameter, std::string& text) {
+    if (Argument<Type>::given(parameter)) return;
+    text += (text.empty() ? "-> " : ", ") + parameter.name + ':' + Argument<Type>::type;
   }
 
-  static void takeIfGiven(auto& argument, const Parameter& parameter, ArgumentWords& words) {
-    if (argument.given(parameter)) argument.take(parameter, words);
+  static void addIfGiven(auto& argument, const Parameter& parameter, CLI::App& command) {
+    if (argument.given(parameter)) argument.add(command, parameter.name);
   }
 
   static void reportIfWritten(const auto& argument, const Parameter& parameter,

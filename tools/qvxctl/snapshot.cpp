@@ -4,9 +4,9 @@
 #include <iterator>
 
 #include "cameras.h"
+#include "command_line.h"
 #include "commands.h"
 #include "failure.h"
-#include "json.h"
 #include "output.h"
 #include "qvx64/api.h"
 #include "stills.h"
@@ -18,22 +18,27 @@ namespace {
 
 namespace files = std::filesystem;
 
-// The library takes a name's characters as bytes: one above 255 cannot be said to it.
-std::string nameForLibrary(const files::path& path) {
-  constexpr std::size_t longest = 255;
-  const std::wstring wide = path.wstring();
-  const bool fits = std::ranges::all_of(wide, [](wchar_t character) { return character < 0x100; });
-  if (fits && wide.size() <= longest) return {wide.begin(), wide.end()};
-  throw Failure(ExitCode::badUsage,
-                "snapshot: the file's name is too long, or has characters beyond ISO 8859-1");
-}
-
 // The file that is written first.
 files::path partOf(files::path path) {
   return path += L".part";
 }
 
-// What is left of it goes in the end.
+// The library takes one byte for each character of a name.
+std::string nameForLibrary(const files::path& path) {
+  const std::wstring wide = path.wstring();
+  return {wide.begin(), wide.end()};
+}
+
+std::string notAPictureName(const std::string& name) {
+  constexpr std::size_t maxLength = 255;
+  const std::wstring part = partOf(wide(name)).wstring();
+  if (name.empty()) return "the name of a file is missing";
+  if (part.size() > maxLength) return "the name is too long";
+  const bool fits = std::ranges::all_of(part, [](wchar_t character) { return character < 0x100; });
+  return fits ? "" : "the name has characters beyond ISO 8859-1";
+}
+
+// Deletes what is left of it, before and after.
 struct Part {
   explicit Part(const files::path& whole) : path(partOf(whole)) { remove(); }
   ~Part() { remove(); }
@@ -48,7 +53,7 @@ struct Part {
   const files::path path;
 };
 
-// The picture takes its name, and the place of an earlier one, only when it is whole.
+// Only a whole picture gets its name, and replaces an earlier one.
 void save(const files::path& path) {
   const Part part(path);
   if (!GetWiFiImage(nameForLibrary(part.path).c_str())) {
@@ -70,19 +75,17 @@ bool isWholeJpeg(const files::path& path) {
   return content.starts_with("\xFF\xD8") && content.ends_with("\xFF\xD9");
 }
 
-void saveSnapshot(const Options& options) {
-  const auto name = onlyArgument(options);
-  if (!name || name->empty()) {
-    throw Failure(ExitCode::badUsage, "snapshot: the name of a file is missing");
-  }
-  const files::path path = wide(*name);
-  nameForLibrary(partOf(path));
-  openWifiCamera(options);
-  save(path);
-  const std::uintmax_t size = files::file_size(path);
-  printLine(options.json
-                ? json::object({{"file", json::text(*name)}, {"bytes", json::number(size)}})
-                : "Saved " + *name + ", " + std::to_string(size) + " bytes");
+void defineSnapshot(CLI::App& command, const Options& options) {
+  static std::string name;
+  command.add_option("FILE", name)->required()->check(notAPictureName);
+  command.callback([&options] {
+    const files::path path = wide(name);
+    openWifiCamera(options);
+    save(path);
+    const std::uintmax_t size = files::file_size(path);
+    printResult(options, object({{"file", name}, {"bytes", Json::UInt64(size)}}),
+                "Saved " + name + ", " + std::to_string(size) + " bytes");
+  });
 }
 
 }  // namespace qvxctl

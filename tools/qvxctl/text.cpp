@@ -41,8 +41,4 @@ std::string ansi(std::string_view utf8Text) {
   return narrow(CP_ACP, widen(CP_UTF8, utf8Text));
 }
 
-std::string quoted(std::string_view text) {
-  return '"' + std::string(text) + '"';
-}
-
 }  // namespace qvxctl

@@ -16,7 +16,4 @@ std::string utf8FromOem(std::string_view text);
 // The library takes narrow text in the ANSI code page; what that lacks becomes a substitute.
 std::string ansi(std::string_view utf8Text);
 
-// In quotation marks, for messages.
-std::string quoted(std::string_view text);
-
 }  // namespace qvxctl

@@ -1,19 +1,21 @@
-// A value that an export gave, in both forms that the client prints.
+// A value that an export returned or wrote, in both forms that the client prints.
 #pragma once
 
+#include <json/value.h>
+
+#include <charconv>
+#include <cmath>
 #include <concepts>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "json.h"
-#include "numbers.h"
 #include "text.h"
 
 namespace qvxctl {
 
 struct Value {
-  std::string text, json;
+  std::string text;
+  Json::Value json = {};
 };
 
 struct NamedValue {
@@ -23,37 +25,35 @@ struct NamedValue {
 
 template <std::integral Number>
 Value valueOf(Number number) {
-  return {std::to_string(number), json::number(number)};
+  return {std::to_string(number), Json::Int64{number}};
 }
 
 inline Value valueOf(bool truth) {
-  const char* const word = truth ? "true" : "false";
-  return {word, word};
+  return {truth ? "true" : "false", truth};
 }
 
+// The shortest digits that read back as the same number. JSON has no infinity: there it is null.
 inline Value valueOf(double number) {
-  return {digits(number), json::number(number)};
-}
-
-inline Value valueOf(const std::string& text) {
-  return {text, json::text(text)};
+  char digits[32];
+  const std::string text(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+  return {text, std::isfinite(number) ? number : Json::Value()};
 }
 
 // Strings of the library: null only when memory is exhausted.
 inline Value valueOf(const wchar_t* text) {
-  return text == nullptr ? Value{"", json::null} : valueOf(utf8(text));
+  return text == nullptr ? Value{} : Value{utf8(text), utf8(text)};
 }
 
 inline Value valueOf(const char* text) {
-  return text == nullptr ? Value{"", json::null} : valueOf(utf8FromOem(text));
+  return text == nullptr ? Value{} : Value{utf8FromOem(text), utf8FromOem(text)};
 }
 
 inline Value valueOf(const std::vector<short>& numbers) {
-  Value list;
-  std::vector<std::string> elements;
-  for (const short number : numbers) elements.push_back(std::to_string(number));
-  for (const std::string& element : elements) list.text += (list.text.empty() ? "" : " ") + element;
-  list.json = json::array(elements);
+  Value list{"", Json::arrayValue};
+  for (const short number : numbers) {
+    list.text += (list.text.empty() ? "" : " ") + std::to_string(number);
+    list.json.append(number);
+  }
   return list;
 }
 

@@ -39,7 +39,7 @@ std::string timestamp() {
   return text;
 }
 
-// Four blocks for each doubling: equal turns of a zoom ring look equal.
+// Four blocks for each doubling, so that equal turns of a zoom ring look equal.
 std::string barOf(double magnification) {
   constexpr double blocksPerDoubling = 4, longest = 48;
   std::string bar;
@@ -60,27 +60,24 @@ std::string textLine(const Measurement& measurement) {
 // Every line of the output: an event with what belongs to it.
 class Events {
  public:
-  explicit Events(bool asJson) : asJson_(asJson) {}
+  explicit Events(const Options& options) : options_(options) {}
 
-  void print(const char* event, const std::string& text,
-             const std::vector<json::Member>& more = {}) const {
-    if (!asJson_) return printLine(localTime() + "  " + text);
-    std::vector<json::Member> members = {{"time", json::text(timestamp())},
-                                         {"event", json::text(event)}};
-    members.insert(members.end(), more.begin(), more.end());
-    printLine(json::object(members));
+  void print(const char* event, const std::string& text, Json::Value json = {}) const {
+    json["time"] = timestamp();
+    json["event"] = event;
+    printResult(options_, json, localTime() + "  " + text);
   }
 
  private:
-  bool asJson_;
+  const Options& options_;
 };
 
-// Reports when the camera stops answering, and when it answers again. What the library then
-// measures means nothing.
+// Reports when the camera stops answering, and when it answers again. In between, measurements mean
+// nothing.
 class Presence {
  public:
   Presence(const Model& camera, const Events& events) : camera_(camera), events_(events) {
-    if (!monitored_) note("it cannot be told when this camera stops answering");
+    if (!monitored_) note("whether this camera still answers cannot be found out");
   }
 
   // Asks the camera when it matters, and otherwise now and then.
@@ -96,7 +93,7 @@ class Presence {
   }
 
  private:
-  // One without exposure has nothing to ask for, and would not be measured any more.
+  // A camera without exposure has nothing to ask for, and asking would end its measurements.
   bool canBeAsked() const {
     return camera_.device == QVX_WIFI_CAMERA || camera_.exposure.time != ExposureTime::none;
   }
@@ -114,9 +111,9 @@ class Presence {
   bool monitored_ = canBeAsked() && ask();
 };
 
-// Reports a camera's magnification when it has changed visibly. A reading waits for the next one:
-// the means that the library publishes now and then, of which the first is half as large as it
-// should be, step back for one reading. Before it is shown the camera must still answer.
+// Reports a visible change of the magnification. A reading is held until the next one, because the
+// means that the library publishes now and then step back for one reading; the first of them is
+// half as large as it should be. The camera must still answer before a reading is shown.
 class MagnificationReport {
  public:
   MagnificationReport(int device, Presence& presence, const Events& events)
@@ -146,7 +143,9 @@ class MagnificationReport {
 
   void show() {
     shown_ = latest_;
-    events_.print("magnification", textLine(shown_), membersOf(shown_));
+    Json::Value json;
+    addTo(json, shown_);
+    events_.print("magnification", textLine(shown_), json);
   }
 
   int device_;
@@ -177,7 +176,7 @@ class ButtonReport {
 void watchCamera(const Options& options) {
   MessageLoop loop;
   const Model camera = openModel(options);
-  const Events events(options.json);
+  const Events events(options);
   if (!measure(camera.device).taken()) note("this camera reports no magnification");
   Presence presence(camera, events);
   MagnificationReport magnification(camera.device, presence, events);
