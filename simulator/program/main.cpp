@@ -102,8 +102,8 @@ int qvx::simulator::simulate(std::span<const std::string> arguments) {
   Options options;
   const std::string wrong = optionsFrom(arguments, options);
   if (!wrong.empty()) return fail(wrong, wrongOption);
-  if (options.help) {
-    std::printf("%s%s", helpText, cameraDescriptionHelp().c_str());
+  if (!options.help.empty()) {
+    std::printf("%s", options.help.c_str());
     return ended;
   }
   claimInterrupts();

@@ -2,31 +2,32 @@
 
 #include <httplib.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iterator>
+#include <memory>
 #include <set>
 
 #include "simulator/model/words.h"
 
 namespace qvx::simulator {
 
-const char helpText[] =
+namespace {
+
+constexpr char usage[] =
     R"(Usage: qvx-simulator [OPTION]... CAMERA... [-- PROGRAM [ARGUMENT]...]
        qvx-simulator --unplug
-Plugs simulated microscope cameras into this machine, for as long as PROGRAM
+)";
+
+constexpr char description[] =
+    R"(Plugs simulated microscope cameras into this machine, for as long as PROGRAM
 runs, or until Ctrl-C. Shows them on a page, http://127.0.0.1:8064/.
-
-  --log                 print every access to the cameras
-  --page ADDRESS:PORT   where the page is; by itself it takes another port when
-                        8064 is taken
-  --no-page             none
-  --address IPV4        where Wi-Fi cameras listen (default 127.0.0.1)
-  --unplug              take out what a run that was killed has left plugged in
-  --help                print this
-
 What a client does that a real camera would not understand is reported on
 standard error as a violation.
+)";
 
-Exit status: that of PROGRAM; 0 ended by Ctrl-C, 1 a camera cannot be plugged
+constexpr char exitStatusAndExamples[] =
+    R"(Exit status: that of PROGRAM; 0 ended by Ctrl-C, 1 a camera cannot be plugged
 in, 2 wrong option, 97 PROGRAM does not start.
 
 Examples:
@@ -36,80 +37,98 @@ Examples:
 
 )";
 
-namespace {
-
-bool isAddress(const std::string& text) {
-  in_addr address;
-  return inet_pton(AF_INET, text.c_str(), &address) == 1;
-}
-
-bool takeAddress(std::string_view text, Options& options) {
-  options.address = text;
-  return isAddress(options.address);
-}
-
-bool takePage(std::string_view text, Options& options) {
-  options.pageIsAsked = true;
-  options.pageAddress = takePart(text, ':');
-  const auto port = numberFrom(text, 0, 0xFFFF);
-  options.pagePort = static_cast<int>(port.value_or(0));
-  return port && isAddress(options.pageAddress);
-}
-
-template <bool Options::*flag>
-bool setFlag(std::string_view, Options& options) {
-  return options.*flag = true;
-}
-
-constexpr struct Known {
-  std::string_view name, expected;  // expected: describes the value; empty if there is none
-  bool (*take)(std::string_view value, Options& options);
-} knownOptions[] = {
-    {"--log", "", setFlag<&Options::log>},
-    {"--page", "ADDRESS:PORT, such as 127.0.0.1:8064", takePage},
-    {"--no-page", "", setFlag<&Options::noPage>},
-    {"--address", "an IPv4 address", takeAddress},
-    {"--unplug", "", setFlag<&Options::unplug>},
-    {"--help", "", setFlag<&Options::help>},
+// CLI11 knows nothing of a program after the options.
+class HelpFormat : public CLI::Formatter {
+  std::string make_usage(const CLI::App*, std::string) const override { return usage; }
 };
 
-// Checks the options as a whole; returns what is missing.
-std::string lackOf(const Options& options) {
-  if (options.help || (options.unplug && options.cameras.empty())) return {};
-  if (options.cameras.empty()) return "no camera given; see --help";
+// These say what is wrong with a text; nothing when it is right.
+std::string notAnAddress(const std::string& text) {
+  in_addr address;
+  return inet_pton(AF_INET, text.c_str(), &address) == 1 ? "" : text + " is no IPv4 address";
+}
+
+std::string notACamera(const std::string& text) {
+  std::string problem;
+  cameraDescriptionFrom(text, problem);
+  return problem;
+}
+
+void takePage(const std::string& place, Options& options) {
+  std::string_view rest = place;
+  options.pageIsAsked = true;
+  options.pageAddress = takePart(rest, ':');
+  const auto port = numberFrom(rest, 0, 0xFFFF);
+  if (!port || !notAnAddress(options.pageAddress).empty()) {
+    throw CLI::ValidationError("--page", place + " is no ADDRESS:PORT, such as 127.0.0.1:8064");
+  }
+  options.pagePort = static_cast<int>(*port);
+}
+
+void define(CLI::App& app, Options& options, std::vector<std::string>& cameras) {
+  app.allow_windows_style_options(false);
+  app.formatter(std::make_shared<HelpFormat>());
+  app.get_formatter()->column_width(24);
+  app.footer(exitStatusAndExamples + cameraDescriptionHelp());
+  app.option_defaults()->disable_flag_override();
+  app.set_help_flag("--help", "print this");
+  app.add_option("CAMERA", cameras, "a camera, see below")->option_text("...")->check(notACamera);
+  app.add_flag("--log", options.log, "print every access to the cameras");
+  app.add_option_function<std::string>(
+         "--page", [&options](const std::string& place) { takePage(place, options); },
+         "where the page is; by itself it takes another\nport when 8064 is taken")
+      ->option_text("ADDRESS:PORT")
+      ->take_last();
+  app.add_flag("--no-page", options.noPage, "none");
+  app.add_option("--address", options.address, "where Wi-Fi cameras listen (default 127.0.0.1)")
+      ->option_text("IPV4")
+      ->take_last()
+      ->check(notAnAddress);
+  app.add_flag("--unplug", options.unplug,
+               "take out what a run that was killed has left\nplugged in");
+}
+
+void expectCameras(const Options& options) {
+  if (options.cameras.empty() && !options.unplug) throw CLI::RequiredError("a CAMERA");
   std::set<std::uint16_t> ports;
   for (const CameraDescription& camera : options.cameras) {
     if (camera.transport != Transport::wifi || camera.port == 0) continue;
-    if (!ports.insert(camera.port).second) {
-      return "two Wi-Fi cameras on port " + std::to_string(camera.port) + "; give one ,port=N";
-    }
+    if (ports.insert(camera.port).second) continue;
+    throw CLI::ValidationError("two Wi-Fi cameras on port " + std::to_string(camera.port) +
+                               "; give one ,port=N");
   }
-  return {};
+}
+
+// CLI11 takes the words in reverse order.
+void parse(CLI::App& app, std::vector<std::string> words, Options& options) {
+  std::vector<std::string> cameras;
+  define(app, options, cameras);
+  std::ranges::reverse(words);
+  app.parse(std::move(words));
+  std::string problem;
+  for (const std::string& camera : cameras) {
+    options.cameras.push_back(*cameraDescriptionFrom(camera, problem));
+  }
+  expectCameras(options);
 }
 
 }  // namespace
 
 std::string optionsFrom(std::span<const std::string> arguments, Options& options) {
-  std::string wrong;
-  for (auto at = arguments.begin(); wrong.empty() && at != arguments.end();) {
-    const std::string& word = *at++;
-    const auto* const known = std::ranges::find(knownOptions, word, &Known::name);
-    if (known != std::end(knownOptions)) {
-      const std::string expected(known->expected);
-      const std::string value = expected.empty() || at == arguments.end() ? "" : *at++;
-      if (known->take(value, options)) continue;
-      wrong = word + ": expected " + expected + ", not \"" + value + "\"";
-    } else if (word == "--") {
-      options.program.assign(at, arguments.end());
-      at = arguments.end();
-      if (options.program.empty()) wrong = "no program given after --";
-    } else if (word.starts_with('-')) {
-      wrong = "unknown option \"" + word + "\"; see --help";
-    } else if (const auto camera = cameraDescriptionFrom(word, wrong)) {
-      options.cameras.push_back(*camera);
-    }
+  const auto end = std::ranges::find(arguments, "--");
+  if (end != arguments.end()) {
+    options.program.assign(end + 1, arguments.end());
+    if (options.program.empty()) return "no program given after --";
   }
-  return wrong.empty() ? lackOf(options) : wrong;
+  CLI::App app(description, "qvx-simulator");
+  try {
+    parse(app, {arguments.begin(), end}, options);
+  } catch (const CLI::CallForHelp&) {
+    options.help = app.help();
+  } catch (const CLI::ParseError& error) {
+    return std::string(error.what()) + "; see --help";
+  }
+  return {};
 }
 
 }  // namespace qvx::simulator

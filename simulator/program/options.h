@@ -15,14 +15,12 @@ struct Options {
   std::string pageAddress = "127.0.0.1";
   int pagePort = 8064;
   bool pageIsAsked = false;  // at this address or not at all
-  bool noPage = false, log = false, unplug = false, help = false;
+  bool noPage = false, log = false, unplug = false;
   std::vector<std::string> program;  // and its arguments
+  std::string help;                  // to be printed, when asked for
 };
 
 // Parses the arguments. Returns one line that says what is wrong with them, or nothing.
 std::string optionsFrom(std::span<const std::string> arguments, Options& options);
-
-// The text of --help, except the syntax of cameras.
-extern const char helpText[];
 
 }  // namespace qvx::simulator
