@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+
+#include "tests/support/items.h"
 
 namespace qvx::tests {
 namespace {
@@ -15,11 +18,9 @@ const std::string whole =
 TEST(ControlDocument, GivesTheFirstControlOfTheName) {
   const auto control = controlIn(whole, "Gamma");
   ASSERT_TRUE(control);
-  EXPECT_EQ(control->value, 120);
-  EXPECT_EQ(control->range.min, 72);
-  EXPECT_EQ(control->range.max, 500);
-  EXPECT_EQ(control->range.step, 2);
-  EXPECT_EQ(control->range.defaultValue, 100);
+  const auto& [min, max, step, defaultValue] = control->range;
+  EXPECT_EQ(std::tuple(control->value, min, max, step, defaultValue),
+            std::tuple(120, 72, 500, 2, 100));
   EXPECT_FALSE(controlIn(whole, "gamma"));
   EXPECT_FALSE(controlIn(whole, "Gam"));
 }
@@ -34,43 +35,39 @@ TEST(ControlDocument, CutAnywhereIsNone) {
 }
 
 TEST(ControlDocument, ReadsNumbersAsTheirTextStarts) {
-  const struct {
-    const char* value;
-    int expected;
-  } rows[] = {
-      {R"("-64")", -64},
-      {R"(" +7x")", 7},
-      {R"("seven")", 0},
-      {R"("")", 0},
-      {"12", 12},
-      {"-3.75", -3},
-      {"true", 0},
-      {"null", 0},
-      {R"([5])", 0},
-      {R"({"5": 5})", 0},
-      {R"("2147483648")", 2147483647},
-      {R"("-99999999999999999999")", -2147483647 - 1},
-  };
-  for (const auto& row : rows) {
-    const auto control = controlIn(
-        std::string(R"({"controls": [{"name": "Hue", "value": )") + row.value + "}]}", "Hue");
-    ASSERT_TRUE(control) << row.value;
-    EXPECT_EQ(control->value, row.expected) << row.value;
+  for (const auto& [value, expected] : {std::pair(R"("-64")", -64),
+                                        {R"(" +7x")", 7},
+                                        {R"("seven")", 0},
+                                        {R"("")", 0},
+                                        {"12", 12},
+                                        {"-3.75", -3},
+                                        {"true", 0},
+                                        {"null", 0},
+                                        {R"([5])", 0},
+                                        {R"({"5": 5})", 0},
+                                        {R"("2147483648")", 2147483647},
+                                        {R"("-99999999999999999999")", -2147483647 - 1}}) {
+    const auto control =
+        controlIn(std::string(R"({"controls": [{"name": "Hue", "value": )") + value + "}]}", "Hue");
+    ASSERT_TRUE(control) << value;
+    EXPECT_EQ(control->value, expected) << value;
     EXPECT_EQ(control->range.max, 0) << "missing";
   }
 }
 
 TEST(ControlDocument, OfAnotherShapeFindsNothing) {
   const std::string deep(1500, '[');
-  for (const std::string& document :
-       {std::string(), std::string("\0", 1), std::string("\xFF\xFE{}"), std::string("7"),
-        std::string("null"), std::string("[]"), std::string("{}"), std::string("\"controls\""),
-        std::string(R"([{"controls": [{"name": "Hue"}]}])"), std::string(R"({"controls": "Hue"})"),
-        std::string(R"({"controls": null})"), std::string(R"({"controls": {"name": "Hue"}})"),
-        std::string(R"({"controls": [{"name": ["Hue"]}, {"name": {"name": "Hue"}}]})"),
-        std::string(R"({"controls": ["Hue", 3, null, ["name", "Hue"], true]})"), deep,
-        R"({"controls": )" + deep, R"({"controls": [{"name": "Hue", "value": )" + deep,
-        std::string(1500, '{')}) {
+  std::vector<std::string> documents = tests::itemsIn(
+      R"(|7|null|[]|{}|"controls"|[{"controls": [{"name": "Hue"}]}]|{"controls": "Hue"}|)"
+      R"({"controls": null}|{"controls": {"name": "Hue"}}|)"
+      R"({"controls": [{"name": ["Hue"]}, {"name": {"name": "Hue"}}]}|)"
+      R"({"controls": ["Hue", 3, null, ["name", "Hue"], true]})");
+  for (const std::string& start : {deep, R"({"controls": )" + deep, std::string(1500, '{'),
+                                   R"({"controls": [{"name": "Hue", "value": )" + deep,
+                                   std::string("\0", 1), std::string("\xFF\xFE{}")}) {
+    documents.push_back(start);
+  }
+  for (const std::string& document : documents) {
     EXPECT_FALSE(controlIn(document, "Hue")) << document.substr(0, 60);
   }
 }

@@ -14,24 +14,21 @@ using simulator::HttpAnswer;
 
 TEST(WifiCommand, PacksIdAndValueAsTheCameraReadsThem) {
   const std::string command = "http://a/?action=commandcontrol&dest=0plugin=0&id=";
-  const struct {
-    std::string url;
-    const char* idGroupAndValue;
-  } rows[] = {
-      {CMD_I2C_R("http://a/", 0x62, 0x80, 1, 1), "1378&group=5&value=8388608"},
-      {CMD_I2C_R("http://a/", 0x48, 0, 2, 1), "2376&group=5&value=0"},
-      // A register in the top half makes the value negative, an address the id.
-      {CMD_I2C_R("http://a/", 0x42, 0xFFFF, 1, 1), "1346&group=5&value=-65536"},
-      {CMD_I2C_R("http://a/", 0x80, 0, 1, 1), "-128&group=5&value=0"},
-      {CMD_I2C_R("http://a/", 0x62, 0, 5, 6), "1634&group=5&value=0"},  // widths are two bits
-      {CMD_I2C_W("http://a/", 0x78, 0x3503, 2, 0x07, 1), "6520&group=5&value=889389063"},
-      {CMD_I2C_W("http://a/", 0x62, 0xFFFF, 1, 1, 1), "5474&group=5&value=-65535"},
-      {CMD_GPIO_R("http://a/", 1), "256&group=4&value=0"},
-      {CMD_GPIO_W("http://a/", 1, 0x10, 0), "1296&group=4&value=0"},
-      {CMD_GPIO_W("http://a/", 0, 7, -2), "1031&group=4&value=-2"},
-      {CMD_GPIO_W("http://a/", 0, 0x80, 0), "-128&group=4&value=0"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(row.url, command + row.idGroupAndValue);
+  for (const auto& [url, idGroupAndValue] :
+       {std::pair(CMD_I2C_R("http://a/", 0x62, 0x80, 1, 1), "1378&group=5&value=8388608"),
+        {CMD_I2C_R("http://a/", 0x48, 0, 2, 1), "2376&group=5&value=0"},
+        // A register in the top half makes the value negative, an address the id.
+        {CMD_I2C_R("http://a/", 0x42, 0xFFFF, 1, 1), "1346&group=5&value=-65536"},
+        {CMD_I2C_R("http://a/", 0x80, 0, 1, 1), "-128&group=5&value=0"},
+        {CMD_I2C_R("http://a/", 0x62, 0, 5, 6), "1634&group=5&value=0"},  // widths are two bits
+        {CMD_I2C_W("http://a/", 0x78, 0x3503, 2, 0x07, 1), "6520&group=5&value=889389063"},
+        {CMD_I2C_W("http://a/", 0x62, 0xFFFF, 1, 1, 1), "5474&group=5&value=-65535"},
+        {CMD_GPIO_R("http://a/", 1), "256&group=4&value=0"},
+        {CMD_GPIO_W("http://a/", 1, 0x10, 0), "1296&group=4&value=0"},
+        {CMD_GPIO_W("http://a/", 0, 7, -2), "1031&group=4&value=-2"},
+        {CMD_GPIO_W("http://a/", 0, 0x80, 0), "-128&group=4&value=0"}}) {
+    EXPECT_EQ(url, command + idGroupAndValue);
+  }
 }
 
 TEST(WifiAddress, IsAnIpv4LiteralWithOrWithoutAPort) {
@@ -59,31 +56,27 @@ using WifiFetch = LibraryTest;
 
 TEST_F(WifiFetch, TakesTheIntegerAfterTheMarker) {
   using namespace std::string_literals;
-  const struct {
-    std::string answer;
-    int result;
-  } rows[] = {
-      {"res:37", 37},
-      {"res:-1", -1},
-      {"<p>res: +12 kg</p>res:5", 12},
-      {"", 0},
-      {"res:", 0},
-      {"res:x", 0},
-      {"ok", 0},
-      {"abc123", 123},  // without the marker the text is read from its fourth character
-      {"re:45", 45},    // likewise
-      {"\0res:9"s, 0},  // the text ends at its first NUL
-      {"res:7\0008"s, 7},
-      {"res:99999999999", 2147483647},
-      {"res:-99999999999", -2147483647 - 1},
-      {std::string(8192, 'a'), 0},
-      {std::string(8190, 'a') + "res:6", 0},  // one read only: the marker is cut off
-      {std::string(8187, 'a') + "res:6", 6},
-      {std::string(300, '\xFF') + "res:6", 6},
-  };
-  for (const auto& row : rows) {
-    machine().wifi = [&row](const std::string&) { return HttpAnswer{true, {row.answer}}; };
-    EXPECT_EQ(loadUrlwWininet("http://camera/x"), row.result) << row.answer;
+  for (const auto& [answer, result] : {
+           std::pair("res:37"s, 37),
+           {"res:-1", -1},
+           {"<p>res: +12 kg</p>res:5", 12},
+           {"", 0},
+           {"res:", 0},
+           {"res:x", 0},
+           {"ok", 0},
+           {"abc123", 123},  // without the marker the text is read from its fourth character
+           {"re:45", 45},    // likewise
+           {"\0res:9"s, 0},  // the text ends at its first NUL
+           {"res:7\0008"s, 7},
+           {"res:99999999999", 2147483647},
+           {"res:-99999999999", -2147483647 - 1},
+           {std::string(8192, 'a'), 0},
+           {std::string(8190, 'a') + "res:6", 0},  // one read only: the marker is cut off
+           {std::string(8187, 'a') + "res:6", 6},
+           {std::string(300, '\xFF') + "res:6", 6},
+       }) {
+    machine().wifi = [text = answer](const std::string&) { return HttpAnswer{true, {text}}; };
+    EXPECT_EQ(loadUrlwWininet("http://camera/x"), result) << answer;
     EXPECT_EQ(journal(), (Journal{"pause 10", "GET http://camera/x"}));
   }
 }

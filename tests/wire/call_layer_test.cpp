@@ -23,15 +23,14 @@ constexpr std::uint32_t failed = 0x80004005;
 
 using Bytes = std::array<std::uint8_t, 64>;
 
-// What a caller lends to an access: the bus switch, the light switch, and a command with its
-// answer.
+// The buffers of a caller: the bus switch, the light switch, and a command with its answer.
 struct Lent {
   std::uint32_t select = 0;
   std::uint8_t reg = 0x04, light = 0;
   Bytes command = {0xF2, 0x5A};
 };
 
-// The status of every kind of access. What is written is what was read before.
+// The status of every kind of access. Writes put back the values that were read before.
 std::set<std::uint32_t> tryAll(std::uint32_t device, Lent& lent) {
   return {etLib2_RegRead_DevNum(device, 6, 1, &lent.select),
           etLib2_RegWrite_DevNum(device, 6, 1, &lent.select),
@@ -44,7 +43,7 @@ std::set<std::uint32_t> tryAll(std::uint32_t device, Lent& lent) {
 void expectAllFail(std::uint32_t device = 0) {
   const auto lent = std::make_unique<Lent>();
   EXPECT_EQ(tryAll(device, *lent), std::set{failed});
-  EXPECT_EQ(lent->command[1], 0x5A) << "what is lent stays as it is";
+  EXPECT_EQ(lent->command[1], 0x5A) << "the caller's buffer is left alone";
 }
 
 class CallLayer : public LibraryTest {
@@ -115,7 +114,7 @@ TEST_F(CallLayer, LateAnswerCostsTheLimitAndNothingLater) {
   EXPECT_EQ(readStatus(), 0u);
 }
 
-// What was lent is gone before the workers write: the sanitizer would tell.
+// The callers' buffers are gone before the workers write: the sanitizer would notice.
 TEST_F(CallLayer, LateAnswersWhoseCallersHaveGoneAreHarmless) {
   machine().set({Fault::stalls, 1, simulator::Clock::forever, 1100});
   expectAllFail();
@@ -263,14 +262,6 @@ TEST_F(BusSelection, AFailedStepLeavesTheSpeed) {
   machine().clock.waitForOthers();
 }
 
-TEST_F(BusSelection, GenerationTwoChipsHaveNoSwitch) {
-  VirtualBridge second(0x970, {.family = BridgeFamily::generation2});
-  open(second);
-  etLib2_SelectI2cBus_DevNum(0, 2, 1);
-  EXPECT_EQ(i2cSpeed, 0);
-  EXPECT_EQ(bytesIn(journal()), "26[32] 00 00 04, get 26 32");
-}
-
 using Eeprom = CallLayer;
 
 TEST_F(Eeprom, SelectsItsBusAndSwapsTheAddress) {
@@ -290,7 +281,7 @@ TEST_F(Eeprom, SelectsItsBusAndSwapsTheAddress) {
   EXPECT_EQ(complaintsOf(camera.camera), "");
 }
 
-TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
+TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwoWhichHasNoSwitch) {
   VirtualBridge second(0x970, {.family = BridgeFamily::generation2});
   open(second);
   std::array<std::uint8_t, 2> sub = {0x12, 0x34};
@@ -298,6 +289,9 @@ TEST_F(Eeprom, IsAnOrdinarySlaveOnGenerationTwo) {
   etLib2_I2cRead_DevNum(0, 0xA0, 2, sub.data(), 1, &data);
   EXPECT_EQ(sub, (std::array<std::uint8_t, 2>{0x12, 0x34}));
   EXPECT_TRUE(bytesIn(journal()).starts_with("20[32] 00 A0 00 02 12 34 01, "));
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
+  EXPECT_EQ(i2cSpeed, 0);
+  EXPECT_EQ(bytesIn(journal()), "26[32] 00 00 04, get 26 32");
 }
 
 class CallLayerThreads : public CallLayer {

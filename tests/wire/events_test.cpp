@@ -1,4 +1,4 @@
-// The touch button on every transport: what is asked, and when the callback comes.
+// The touch button on every transport: what is read from the camera, and when the callback runs.
 #include "api/events.h"
 
 #include "qvx64/api.h"

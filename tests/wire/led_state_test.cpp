@@ -1,4 +1,4 @@
-// LED states: what a camera of every product id is sent, and what it is asked first.
+// LED states: every register read and write, for every product id.
 #include "controls/led_state.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ struct Seen {
   int features, board = 0xFF, kind = 0;  // registers 0x80, 0x84, 0x83
 
   bool says(int mask, int value) const { return (features & mask) == value; }
-  // In the feature word, a register 0x80 that reads 0xFF is none.
+  // For the feature word, a register 0x80 that reads 0xFF does not exist.
   bool hasFeature(int bit) const { return features != 0xFF && (features & bit) != 0; }
   bool hasController() const {
     static const Ids ids = "968 978 998 9B0 9C0-9EF";
@@ -61,8 +61,8 @@ struct Rule {
   const char *off = "", *on = "", *alternative = "", *other = "";  // states 0, 1, 2, all the rest
 };
 
-// "ask" is a family's question for the registers that tell its variants, "ring" the ring's level by
-// the kind of lights.
+// "ask" reads the two registers by which a family's variants differ; "ring" is the ring's level,
+// which depends on the kind of lights.
 const Rule usbRules[] = {
     {"9E0-9EF", board255, "4=16 p 4=32 p", "4=16 p 4=15 p 3=6 p 4=32 p",
      "4=16 p 4=32 p 4=24 p 3=38 p 4=16 p"},
@@ -189,11 +189,12 @@ class EveryLedState : public LedState {
       if (!cameras.contains(pid) && pid % 16 != 0 && pid % 16 != 15) continue;
       const bool isEdge = std::ranges::any_of(
           rules, [=](const Rule& rule) { return rule.when != always && rule.ids.hasEdgeAt(pid); });
-      const int step = isEdge ? 2 : pid >= 0x960 && pid < 0x9F0 ? 13 : 51;
+      const int step = isEdge ? 2 : pid >= 0x960 && pid < 0x9F0 ? 13 : 52;
       int turn = pid;
       for (const int features :
            {0xFF, 0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0A, 0x0B, 0x0E, 0x10, 0x8A}) {
         for (const int board : {255, 5, 0x14, 3}) {
+          ++turn;  // with every other board, the kinds change places
           for (const int kind : {3, 4}) {
             if (turn++ % step == 0) call({pid, features, board, kind});
           }

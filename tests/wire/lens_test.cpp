@@ -139,7 +139,8 @@ Limits limitsOf(int pid, int driver, int isWide) {
       ->limits;
 }
 
-// Zero positions tell their registers. Models without lenses do as if they had one.
+// Each zero position differs, so that targets show which register it was read from. Models without
+// a lens behave as if they had one.
 TEST_F(Lens, RangesAndZeroPositions) {
   const Ids zeroAt40 = "910-919 940-949 980-98F", zeroAt50 = "990-99F 9B0-9CF 9E0-9EF",
             hasFineCoil = "9B0-9BE 9E0-9EF";

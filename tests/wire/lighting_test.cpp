@@ -99,7 +99,7 @@ TEST_F(Lighting, TheFirstCommandOverWifiCountsUnderBothIndexes) {
   }
 }
 
-TEST_F(Lighting, CountStartsOverAtOne) {
+TEST_F(Lighting, CountStartsOverAtOneAndIsKeptForEveryIndexThatHasOne) {
   plug(0x960);
   SEGCount[0] = 9998;
   SetSEGLevel(0, 1);
@@ -108,9 +108,7 @@ TEST_F(Lighting, CountStartsOverAtOne) {
   traffic();
   SetSEGSwitch(0, 1);
   EXPECT_EQ(traffic(), "4=1 p") << "never back to 0";
-}
-
-TEST_F(Lighting, IndexesWithoutACountDoNotKeepOne) {
+  SEGCount[0] = 0;
   for (const int index : {100, INT_MAX, -2, INT_MIN}) {
     for (const Command command : {SetSEGSwitch, SetSEGLevel, SetAXILevel, SetAimpointLevel}) {
       command(index, INT_MIN);

@@ -1,5 +1,4 @@
-// The models: what a product id and the registers behind it decide, and whatever an application may
-// pass to a camera of any.
+// The models: the feature word of every product id, and arbitrary arguments for each family.
 #include <algorithm>
 #include <climits>
 
@@ -17,10 +16,10 @@ namespace {
 const struct Model {
   Ids ids;
   int word;  // without register 0x80, which then reads 0xFF
-  // With it: what the word has at least, and the register's bits that go into it. Bit 0x04 stands
-  // for 0x04 where it is set and for 0x08 where it is clear. Models without such bits have no
-  // quadrants either.
-  int least = word, bits = 0;
+  // With it: the bits that are always set, and those that are as in the register. Bit 0x04 of the
+  // latter stands for 0x04 where it is set and for 0x08 where it is clear. Models without any have
+  // no quadrants either.
+  int always = word, bits = 0;
 } models[] = {
     {"610 611 613-615 710 715-717 810 811 820 821 840 841 843 845 846 848 870 871 873 875 876 878 "
      "87A-87C 880 881 883 885 886 888 88B 88D 88F 891 895 896 898 89B 89D 89F 920 921 923-925 "
@@ -57,7 +56,7 @@ int expectedWord(const Model& model, int reg80, int reg83) {
   if (reg80 == 0xFF) return model.word;
   const int kind = (model.bits & 0x04) == 0 ? 0 : (reg80 & 0x04) != 0 ? 0x04 : 0x08;
   const int quadrants = model.bits != 0 && reg83 == 4 ? 0x20 : 0;
-  return model.least | (reg80 & model.bits & ~0x04) | kind | quadrants;
+  return model.always | (reg80 & model.bits & ~0x04) | kind | quadrants;
 }
 
 class FeatureWord : public CameraTest {
@@ -73,7 +72,7 @@ TEST_F(FeatureWord, FollowsTheModelAndItsRegisters) {
         *std::ranges::find_if(models, [&](auto& m) { return m.ids.contains(pid); });
     nCurrPid = pid;
     for (const int reg80 : {0x00, 0xD7, 0xFF, 0x01, 0x02, 0x04, 0x10, 0x40, 0x80, -1}) {
-      if (model.bits == 0 && reg80 == 0x01) break;  // all bits off, or on, tell as much
+      if (model.bits == 0 && reg80 == 0x01) break;  // all bits off and all on are enough
       for (const int reg83 : {4, 5}) {
         camera.values = {{0x80, reg80}, {0x83, reg83}};
         const bool asksForQuadrants = model.bits != 0 && reg80 != 0xFF;

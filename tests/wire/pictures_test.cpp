@@ -1,10 +1,14 @@
 // Pictures: their properties, by the steps through the capture system and by the Wi-Fi camera's two
 // requests; the Wi-Fi camera's stills and its video modes.
+#include <algorithm>
 #include <climits>
+#include <iterator>
+#include <sstream>
 
 #include "qvx64/api.h"
 #include "tests/support/cameras.h"
 #include "tests/support/every_export.h"
+#include "tests/support/product_ids.h"
 
 namespace qvx::tests {
 namespace {
@@ -197,11 +201,11 @@ TEST_F(VideoProcAmpWifi, WithoutACamera) {
 }
 
 TEST_F(VideoProcAmpWifi, ToleratesNullPointers) {
-  qvx_long property = 5, least = 0;
-  EXPECT_EQ(GetVideoProcAmpValueRange(nullptr, &least, &least, &least, &least), 0);
+  qvx_long property = 5, min = 0;
+  EXPECT_EQ(GetVideoProcAmpValueRange(nullptr, &min, &min, &min, &min), 0);
   EXPECT_EQ(journal(), Journal{});
-  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &least, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(least, 72);
+  EXPECT_EQ(GetVideoProcAmpValueRange(&property, &min, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(min, 72);
   property = 6;
   EXPECT_EQ(GetVideoProcAmpValueRange(&property, nullptr, nullptr, nullptr, nullptr), 0);
 }
@@ -225,7 +229,7 @@ TEST_F(WifiImage, IsSavedAsItComes) {
   EXPECT_EQ(machine().open, simulator::OpenCounts{});
 }
 
-// Also when the camera or the disk cuts it short, which is not told.
+// A picture that the camera or the disk cuts short is not reported.
 TEST_F(WifiImage, OfAnySizeIsCopied) {
   const auto expectSaved = [this](std::size_t sent, bool breaksOff, std::size_t kept) {
     answer(std::vector(sent == 0 ? 0 : 1, std::string(sent, 'j')), breaksOff);
@@ -273,27 +277,16 @@ TEST_F(WifiImage, TakesTheNameByteByByteUpToItsEnd) {
   EXPECT_EQ(saved(L"a"), "picture");
 }
 
-struct Mode {
-  int width, height;
-  const char* command;
-};
-
-// The tables that cameras are sold with, by one product id of each end of a family.
+// The sizes of each family, and the numbers that select them on the wire.
 const struct {
-  std::vector<int> pids;
-  const char* listed;
-  std::vector<Mode> modes;
+  Ids ids;
+  const char *sizes, *numbers;
 } families[] = {
-    {{0x960, 0x99F},
-     "1 5 640x480 1280x960 1600x1200 2048x1536 2592x1944",
-     {{640, 480, "1"}, {1280, 960, "0"}, {1600, 1200, "2"}, {2048, 1536, "3"}, {2592, 1944, "4"}}},
-    {{0x920, 0x92F},
-     "1 3 640x480 1280x960 1600x1200",
-     {{640, 480, "1"}, {1280, 960, "0"}, {1600, 1200, "2"}}},
-    {{0x9D0, 0x9DF, 0x9A0, 0x9AF}, "1 1 640x480", {{640, 480, "0"}}},
-    {{0x870, 0x89F, 0x910, 0x91F, 0x9C0, 0x9CF},
-     "1 2 640x480 1280x1024",
-     {{640, 480, "0"}, {1280, 1024, "3"}}},
+    {"960-99F", "640x480 1280x960 1600x1200 2048x1536 2592x1944", "10234"},
+    {"920-92F", "640x480 1280x960 1600x1200", "102"},
+    {"9D0-9DF 9A0-9AF", "640x480", "0"},
+    {"870-89F 910-91F 9C0-9CF", "640x480 1280x1024", "03"},
+    {"000-FFF", "", ""},
 };
 
 class WifiVideo : public CameraTest {
@@ -308,40 +301,33 @@ class WifiVideo : public CameraTest {
 TEST_F(WifiVideo, ListsAndChoosesTheModesOfTheFamily) {
   const std::string choose =
       "GET " + cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=0&group=2&value=";
-  for (const auto& family : families) {
-    for (const int pid : family.pids) {
-      nPid = pid;
-      EXPECT_EQ(exportNamed("GetWiFiVideoCaps").call({}), family.listed) << pid;
-      EXPECT_TRUE(GetWiFiVideoCaps(nullptr, nullptr, nullptr));
-      for (const Mode& mode : family.modes) {
-        journal();
-        EXPECT_TRUE(SetWiFiVideoRes(mode.width, mode.height));
-        // The last family is asked for on the wire, unless the product id alone says it.
-        const bool asks = pid >= 0x920 && pid <= 0x9FF;
-        EXPECT_EQ(traffic(), (asks ? "r62.80 p5 p10 " : "p10 ") + choose + mode.command) << pid;
-      }
+  constexpr std::pair<int, int> tried[] = {{640, 480},   {1280, 960},  {1600, 1200}, {2048, 1536},
+                                           {2592, 1944}, {1280, 1024}, {640, 481},   {0, 0},
+                                           {-640, 480},  {66176, 480}};
+  const Ids knownWithoutAsking = "870-89F 910-91F";
+  for (int pid = 0; pid < 0xA80; pid += pid < 0x860 ? 16 : 1) {
+    const auto& family =
+        *std::ranges::find_if(families, [=](auto& row) { return row.ids.contains(pid); });
+    std::istringstream words(family.sizes);
+    const std::vector<std::string> sizes{std::istream_iterator<std::string>(words), {}};
+    nPid = pid;
+    const std::string listed = "1 " + std::to_string(sizes.size()) + ' ' + family.sizes;
+    EXPECT_EQ(exportNamed("GetWiFiVideoCaps").call({}), sizes.empty() ? "0 0" : listed) << pid;
+    qvx_long count = 77;
+    EXPECT_EQ(GetWiFiVideoCaps(&count, nullptr, nullptr), !sizes.empty());
+    EXPECT_EQ(count, sizes.empty() ? 77 : std::ssize(sizes));
+    for (const auto& [width, height] : tried) {
+      const auto number = static_cast<std::size_t>(
+          std::ranges::find(sizes, formatted("%dx%d", width, height)) - sizes.begin());
+      const bool known = number < sizes.size();
+      journal();
+      EXPECT_EQ(SetWiFiVideoRes(width, height), known) << std::hex << pid << ' ' << width;
+      const std::string asks = knownWithoutAsking.contains(pid) ? ""
+                               : known                          ? "r62.80 p5 "
+                                                                : "r62.80 p5";
+      EXPECT_EQ(traffic(), asks + (known ? "p10 " + choose + family.numbers[number] : ""));
     }
   }
-}
-
-TEST_F(WifiVideo, WritesNothingForOtherCameras) {
-  for (const int pid : {0, 0x86F, 0x8A0, 0x95F, 0x9B0, 0x9E0}) {
-    nPid = pid;
-    qvx_long count = 77;
-    short width = 77, height = 77;
-    EXPECT_FALSE(GetWiFiVideoCaps(&count, &width, &height)) << pid;
-    EXPECT_EQ(count + width + height, 3 * 77);
-    EXPECT_FALSE(SetWiFiVideoRes(640, 480)) << pid;
-  }
-}
-
-TEST_F(WifiVideo, SendsNothingForASizeThatIsNone) {
-  nPid = 0x970;
-  for (const auto& [width, height] :
-       {std::pair{1280, 1024}, {640, 481}, {0, 0}, {-640, 480}, {66176, 480}}) {
-    EXPECT_FALSE(SetWiFiVideoRes(width, height)) << width;
-  }
-  EXPECT_EQ(traffic().find("p10"), std::string::npos);
 }
 
 TEST_F(WifiVideo, IsForDevice90Only) {

@@ -223,7 +223,7 @@ TEST_F(Usb3Sensor, TakesClassRequests) {
   SetExposureValue(0, 300);
   EXPECT_EQ(camera().sensor.at(0x3501), 300 / 16);
   journal();
-  EXPECT_EQ(GetExposureValue(0), 0) << "set, but not told";
+  EXPECT_EQ(GetExposureValue(0), 0) << "can be set, but not read";
   EXPECT_EQ(traffic().find("r78"), std::string::npos);
   SetAutoExposure(0, 0);
   EXPECT_EQ(camera().sensor.at(0x3503), 7);

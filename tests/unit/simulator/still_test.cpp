@@ -197,10 +197,10 @@ TEST(Still, EverySensorCanBeExposedByHand) {
     Camera camera(row.pid);
     sensorFor(row.pid)->setAutomatic(camera, false);
     camera.sensor.set(row.reg, 0);
-    const double least = viewOf(camera).exposure;
+    const double shortest = viewOf(camera).exposure;
     camera.sensor.set(row.reg, 3);
-    EXPECT_EQ(viewOf(camera).exposure < least, row.countsDown) << row.pid;
-    EXPECT_NE(viewOf(camera).exposure, least) << row.pid;
+    EXPECT_EQ(viewOf(camera).exposure < shortest, row.countsDown) << row.pid;
+    EXPECT_NE(viewOf(camera).exposure, shortest) << row.pid;
   }
 }
 

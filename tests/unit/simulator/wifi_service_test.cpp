@@ -1,18 +1,21 @@
-#include "simulator/program/wifi_service.h"
-
+// A running Wi-Fi camera: its command line, its connections, and the live picture.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <future>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "simulator/program/options.h"
+#include "simulator/program/wifi_service.h"
 #include "tests/support/items.h"
 
 namespace qvx::simulator {
@@ -34,19 +37,14 @@ TEST(SimulatorOptions, AreTakenOrRefused) {
             "");
   ASSERT_EQ(options.cameras.size(), 2U);
   const CameraDescription &wifi = options.cameras[0], &usb = options.cameras[1];
-  EXPECT_EQ(wifi.productId, 0x9C0);
-  EXPECT_EQ(wifi.port, 0);
-  EXPECT_EQ(wifi.zoom->from, 63);
-  EXPECT_EQ(wifi.name, "Simulated microscope 09C0");
+  EXPECT_EQ(std::tuple(wifi.productId, wifi.port, wifi.zoom->from, wifi.name),
+            std::tuple(0x9C0, 0, 63, "Simulated microscope 09C0"));
   EXPECT_EQ(wifi.fault, (Fault{Fault::stalls, 3, 2, 250}));
   EXPECT_EQ(textOf(wifi.fault), "stall:250ms:3+2");
-  EXPECT_EQ(usb.vendorId, 0x1234);
-  EXPECT_EQ(usb.unit, Unit::variant1);
-  EXPECT_EQ(usb.setup.firmware, BridgeFirmware::wide);
-  EXPECT_EQ(usb.name, "A");
-  EXPECT_EQ(options.address, "127.0.0.9");
-  EXPECT_EQ(options.pagePort, 80);
-  EXPECT_TRUE(options.log);
+  EXPECT_EQ(std::tuple(usb.vendorId, usb.unit, usb.setup.firmware, usb.name),
+            std::tuple(0x1234, Unit::variant1, BridgeFirmware::wide, "A"));
+  EXPECT_EQ(std::tuple(options.address, options.pagePort, options.log),
+            std::tuple("127.0.0.9", 80, true));
   EXPECT_EQ(options.program, (std::vector<std::string>{"x", "--log"}));
   for (const std::string& line : tests::itemsIn(
            "|0970|wifi|wifi:|wifi:0|wifi:10000|wifi:97g|bluetooth:0970|wifi:0970,port=65536|"
@@ -165,6 +163,61 @@ TEST(WifiService, EndsWhileItIsSilent) {
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   running.reset();
   client.join();
+}
+
+// What comes until so many pictures have begun, or the stream has ended.
+std::string streamFrom(int port, int pictures) {
+  httplib::Client client("127.0.0.1", port);
+  client.set_read_timeout(60);  // on a busy machine
+  std::string received;
+  client.Get("/?action=stream", [&](const char* data, std::size_t size) {
+    received.append(data, size);
+    int begun = 0;
+    for (std::size_t at = 0; (at = received.find("--frame\r\n", at)) != std::string::npos; ++at) {
+      ++begun;
+    }
+    return begun <= pictures;
+  });
+  return received;
+}
+
+// The file of each part that came completely.
+std::vector<std::string> filesIn(const std::string& stream) {
+  const std::string head = "--frame\r\nContent-Type: image/jpeg\r\nContent-Length: ";
+  std::vector<std::string> files;
+  for (std::size_t at = 0; stream.compare(at, head.size(), head) == 0;) {
+    const std::size_t start = stream.find("\r\n\r\n", at) + 4;
+    const std::size_t size = std::stoul(stream.substr(at + head.size()));
+    if (start + size + 2 > stream.size()) break;
+    files.push_back(stream.substr(start, size));
+    at = start + size + 2;
+  }
+  return files;
+}
+
+TEST(Stream, FlowsToEachClientUntilClientCameraOrProgramIsGone) {
+  Desk desk;
+  std::string problem;
+  PluggedCamera& camera = desk.plugIn(*cameraDescriptionFrom("wifi:09D0", problem));
+  std::optional<HttpPort> port(std::in_place);
+  serveWifiCamera(*port, camera, desk);
+  ASSERT_TRUE(port->start("127.0.0.1", 0));
+  const auto begin = [&](int pictures) {
+    return std::async(std::launch::async, streamFrom, port->port(), pictures);
+  };
+  auto endless = begin(1'000'000), one = begin(2), other = begin(2);
+  for (auto* const client : {&one, &other}) {
+    const std::vector<std::string> files = filesIn(client->get());
+    ASSERT_GE(files.size(), 2U);
+    for (const std::string& file : files) {
+      EXPECT_EQ(file.substr(0, 2), "\xFF\xD8");
+      EXPECT_EQ(file.substr(file.size() - 2), "\xFF\xD9");
+    }
+    EXPECT_NE(files[0], files[1]);  // its noise
+  }
+  EXPECT_EQ(camera.accessesAfter(0).size(), 3U);
+  port.reset();
+  EXPECT_GE(filesIn(endless.get()).size(), 2U);
 }
 
 }  // namespace
