@@ -64,7 +64,7 @@ bool World::proceeds(Operation kind) {
 }
 
 bool World::runsInline() const {
-  constexpr std::uint64_t maxOperationsOfWorker = 16;
+  constexpr std::uint64_t maxOperationsOfWorker = 32;
   const std::lock_guard<std::mutex> lock(guard);
   return workersInline && !faults_.stallsWithin(maxOperationsOfWorker) && clock.isAlone();
 }

@@ -16,10 +16,8 @@
 #include "etlib2/etLib2.h"
 #include "qvx64/api.h"
 #include "simulator/platform/world.h"
-#include "simulator/arbitrary/input.h"
-#include "simulator/arbitrary/machine.h"
-#include "tests/fuzz/promises.h"
-#include "tests/support/every_export.h"
+#include "tests/fuzz/arbitrary_machine.h"
+#include "tests/support/promises.h"
 #include "tests/support/reset_library.h"
 #include "transport/wifi.h"
 
@@ -27,12 +25,16 @@ namespace qvx::fuzz {
 
 namespace {
 
-using simulator::Input;
-using simulator::Machine;
-
 using simulator::world;
 
-constexpr int mostCalls = 24;
+constexpr int maxCalls = 24;
+constexpr std::uint64_t access_ms = 2000;  // what the machine lets an access take at most
+
+// Ends the process, as a sanitizer does.
+[[noreturn]] void broken(const char* what, const std::string& how) {
+  std::fprintf(stderr, "broken: %s: %s\n", what, how.c_str());
+  std::abort();
+}
 
 void checkOpenCounts() {
   using Counts = std::array<int, sizeof(simulator::OpenCounts) / sizeof(int)>;
@@ -58,7 +60,7 @@ class Story {
         &Story::callExport,      &Story::initialize, &Story::initialize,  &Story::pump,
         &Story::callWithoutRoom, &Story::changeMood, &Story::furnish,     &Story::receive,
         &Story::callRegister,    &Story::callI2c,    &Story::callCommand, &Story::callWithThreads};
-    for (int calls = 0; calls < mostCalls && !input_.isOver(); ++calls) {
+    for (int calls = 0; calls < maxCalls && !input_.isOver(); ++calls) {
       (this->*input_.oneOf(acts))();
       checkOpenCounts();
     }
@@ -70,12 +72,14 @@ class Story {
   // The application's callback. One that calls FireEvent would call itself for ever.
   static void onEvent() {
     if (current == nullptr || current->inCallback_) return;
+    const std::uint64_t start_ms = world().clock.now_ms();
     current->inCallback_ = true;
     current->callExport();
     current->inCallback_ = false;
+    current->callbacks_ms_ += world().clock.now_ms() - start_ms;
   }
 
-  void callExport() { call(input_.number<std::size_t>(0, tests::everyExport().size() - 1)); }
+  void callExport() { call(input_.oneOf(tests::everyExport())); }
 
   // With workers in threads of their own, which costs as much as hundreds of other calls.
   void callWithThreads() {
@@ -87,14 +91,18 @@ class Story {
 
   void initialize() {
     SetVideoDeviceIndex(index());
-    call(0);
+    call(tests::exportNamed("Init"));
   }
 
-  void call(std::size_t place) {
-    const std::uint64_t start_ms = world().clock.now_ms();
+  // Checks the result and the time against what the header promises.
+  void call(const tests::ExportedCall& exported) {
+    const std::uint64_t start_ms = world().clock.now_ms() - callbacks_ms_;
     const tests::Arguments arguments = makeArguments();
-    const std::string result = tests::everyExport()[place].call(arguments);
-    checkPromise(place, arguments, result, world().clock.now_ms() - start_ms);
+    const std::string result = exported.call(arguments);
+    const std::uint64_t took_ms = world().clock.now_ms() - callbacks_ms_ - start_ms;
+    if (!isAllowed(exported, arguments, result)) broken(exported.name, "result " + result);
+    if (took_ms > tests::promiseOf(exported.name).limit_ms(access_ms))
+      broken(exported.name, "took " + std::to_string(took_ms) + " ms");
   }
 
   int index() {
@@ -130,13 +138,13 @@ class Story {
 
   // With some of the output pointers null.
   void callWithoutRoom() {
-    constexpr std::size_t mostModes = 5;
+    constexpr std::size_t maxModes = 5;
     qvx_long number = value(), first = 0, second = 0, third = 0;
     const auto maybe = [&](qvx_long& output) { return input_.oneIn(2) ? nullptr : &output; };
     GetLensPosLimits(index(), maybe(first), maybe(second));
     GetLensFinePosLimits(index(), maybe(first), maybe(second));
     GetVideoProcAmpValueRange(maybe(number), maybe(first), maybe(second), maybe(third), nullptr);
-    const auto widths = std::make_unique<short[]>(mostModes);
+    const auto widths = std::make_unique<short[]>(maxModes);
     GetWiFiVideoCaps(maybe(first), input_.oneIn(2) ? nullptr : widths.get(), nullptr);
   }
 
@@ -180,9 +188,9 @@ class Story {
   }
 
   void callCommand() {
-    constexpr std::size_t mostBytes = 32;
+    constexpr std::size_t maxBytes = 32;
     const auto code = static_cast<std::uint8_t>(value());
-    Bytes sent(input_.number<std::size_t>(0, mostBytes)), fetched(mostBytes);
+    Bytes sent(input_.number<std::size_t>(0, maxBytes)), fetched(maxBytes);
     guarded([&] {
       etLib2_Custom_CMD_Write(device(), code, static_cast<std::uint8_t>(sent.size()), sent.data());
       etLib2_Custom_CMD_Read(device(), code, input_.number<std::uint8_t>(0, 255), fetched.data());
@@ -203,6 +211,7 @@ class Story {
   Input& input_;
   Machine machine_;
   bool inCallback_ = false;
+  std::uint64_t callbacks_ms_ = 0;  // that callbacks have taken so far
 };
 
 Story* Story::current = nullptr;

@@ -7,7 +7,14 @@
 #include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
+// The sanitizer's own switch, which code compiled for it asks at every call.
+extern "C" int __asan_option_detect_stack_use_after_return;
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#else
+static int __asan_option_detect_stack_use_after_return;
+static std::size_t __sanitizer_get_current_allocated_bytes() {
+  return mallinfo2().uordblks;
+}
 #endif
 
 namespace qvx::tests {
@@ -32,11 +39,15 @@ std::uint64_t MemoryFault::allocations() const {
 }
 
 std::uint64_t bytesAllocated() {
-#if defined(__SANITIZE_ADDRESS__)
   return __sanitizer_get_current_allocated_bytes();
-#else
-  return mallinfo2().uordblks;
-#endif
+}
+
+WatchedStack::WatchedStack() {
+  __asan_option_detect_stack_use_after_return = 1;
+}
+
+WatchedStack::~WatchedStack() {
+  __asan_option_detect_stack_use_after_return = 0;
 }
 
 void* allocate(std::size_t size) {

@@ -1,11 +1,12 @@
-// Memory that runs out: the allocations of the calling thread, counted and refused.
+// Memory that runs out, that stays in use, and that is no longer there.
 #pragma once
 
 #include <cstdint>
 
 namespace qvx::tests {
 
-// Refuses the n-th allocation from now on, and only that one, for as long as it lives.
+// Counts the calling thread's allocations and refuses the n-th, and only that one, for as long as
+// it lives.
 class MemoryFault {
  public:
   explicit MemoryFault(std::uint64_t n);
@@ -18,5 +19,15 @@ class MemoryFault {
 
 // What all threads hold at the moment.
 std::uint64_t bytesAllocated();
+
+// As long as it lives, a write to the stack frame of a function that has returned is seen, as a
+// late worker might make one. Calls take twice as long.
+class WatchedStack {
+ public:
+  WatchedStack();
+  ~WatchedStack();
+  WatchedStack(const WatchedStack&) = delete;
+  WatchedStack& operator=(const WatchedStack&) = delete;
+};
 
 }  // namespace qvx::tests

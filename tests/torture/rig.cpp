@@ -1,11 +1,7 @@
 #include "tests/torture/rig.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cstdio>
-#include <cstdlib>
-#include <map>
+#include <utility>
 #include <vector>
 
 #include "tests/support/reset_library.h"
@@ -27,48 +23,12 @@ constexpr Path paths[] = {
 // Standard output goes nowhere for as long as it lives.
 class Silence {
  public:
-  Silence() {
-    std::fflush(stdout);
-    static const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDOUT_FILENO);
-  }
-  ~Silence() {
-    std::fflush(stdout);
-    dup2(original(), STDOUT_FILENO);
-  }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
+  ~Silence() { stdout = shown_; }
 
-  static int original() {
-    static const int copy = dup(STDOUT_FILENO);
-    return copy;
-  }
+ private:
+  static inline std::FILE* const nowhere_ = std::fopen("/dev/null", "w");
+  std::FILE* const shown_ = std::exchange(stdout, nowhere_);
 };
-
-// What differs from the rest: { index unless it is the device's, value, second }.
-const std::map<std::string, Arguments> argumentsByName = {
-    {"EnablePressKey", {.index = 1}},
-    {"SetLensPos", {.value = 20}},
-    {"SetLensFinePos", {.value = 100}},
-    {"SetExposureValue", {.value = 600}},
-    {"SetAETarget", {.value = 100}},
-    {"SetAutoExposure", {.value = 1}},
-    {"SetFlicker", {.value = 1}},
-    {"SetVideoProcAmp", {.index = 1, .value = 40}},
-    {"GetVideoProcAmp", {.index = 1}},
-    {"GetVideoProcAmpValueRange", {.index = 1}},
-    {"SetLEDState", {.value = 1}},
-    {"SetSEGSwitch", {.value = 5}},
-    {"SetSEGLevel", {.value = 3}},
-    {"SetESEG", {.value = 2, .second = 12}},
-    {"SetAXILevel", {.value = 4}},
-    {"SetAimpointLevel", {.value = 3}},
-    {"SetWiFiVideoRes", {.value = 640, .second = 480}},
-};
-
-bool takesDevice(const std::string& name) {
-  return name.find("VideoProcAmp") == std::string::npos && name != "EnablePressKey";
-}
 
 constexpr std::uint64_t tick_ms = 250;
 
@@ -100,7 +60,6 @@ std::span<const ExportedCall> everyCall() {
 }
 
 Rig::Rig(const Path& path) : path_(&path) {
-  Silence::original();
   resetLibrary();
   simulator::resetWorld();
   plug();
@@ -167,13 +126,8 @@ std::string Rig::init() {
 }
 
 std::string Rig::call(const ExportedCall& exported) {
-  const auto found = argumentsByName.find(exported.name);
-  Arguments arguments = found == argumentsByName.end() ? Arguments{} : found->second;
-  if (takesDevice(exported.name)) arguments.index = path_->index();
-  arguments.magnification = 50;
-  arguments.file = "still.jpg";
   const Silence silence;
-  return exported.call(arguments);
+  return exported.call(busiestArguments(exported, path_->index()));
 }
 
 void Rig::setZoom(const simulator::ZoomMotion& motion) {

@@ -9,7 +9,7 @@
 #include <mutex>
 #include <span>
 
-namespace qvx::simulator {
+namespace qvx::fuzz {
 
 class Input {
  public:
@@ -22,14 +22,13 @@ class Input {
 
   // For the script.
   template <class Number>
-  Number number(Number least, Number most) {
+  Number number(Number min, Number max) {
     const std::lock_guard<std::mutex> lock(guard_);
-    return provider_.ConsumeIntegralInRange<Number>(least, most);
+    return provider_.ConsumeIntegralInRange<Number>(min, max);
   }
   bool oneIn(int chances) { return number(1, chances) == chances; }
-  template <class Choice, std::size_t count>
-  const Choice& oneOf(const Choice (&choices)[count]) {
-    return choices[number<std::size_t>(0, count - 1)];
+  const auto& oneOf(const auto& choices) {
+    return choices[number<std::size_t>(0, std::size(choices) - 1)];
   }
 
   // For answers; workers ask, too. What registers hold is mostly small, 255 often has a meaning,
@@ -55,4 +54,4 @@ class Input {
   FuzzedDataProvider provider_;
 };
 
-}  // namespace qvx::simulator
+}  // namespace qvx::fuzz

@@ -1,4 +1,4 @@
-#include "simulator/arbitrary/machine.h"
+#include "tests/fuzz/arbitrary_machine.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,9 @@
 #include <cwchar>
 #include <new>
 
-namespace qvx::simulator {
+namespace qvx::fuzz {
+
+using namespace simulator;
 
 namespace {
 
@@ -264,4 +266,4 @@ void Machine::furnish() {
   if (input_.oneIn(8)) machine.diskRoom = input_.number<std::size_t>(0, 5000);
 }
 
-}  // namespace qvx::simulator
+}  // namespace qvx::fuzz

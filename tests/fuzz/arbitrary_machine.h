@@ -5,9 +5,9 @@
 #include <thread>
 
 #include "simulator/platform/world.h"
-#include "simulator/arbitrary/input.h"
+#include "tests/fuzz/input.h"
 
-namespace qvx::simulator {
+namespace qvx::fuzz {
 
 class Machine {
  public:
@@ -30,7 +30,7 @@ class Machine {
   Input& input_;
   Mood mood_ = Mood::well;
   std::thread::id applicationThread_ = std::this_thread::get_id();
-  PictureControls picture_;
+  simulator::PictureControls picture_;
 };
 
-}  // namespace qvx::simulator
+}  // namespace qvx::fuzz
