@@ -4,6 +4,7 @@
 #include <optional>
 #include <thread>
 
+#include "tests/support/effort.h"
 #include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
@@ -38,7 +39,7 @@ TEST_P(Apartment, StaysWithAndWithoutABridge) {
     for (const bool plugged : {true, false}) {
       std::optional<SimulatedCameras> cameras;
       if (plugged) cameras.emplace(std::vector<std::string>{"usb:0870"});
-      for (int i = 0; i < 100 && staysIn(GetParam()); ++i) callAllThatUseCom();
+      for (int i = 0; i < 10 * effort() && staysIn(GetParam()); ++i) callAllThatUseCom();
       EXPECT_TRUE(staysIn(GetParam())) << plugged;
       EXPECT_EQ(Init(), plugged);
     }

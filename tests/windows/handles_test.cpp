@@ -16,15 +16,15 @@
 namespace qvx::tests {
 namespace {
 
-constexpr int firstCalls = 3, minCalls = 8, maxCalls = 1000;
+constexpr int firstCalls = 2, minCalls = 4, maxCalls = 1000;
 constexpr int maxHandles = 1000;  // that one export may leave: connections are files of the host
-constexpr int slackHandles = 3, slackBytes = 512;  // what the system's libraries keep for a while
+constexpr int slackHandles = 3, slackBytes = 256;  // what the system's libraries keep for a while
 constexpr int wifiIndex = 90;
 constexpr char stillName[] = "qvx-handles.jpg";
 
 ULONGLONG limit_ms() {
   const char* const text = std::getenv("QVX_MS_PER_EXPORT");
-  return text == nullptr ? 250 : std::strtoull(text, nullptr, 10);
+  return text == nullptr ? 100 : std::strtoull(text, nullptr, 10);
 }
 
 // What one call leaves open on purpose.

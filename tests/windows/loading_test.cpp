@@ -53,33 +53,27 @@ TEST(RuntimeChecks, EndTheProcessAtAnOverrun) {
 }
 
 // The stand-in lies in a folder that is neither the application's nor the library's.
-TEST(LibusbK, IsLoadedFromTheLibrarysFolderThenFromSystem32AndNeverFromTheCurrentOne) {
-  constexpr wchar_t name[] = L"libusbK.dll";
-  const auto standIn = applicationFolder() / L"usb3" / name;
-  wchar_t folder[MAX_PATH];
-  GetSystemDirectoryW(folder, MAX_PATH);
-  const auto ofTheSystem = std::filesystem::path(folder) / name;
+TEST_F(LibusbK, IsLoadedFromTheLibrarysFolderThenFromSystem32AndNeverFromTheCurrentOne) {
+  inChild([this] {
+    const auto standIn = applicationFolder() / L"usb3" / usbLibrary;
+    wchar_t folder[MAX_PATH];
+    GetSystemDirectoryW(folder, MAX_PATH);
+    const auto ofTheSystem = std::filesystem::path(folder) / usbLibrary;
+    const LibraryCopy alone(copies / L"alone"), beside(copies / L"Geh\u00E4use-\u955C");
+    std::filesystem::current_path(standIn.parent_path());
+    alone.openUsb3();
+    EXPECT_FALSE(isLoaded(usbLibrary)) << "from the current folder";
 
-  const LibraryCopy alone(L"qvx-alone"), beside(L"qvx-Geh\u00E4use-\u955C");
-  const auto openUsb3 = [](const LibraryCopy& copy) {
-    copy.function<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(-1);
-    copy.function<decltype(Init)>("Init")();
-  };
-  const auto home = std::filesystem::current_path();
-  std::filesystem::current_path(standIn.parent_path());
-  openUsb3(alone);
-  std::filesystem::current_path(home);
-  EXPECT_FALSE(isLoaded(name)) << "from the current folder";
-
-  ASSERT_TRUE(CopyFileW(standIn.c_str(), ofTheSystem.c_str(), FALSE));
-  beside.put(standIn, name);
-  openUsb3(beside);
-  EXPECT_TRUE(isLoaded(beside.pathOf(name)));
-  EXPECT_FALSE(isLoaded(ofTheSystem));
-  openUsb3(alone);
-  EXPECT_TRUE(isLoaded(ofTheSystem));
-  FreeLibrary(GetModuleHandleW(ofTheSystem.c_str()));
-  EXPECT_TRUE(std::filesystem::remove(ofTheSystem));
+    std::filesystem::copy_file(standIn, ofTheSystem);
+    beside.put(standIn);
+    beside.openUsb3();
+    EXPECT_TRUE(beside.usesOwnUsbLibrary());
+    EXPECT_FALSE(isLoaded(ofTheSystem));
+    alone.openUsb3();
+    EXPECT_TRUE(isLoaded(ofTheSystem));
+    FreeLibrary(GetModuleHandleW(ofTheSystem.c_str()));
+    EXPECT_TRUE(std::filesystem::remove(ofTheSystem));
+  });
 }
 
 }  // namespace

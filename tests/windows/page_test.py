@@ -54,8 +54,8 @@ class Program:
         for line in self.process.stdout:
             self.lines.put(line.strip())
 
-    def await_line(self, fits):
-        end = time.monotonic() + LIMIT_S
+    def await_line(self, fits, limit_s=LIMIT_S):
+        end = time.monotonic() + limit_s
         while True:
             line = self.lines.get(timeout=max(0, end - time.monotonic()))
             if fits(line):
@@ -122,8 +122,15 @@ def turns_the_ring(page):
 def presses_the_button(page):
     watch = Program(CLIENT, "--device", page.device, "--json", "watch")
     watch.await_line(lambda line: "magnification" in line)
-    ActionChains(page.browser).click_and_hold(page.at("set-button")).release().perform()
-    watch.await_line(lambda line: json.loads(line)["event"] == "button")
+    for _ in range(5):  # a busy machine may miss a short press
+        ActionChains(page.browser).click_and_hold(page.at("set-button")).release().perform()
+        try:
+            watch.await_line(lambda line: json.loads(line)["event"] == "button", 5)
+            break
+        except queue.Empty:
+            continue
+    else:
+        raise AssertionError("the client does not see the button")
     watch.process.kill()
 
 
@@ -186,16 +193,21 @@ def is_quick_and_fits(page):
     assert page.browser.execute_script("return document.documentElement.scrollWidth") == 360
 
 
+CHECKS = {
+    "usb-09E4": (turns_the_ring, presses_the_button, shows_what_the_library_does),
+    "wifi-0998": (shows_what_the_library_does, switches_automatic_exposure, switches_a_fault_on),
+}
+
+
 def main():
     simulator = Program(SIMULATOR, "wifi:0998,zoom=63", "usb:09E4,zoom=63")
     browser = open_browser()
     try:
         simulator.await_line(lambda line: line == "ready")
         page = Page(browser)
-        for camera in reversed(CAMERAS):
+        for camera, checks in CHECKS.items():
             page.choose(camera)
-            for check in (turns_the_ring, presses_the_button, shows_what_the_library_does,
-                          switches_automatic_exposure, switches_a_fault_on):
+            for check in checks:
                 start = time.monotonic()
                 check(page)
                 print(f"{camera} {check.__name__}: {time.monotonic() - start:.1f} s")

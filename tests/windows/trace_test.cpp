@@ -1,5 +1,7 @@
 // The trace's file as the system has it. The variable is read once in a process, so every trace is
 // written by children: this program again, with the number of calls that each of its threads makes.
+#include <algorithm>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -7,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/windows/fixtures/process.h"
 #include "tests/windows/support.h"
 
 namespace qvx::tests {
@@ -25,31 +28,14 @@ void callFromThreads(int calls) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// The exit codes of so many children at the same time, summed up; 0 when all calls went well.
-DWORD run(int children, int calls, const fs::path& trace) {
+// Whether that many children at the same time made all their calls.
+bool run(int children, int calls, const fs::path& trace) {
   SetEnvironmentVariableW(L"QVX64_TRACE", trace.c_str());
-  std::vector<HANDLE> processes;
+  std::deque<Process> processes;
   for (int i = 0; i < children; ++i) {
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring line = L"\"" + std::wstring(program) + L"\" --calls " + std::to_wstring(calls);
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process{};
-    EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                               &start, &process));
-    CloseHandle(process.hThread);
-    processes.push_back(process.hProcess);
+    processes.emplace_back(Process::again(L"--calls " + std::to_wstring(calls)));
   }
-  DWORD sum = 0;
-  for (const HANDLE process : processes) {
-    DWORD code = 1;
-    EXPECT_EQ(WaitForSingleObject(process, 60000), WAIT_OBJECT_0);
-    GetExitCodeProcess(process, &code);
-    CloseHandle(process);
-    sum += code;
-  }
-  return sum;
+  return std::ranges::all_of(processes, [](auto& each) { return each.exitCode(60'000) == 0U; });
 }
 
 class TraceFile : public testing::Test {
@@ -70,7 +56,7 @@ class TraceFile : public testing::Test {
 
 TEST_F(TraceFile, KeepsTheLinesOfProcessesAndThreadsWhole) {
   constexpr int children = 3, calls = 100;
-  ASSERT_EQ(run(children, calls, path), 0U);
+  ASSERT_TRUE(run(children, calls, path));
   const std::regex call("\\d+ \\d+ \\d+ \\d+ call function=SetVideoDeviceIndex arguments=\\d+");
   const std::regex header(
       "\\d+ \\d+ \\d+ \\d+ trace version=\"[0-9.]+\" windows=\"[0-9.]+\" time=\"[-0-9T:.]+Z\" "
@@ -88,21 +74,21 @@ TEST_F(TraceFile, KeepsTheLinesOfProcessesAndThreadsWhole) {
 
 // What stands in the way ends the trace, never a call.
 TEST_F(TraceFile, IsGivenUpWhereItCannotBeWritten) {
-  EXPECT_EQ(run(1, 5, folder / L"none" / L"camera.trace"), 0U);
-  EXPECT_EQ(run(1, 5, folder), 0U);  // a folder is no file
+  EXPECT_TRUE(run(1, 5, folder / L"none" / L"camera.trace"));
+  EXPECT_TRUE(run(1, 5, folder));  // a folder is no file
 
   const auto opened = [this](DWORD share) {
     return CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, share, nullptr, OPEN_ALWAYS, 0,
                        nullptr);
   };
   const HANDLE exclusive = opened(0);
-  EXPECT_EQ(run(1, 5, path), 0U);
+  EXPECT_TRUE(run(1, 5, path));
   CloseHandle(exclusive);
   EXPECT_EQ(lines().size(), 0U);
 
   const HANDLE shared = opened(FILE_SHARE_READ | FILE_SHARE_WRITE);
   ASSERT_TRUE(LockFile(shared, 0, 0, MAXDWORD, MAXDWORD));
-  EXPECT_EQ(run(1, 5, path), 0U);
+  EXPECT_TRUE(run(1, 5, path));
   CloseHandle(shared);
   EXPECT_EQ(lines().size(), 0U);
 }

@@ -9,7 +9,9 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/effort.h"
 #include "tests/windows/fixtures/imports.h"
+#include "tests/windows/fixtures/process.h"
 #include "tests/windows/fixtures/resources.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
@@ -88,30 +90,13 @@ int openABridgeAndEnd(unsigned ending) {
   return clean;
 }
 
-DWORD exitCodeOfProcess(unsigned ending) {
-  wchar_t program[MAX_PATH];
-  GetModuleFileNameW(nullptr, program, MAX_PATH);
-  std::wstring line = L"\"" + std::wstring(program) + L"\" --end " + std::to_wstring(ending);
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  DWORD code = ~0u;
-  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                      &process)) {
-    return code;
-  }
-  WaitForSingleObject(process.hProcess, INFINITE);
-  GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return code;
-}
-
 TEST(Unloading, LeavesAnOpenBridgeAlone) {
   const SimulatedCameras cameras({"usb:0870"});
-  for (unsigned i = 0; i < 50; ++i) {
-    const unsigned ending = i % ((freed | withoutCom) + 1);
-    ASSERT_EQ(exitCodeOfProcess(ending), clean) << "ending " << ending << ", process " << i;
+  for (int i = 0; i < 3 * effort(); ++i) {
+    for (const unsigned ending : {0U, 0U | freed, 0U | withoutCom, 0U | freed | withoutCom}) {
+      const Process process(Process::again(L"--end " + std::to_wstring(ending)));
+      ASSERT_EQ(process.exitCode(), clean) << "ending " << ending << ", process " << i;
+    }
   }
 }
 

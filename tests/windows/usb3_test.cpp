@@ -29,14 +29,15 @@ TEST(Usb3Camera, IsFoundOpenedMeasuredAndDriven) {
   EXPECT_EQ(cameras.violations(0), "");
 }
 
-TEST(LibusbK, OfTheApplicationComesBeforeThatOfTheLibrary) {
-  constexpr wchar_t name[] = L"libusbK.dll";
-  const LibraryCopy copy(L"qvx-beside");
-  copy.put(applicationFolder() / name, name);
-  copy.function<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(-1);
-  copy.function<decltype(Init)>("Init")();
-  EXPECT_TRUE(isLoaded(applicationFolder() / name));
-  EXPECT_FALSE(isLoaded(copy.pathOf(name)));
+TEST_F(LibusbK, OfTheApplicationComesBeforeThatOfTheLibrary) {
+  inChild([this] {
+    const auto ofTheApplication = applicationFolder() / usbLibrary;
+    const LibraryCopy copy(copies / L"beside");
+    copy.put(ofTheApplication);
+    copy.openUsb3();
+    EXPECT_TRUE(isLoaded(ofTheApplication));
+    EXPECT_FALSE(copy.usesOwnUsbLibrary());
+  });
 }
 
 }  // namespace

@@ -35,13 +35,6 @@ ComPtr<Interface> create(REFCLSID id) {
   return object;
 }
 
-template <class Interface>
-ComPtr<Interface> as(IUnknown& object) {
-  ComPtr<Interface> result;
-  object.QueryInterface(__uuidof(Interface), &result);
-  return result;
-}
-
 // Keeps the last picture that came.
 class Catcher final : public simulator::ComObject<ISampleGrabberCB> {
  public:
@@ -96,7 +89,6 @@ class Graph {
         grabber_(create<IBaseFilter>(sampleGrabberClass)),
         renderer_(create<IBaseFilter>(nullRendererClass)),
         camera_(firstVideoInput()) {
-    catcher_.Attach(new Catcher);
     builder_->SetFiltergraph(graph_.Get());
     for (IBaseFilter* const filter : {camera_.Get(), grabber_.Get(), renderer_.Get()}) {
       EXPECT_EQ(graph_->AddFilter(filter, nullptr), S_OK);
@@ -104,11 +96,13 @@ class Graph {
     AM_MEDIA_TYPE type{};
     type.majortype = MEDIATYPE_Video;
     type.subtype = MEDIASUBTYPE_YUY2;
-    const auto grabber = as<ISampleGrabber>(*grabber_.Get());
+    ComPtr<ISampleGrabber> grabber;
+    grabber_.As(&grabber);
     grabber->SetMediaType(&type);
-    grabber->SetCallback(catcher_.Get(), 1);
+    grabber->SetCallback(&catcher_, 1);
     builder_->FindInterface(&PIN_CATEGORY_CAPTURE, nullptr, camera_.Get(),
                             __uuidof(IAMStreamConfig), &config_);
+    graph_.As(&control_);
   }
 
   IAMStreamConfig& config() { return *config_.Get(); }
@@ -116,34 +110,23 @@ class Graph {
     return builder_->RenderStream(&PIN_CATEGORY_CAPTURE, &MEDIATYPE_Video, camera_.Get(),
                                   grabber_.Get(), renderer_.Get());
   }
-  HRESULT run() { return as<IMediaControl>(*graph_.Get())->Run(); }
-  HRESULT stop() { return as<IMediaControl>(*graph_.Get())->Stop(); }
-  Frame await() { return catcher_->await(); }
+  HRESULT run() { return control_->Run(); }
+  HRESULT stop() { return control_->Stop(); }
+  Frame await() { return catcher_.await(); }
 
  private:
-  ComPtr<Catcher> catcher_;
+  Catcher catcher_;  // outlives the graph, which only borrows it
   ComPtr<IGraphBuilder> graph_;
   ComPtr<ICaptureGraphBuilder2> builder_;
   ComPtr<IBaseFilter> grabber_, renderer_, camera_;
   ComPtr<IAMStreamConfig> config_;
+  ComPtr<IMediaControl> control_;
 };
 
 double meanLuma(const Frame& frame) {
   double sum = 0;
   for (std::size_t i = 0; i < frame.size(); i += 2) sum += frame[i];
   return sum * 2 / static_cast<double>(frame.size());
-}
-
-double sharpness(const Frame& frame) {
-  double sum = 0;
-  for (std::size_t i = 2; i < frame.size(); i += 2) sum += std::pow(frame[i] - frame[i - 2], 2);
-  return sum * 2 / static_cast<double>(frame.size());
-}
-
-double difference(const Frame& one, const Frame& other) {
-  double sum = 0;
-  for (std::size_t i = 0; i < one.size(); i += 2) sum += std::abs(one[i] - other[i]);
-  return sum * 2 / static_cast<double>(one.size());
 }
 
 void write(Camera& camera, std::uint8_t reg, std::uint8_t value) {
@@ -163,7 +146,7 @@ class Video : public testing::Test {
   Graph graph_;
 };
 
-TEST_F(Video, FollowsLightZoomAndFocus) {
+TEST_F(Video, FollowsTheLight) {
   ASSERT_EQ(graph_.connect(), S_OK);
   ASSERT_TRUE(SUCCEEDED(graph_.run()));
   const Frame dark = after([](Camera& camera) { camera.sensor.set(0x3503, 7); });
@@ -173,17 +156,6 @@ TEST_F(Video, FollowsLightZoomAndFocus) {
     write(camera, 4, 15);
   });
   EXPECT_GT(meanLuma(lit), meanLuma(dark) + 20);
-  const auto focus = [](int offset) {
-    return [offset](Camera& camera) {
-      const auto position = static_cast<std::uint8_t>(camera.controller.at(0x50) + offset);
-      camera.placeAt(0x46)->device->write({}, {&position, 1});
-    };
-  };
-  const Frame sharp = after(focus(12)), blurred = after(focus(60));
-  EXPECT_GT(sharpness(sharp), 1.5 * sharpness(blurred));
-  const Frame again = after(focus(12));
-  const Frame nearer = after([](Camera& camera) { camera.setZoom({100, 100, 0}); });
-  EXPECT_GT(difference(sharp, nearer), 3 * difference(sharp, again));
   EXPECT_TRUE(SUCCEEDED(graph_.stop()));
 }
 
@@ -200,6 +172,7 @@ TEST_F(Video, ComesInTheSizesOfTheModel) {
     const SIZE size = capabilities.MaxOutputSize;
     EXPECT_GT(size.cx, last);
     last = size.cx;
+    if (i != 0 && i != count - 1) continue;
     EXPECT_EQ(graph.config().SetFormat(type), S_OK);
     ASSERT_EQ(graph.connect(), S_OK) << size.cx;
     EXPECT_EQ(graph.config().SetFormat(type), VFW_E_ALREADY_CONNECTED);

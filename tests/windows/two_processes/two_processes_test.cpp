@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "etlib2/etLib2.h"
+#include "tests/windows/fixtures/process.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 #include "tests/windows/two_processes/shared.h"
@@ -22,68 +23,33 @@ unsigned numberFrom(const char* variable, unsigned otherwise) {
   return text == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
 }
 
-// Another process of this program.
-class Worker {
- public:
-  explicit Worker(int number) : number_(number) {}
-  ~Worker() { kill(); }
-  Worker(const Worker&) = delete;
-  Worker& operator=(const Worker&) = delete;
-
-  void start(unsigned seed) {
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring line = L"\"" + std::wstring(program) + L"\" --work " + std::to_wstring(number_) +
-                        L" " + std::to_wstring(seed);
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    ASSERT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                               &startup, &process_));
-    CloseHandle(process_.hThread);
-  }
-
-  void kill() {
-    if (process_.hProcess == nullptr) return;
-    TerminateProcess(process_.hProcess, 9);
-    end(INFINITE);
-  }
-
-  // Its exit code, or nothing when it does not end in time.
-  std::optional<DWORD> end(DWORD limit_ms) {
-    DWORD code = 0;
-    if (WaitForSingleObject(process_.hProcess, limit_ms) != WAIT_OBJECT_0 ||
-        !GetExitCodeProcess(process_.hProcess, &code)) {
-      return std::nullopt;
-    }
-    CloseHandle(process_.hProcess);
-    process_ = {};
-    return code;
-  }
-
- private:
-  int number_;
-  PROCESS_INFORMATION process_{};
-};
-
 class TwoProcesses : public testing::Test {
  protected:
+  static constexpr ULONGLONG maxTime_ms = 60'000;
+
   void startWorker(int number) {
     for (int i = 0; i < threadsPerProcess; ++i) {
       shared().owners[number * threadsPerProcess + i].seen_ms = GetTickCount64();
     }
     shared().atWork[number] = false;
-    workers_[number].start(random_());
+    workers_[number].emplace(
+        Process::again(L"--work " + std::to_wstring(number) + L" " + std::to_wstring(random_())));
   }
 
-  // Kills one after another, mostly at work and sometimes while it starts.
-  void disturb(unsigned seconds) {
+  // Kills one after another, mostly at work and sometimes while it starts; longer if no transfer
+  // was cut off in that time.
+  void disturb(SimulatedCameras& cameras, unsigned seconds) {
     constexpr unsigned maxPause_ms = 500, oneInSo = 5;
-    const ULONGLONG end = GetTickCount64() + seconds * 1000;
-    while (GetTickCount64() < end && shared().mistakes == 0 && !HasFailure()) {
+    const ULONGLONG start = GetTickCount64();
+    const auto isEnough = [&](ULONGLONG time_ms) {
+      const bool cut = !(cameras.violations(0) + cameras.violations(1)).empty();
+      return time_ms > seconds * 1000 && (cut || time_ms > maxTime_ms);
+    };
+    while (!isEnough(GetTickCount64() - start) && shared().mistakes == 0 && !HasFailure()) {
       const int victim = static_cast<int>(random_() % processCount);
       if (random_() % oneInSo != 0) awaitWork(victim);
       Sleep(random_() % maxPause_ms);
-      workers_[victim].kill();
+      workers_[victim].reset();
       ++kills_;
       startWorker(victim);
     }
@@ -107,7 +73,7 @@ class TwoProcesses : public testing::Test {
 
   void expectAllEnd() {
     shared().ends = true;
-    for (Worker& worker : workers_) EXPECT_EQ(worker.end(15000), 0u);
+    for (const auto& worker : workers_) EXPECT_EQ(worker->exitCode(15'000), 0u);
   }
 
   void expectMuchWasDone() {
@@ -143,7 +109,7 @@ class TwoProcesses : public testing::Test {
 
   const unsigned seed_ = numberFrom("QVX_SEED", static_cast<unsigned>(GetTickCount64()));
   std::minstd_rand random_{seed_};
-  Worker workers_[processCount] = {Worker(0), Worker(1)};
+  std::optional<Process> workers_[processCount];
   unsigned kills_ = 0, late_ = 0;
 };
 
@@ -154,7 +120,7 @@ TEST_F(TwoProcesses, KilledAtAnyMomentNeitherHangNorMixTheirBytes) {
   SimulatedCameras cameras(texts);
   shared().parent = GetCurrentProcessId();
   for (int i = 0; i < processCount; ++i) startWorker(i);
-  disturb(numberFrom("QVX_SECONDS", 30));
+  disturb(cameras, numberFrom("QVX_SECONDS", 10));
   expectAllEnd();
   EXPECT_EQ(shared().mistakes, 0u) << shared().mistake;
   expectMuchWasDone();
