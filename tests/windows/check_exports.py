@@ -2,7 +2,7 @@
 how it is protected. The checks `hardened` and `reproducible` are for programs, too."""
 
 import argparse
-import collections
+import os
 import pathlib
 import re
 import struct
@@ -16,39 +16,23 @@ SYSTEM_DLLS = {
     "hid.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll",
     "user32.dll", "wininet.dll",
 }
-# Of the header, of a section's flags and of the data directories.
-LOAD_FLAGS = {0x20: "for high-entropy addresses", 0x40: "for random addresses",
-              0x100: "for data that is not executed"}
-EXECUTABLE, WRITABLE = 0x20000000, 0x80000000
-EXPORTS, RELOCATIONS = 0, 5
-READ_ONLY_DIRECTORIES = {1: "import table", 12: "import address table", 0: "export table"}
+LOAD_FLAGS = {"HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"}
+TABLES = {".idata": "import table", ".edata": "export table", ".rdata": "constant data"}
 # Why the system is asked to end the process at once.
 FAST_FAILS = {2: "stack protector", 8: "check of string functions"}
 DESCRIPTION = "QVX32 Dynamic Link Library"
 SIMULATED_CAMERA = "127.0.0.1"
 
 
-Section = collections.namedtuple("Section", "name size address file_size offset flags")
-
-
 class Dll:
     def __init__(self, path, objdump):
         self.bytes = path.read_bytes()
-        self.tables = subprocess.run(
-            [objdump, "-p", path], check=True, capture_output=True, text=True).stdout
-
-        headers, = struct.unpack_from("<I", self.bytes, 0x3C)
-        count, self.time_stamp, optional_size = struct.unpack_from("<HI8xH", self.bytes, headers + 6)
-        optional = headers + 24
-        self.characteristics, = struct.unpack_from("<H", self.bytes, optional + 70)
-        self.directories = [
-            struct.unpack_from("<II", self.bytes, optional + 112 + 8 * i) for i in range(16)]
-        self.sections = [
-            Section(*struct.unpack_from("<8sIIII12xI", self.bytes, optional + optional_size + 40 * i))
-            for i in range(count)]
-
-    def section_at(self, address):
-        return next(s for s in self.sections if s.address <= address < s.address + s.size)
+        self.tables, sections = (subprocess.run(
+            [objdump, option, path], check=True, capture_output=True, text=True,
+            env={**os.environ, "TZ": "UTC"}).stdout for option in ("-p", "-h"))
+        self.sections = {
+            name: set(flags.split(", "))
+            for name, flags in re.findall(r"^ +\d+ (\S+) .*\n +(.*?) *$", sections, re.MULTILINE)}
 
     def exports(self):
         names = self.tables.split("[Ordinal/Name Pointer] Table")[1].split("\n\n")[0]
@@ -127,30 +111,24 @@ def check_address(dll, options):
 
 
 def check_hardened(dll, options):
-    for flag, name in LOAD_FLAGS.items():
-        if not dll.characteristics & flag:
-            yield f"it is not marked {name}"
-    if dll.directories[RELOCATIONS][1] == 0:
+    yield from (f"it lacks {flag}" for flag in LOAD_FLAGS - set(dll.tables.split()))
+    if re.search(r"^Entry 5 \w+ 0+ ", dll.tables, re.MULTILINE):
         yield "it has no relocations and is always loaded at the same address"
-    for directory, name in READ_ONLY_DIRECTORIES.items():
-        address, size = dll.directories[directory]
-        if size != 0 and dll.section_at(address).flags & WRITABLE:
-            yield f"the {name} is writable"
-    yield from (f"section {section.name} is writable and executable" for section in dll.sections
-                if section.flags & WRITABLE and section.flags & EXECUTABLE)
+    for section, flags in dll.sections.items():
+        if section in TABLES and "READONLY" not in flags:
+            yield f"the {TABLES[section]} is writable"
+        if "CODE" in flags and "READONLY" not in flags:
+            yield f"section {section} is writable and executable"
     for reason, name in FAST_FAILS.items():
         if struct.pack("<BI", 0xB9, reason) + b"\xCD\x29" not in dll.bytes:  # mov ecx; int 29h
             yield f"there is no {name} in it"
 
 
 def check_reproducible(dll, options):
-    if dll.time_stamp != 0:
+    if "Jan  1 00:00:00 1970" not in dll.tables:
         yield "its header has a time stamp"
-    address, size = dll.directories[EXPORTS]
-    if size != 0:
-        section = dll.section_at(address)
-        if struct.unpack_from("<I", dll.bytes, section.offset + address - section.address + 4)[0]:
-            yield "its export table has a time stamp"
+    if re.search(r"^Time/Date stamp\s+0*[1-9a-f]", dll.tables, re.MULTILINE):
+        yield "its export table has a time stamp"
     if str(SOURCE).encode() in dll.bytes:
         yield "it names the folder in which it was built"
 
