@@ -4,10 +4,8 @@
 
 #include <windows.h>
 
-#include <array>
 #include <atomic>
 #include <cstdint>
-#include <optional>
 
 namespace qvx::tests {
 
@@ -28,16 +26,6 @@ constexpr SharedBridge bridges[] = {
     {"hid:0971,unit=absent", 0x00016028, true, true},  // one-shot requests, and a bus switch
 };
 constexpr std::size_t bridgeCount = std::size(bridges);
-
-// An owner's bytes in each EEPROM: who and how often, and what follows from the two.
-constexpr std::size_t blockSize = 24;
-using Block = std::array<std::uint8_t, blockSize>;
-
-Block blockOf(int owner, std::uint32_t write);
-std::uint16_t addressOf(int owner);
-
-// Which write of the owner this is; nothing when it is none.
-std::optional<std::uint32_t> writeIn(const Block& block, int owner);
 
 struct Owner {
   std::atomic<std::uint32_t> tried[bridgeCount], confirmed[bridgeCount];  // the last write

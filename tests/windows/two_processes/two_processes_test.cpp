@@ -2,6 +2,7 @@
 // middle of their transfers and started anew. Linked with the library's parts: the call layer is
 // what takes calls from any thread. QVX_SECONDS and QVX_SEED in the environment change how long and
 // how.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -36,14 +37,16 @@ class TwoProcesses : public testing::Test {
         Process::again(L"--work " + std::to_wstring(number) + L" " + std::to_wstring(random_())));
   }
 
-  // Kills one after another, mostly at work and sometimes while it starts; longer if no transfer
-  // was cut off in that time.
+  // Kills one after another, mostly at work and sometimes while it starts; longer if by then no
+  // transfer was cut off or an owner has not succeeded.
   void disturb(SimulatedCameras& cameras, unsigned seconds) {
     constexpr unsigned maxPause_ms = 500, oneInSo = 5;
     const ULONGLONG start = GetTickCount64();
     const auto isEnough = [&](ULONGLONG time_ms) {
-      const bool cut = !(cameras.violations(0) + cameras.violations(1)).empty();
-      return time_ms > seconds * 1000 && (cut || time_ms > maxTime_ms);
+      const bool all = std::ranges::all_of(shared().owners,
+                                           [](auto&owner) { return owner.succeeded != 0; }),
+                 cut = !(cameras.violations(0) + cameras.violations(1)).empty();
+      return time_ms > seconds * 1000 && ((all && cut) || time_ms > maxTime_ms);
     };
     while (!isEnough(GetTickCount64() - start) && shared().mistakes == 0 && !HasFailure()) {
       const int victim = static_cast<int>(random_() % processCount);

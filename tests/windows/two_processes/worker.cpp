@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <random>
 #include <thread>
@@ -13,15 +14,24 @@ namespace {
 
 constexpr std::uint32_t eeprom = 0xA0;
 constexpr DWORD lateWorker_ms = 2000;  // a worker that its caller has left is done by then
-constexpr std::size_t headSize = 5;    // of a block: the owner, and the number of the write
 
-std::uint8_t patternAt(std::size_t index, int owner, std::uint32_t write) {
-  return static_cast<std::uint8_t>(
-      (write * 31 + static_cast<std::uint32_t>(owner) * 7 + index * 13) ^ write >> 8);
+// An owner's data in each EEPROM. The first word names the owner and the write, the others follow
+// from it.
+using Block = std::array<std::uint32_t, 6>;
+
+Block blockOf(int owner, std::uint32_t write) {
+  Block block{write * ownerCount + static_cast<std::uint32_t>(owner)};
+  for (std::size_t i = 1; i < block.size(); ++i) block[i] = 31 * block[i - 1] + 0x9E3779B9;
+  return block;
+}
+
+std::uint8_t* bytesOf(Block& block) {
+  return reinterpret_cast<std::uint8_t*>(block.data());
 }
 
 std::array<std::uint8_t, 2> subAddressOf(int owner, const SharedBridge& bridge) {
-  const std::uint16_t address = addressOf(owner);
+  constexpr int distance = 64;
+  const int address = owner * distance;
   const auto low = static_cast<std::uint8_t>(address),
              high = static_cast<std::uint8_t>(address >> 8);
   if (bridge.lowAddressFirst) return {low, high};
@@ -29,27 +39,6 @@ std::array<std::uint8_t, 2> subAddressOf(int owner, const SharedBridge& bridge) 
 }
 
 }  // namespace
-
-Block blockOf(int owner, std::uint32_t write) {
-  Block block{static_cast<std::uint8_t>(owner)};
-  for (std::size_t i = 1; i < headSize; ++i) {
-    block[i] = static_cast<std::uint8_t>(write >> (8 * (i - 1)));
-  }
-  for (std::size_t i = headSize; i < block.size(); ++i) block[i] = patternAt(i, owner, write);
-  return block;
-}
-
-std::uint16_t addressOf(int owner) {
-  constexpr int distance = 64;
-  return static_cast<std::uint16_t>(owner * distance);
-}
-
-std::optional<std::uint32_t> writeIn(const Block& block, int owner) {
-  std::uint32_t write = 0;
-  for (std::size_t i = headSize; i-- > 1;) write = write << 8 | block[i];
-  if (block != blockOf(owner, write)) return std::nullopt;
-  return write;
-}
 
 Shared& shared() {
   static Shared* const memory = [] {
@@ -72,18 +61,17 @@ bool readAndCheck(int owner, std::size_t bridge) {
   auto subAddress = subAddressOf(owner, bridges[bridge]);
   Block block{};
   if (etLib2_I2cRead_DevNum(static_cast<std::uint32_t>(bridge), eeprom, 2, subAddress.data(),
-                            blockSize, block.data()) != 0) {
+                            sizeof block, bytesOf(block)) != 0) {
     return false;
   }
-  const auto found = writeIn(block, owner);
-  const bool erased =
-      std::all_of(block.begin(), block.end(), [](auto byte) { return byte == 0xFF; });
-  if (!found) {
+  const std::uint32_t write = block[0] / ownerCount;
+  if (block != blockOf(owner, write)) {
+    const bool erased = std::ranges::count(block, 0xFFFFFFFF) == std::ssize(block);
     if (!erased || confirmed != 0) report("torn bytes", owner, bridge, block[0]);
-  } else if (*found < confirmed) {
-    report("an older write", owner, bridge, *found);
-  } else if (*found > record.tried[bridge]) {
-    report("a write from nowhere", owner, bridge, *found);
+  } else if (write < confirmed) {
+    report("an older write", owner, bridge, write);
+  } else if (write > record.tried[bridge]) {
+    report("a write from nowhere", owner, bridge, write);
   }
   return true;
 }
@@ -92,9 +80,9 @@ bool writeAndCheck(int owner, std::size_t bridge) {
   Owner& record = shared().owners[owner];
   const std::uint32_t write = ++record.tried[bridge];
   auto subAddress = subAddressOf(owner, bridges[bridge]);
-  const Block block = blockOf(owner, write);
+  Block block = blockOf(owner, write);
   if (etLib2_I2cWrite_DevNum(static_cast<std::uint32_t>(bridge), eeprom, 2, subAddress.data(),
-                             blockSize, block.data()) != 0) {
+                             sizeof block, bytesOf(block)) != 0) {
     Sleep(lateWorker_ms);
     return false;
   }
