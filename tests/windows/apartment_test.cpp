@@ -1,4 +1,4 @@
-// The application's COM apartment outlasts whatever the DLL does on its thread.
+// The application's COM apartment survives all that the DLL does on its thread.
 #include <objbase.h>
 
 #include <optional>
@@ -23,7 +23,7 @@ void callAllThatUseCom() {
   GetVideoProcAmpValueRange(&property, &bound, &bound, &bound, &bound);
 }
 
-// Whether the thread is still in the apartment that it entered once, and in no other.
+// Whether the thread is still in this apartment.
 bool staysIn(DWORD apartment) {
   if (CoInitializeEx(nullptr, apartment) != S_FALSE) return false;
   CoUninitialize();

@@ -1,5 +1,5 @@
-// The DLL and bridge cameras through the system's own DirectShow and kernel streaming: simulated
-// cameras registered as video inputs.
+// The DLL and bridge cameras through the system's DirectShow and kernel streaming; the simulated
+// cameras are registered as video inputs.
 #include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"

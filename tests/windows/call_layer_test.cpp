@@ -1,4 +1,4 @@
-// The call layer over real threads and COM. Linked with the library's parts: the DLL does not
+// The call layer with real threads and COM. Linked with the library's parts, since the DLL does not
 // export it.
 #include "etlib2/etLib2.h"
 
@@ -55,7 +55,7 @@ TEST(CallLayer, LateAnswerCostsItsLimit) {
   const ULONGLONG taken = GetTickCount64() - start;
   EXPECT_GE(taken, 480u);
   EXPECT_LT(taken, 850u);
-  etLib2_Release();  // while the worker is still at it
+  etLib2_Release();  // while the worker is still running
   Sleep(2500);
 }
 

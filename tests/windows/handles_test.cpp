@@ -1,7 +1,7 @@
-// What calls leave behind: every export is called again and again on one kind of camera, and the
-// process's handles, threads and heap may grow only by what is left open on purpose. For each
-// export 1,000 calls, or as many as fit into its time: QVX_MS_PER_EXPORT in the environment. The
-// suite says how many there were.
+// Leaks: every export is called repeatedly on one kind of camera, and the process's handles,
+// threads and heap may grow only by what is left open on purpose. Each export is called 1,000
+// times, or as often as its time permits: QVX_MS_PER_EXPORT in the environment. The suite prints
+// the number.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -17,8 +17,8 @@ namespace qvx::tests {
 namespace {
 
 constexpr int firstCalls = 2, minCalls = 4, maxCalls = 1000;
-constexpr int maxHandles = 1000;  // that one export may leave: connections are files of the host
-constexpr int slackHandles = 3, slackBytes = 256;  // what the system's libraries keep for a while
+constexpr int maxHandles = 1000;  // left open by one export: connections are files of the host
+constexpr int slackHandles = 3, slackBytes = 256;  // kept temporarily by system libraries
 constexpr int wifiIndex = 90;
 constexpr char stillName[] = "qvx-handles.jpg";
 
@@ -27,15 +27,15 @@ ULONGLONG limit_ms() {
   return text == nullptr ? 100 : std::strtoull(text, nullptr, 10);
 }
 
-// What one call leaves open on purpose.
+// What a call leaves open on purpose.
 struct Kept {
   const char* name;
   int handles = 0;  // of the kernel, at most
   int minHeapBytes = 0, maxHeapBytes = 0;
 };
 
-// A read over Wi-Fi keeps its session and its request, with the connection if that is not closed
-// yet. A command whose answer is not read keeps its request.
+// A read over Wi-Fi leaves its session and request open, and the connection if that is not closed
+// yet. A command whose answer is not read leaves its request open.
 constexpr Kept overWifi(const char* name, int reads, int unread = 0) {
   constexpr int handlesPerRead = 2, minPerRead = 9000, maxPerRead = 12000;  // bytes
   constexpr int minPerCommand = 100, maxPerCommand = 200;
@@ -43,8 +43,8 @@ constexpr Kept overWifi(const char* name, int reads, int unread = 0) {
           maxPerRead * reads + maxPerCommand * unread};
 }
 
-// A picture property of a USB camera keeps four objects of the capture driver, of these sizes when
-// the driver is that of the simulated cameras.
+// Access to a picture property of a USB camera leaves four objects of the capture driver open; the
+// sizes are those of the simulated cameras' driver.
 constexpr Kept picture(const char* name) {
   constexpr int handles = 3, minBytes = 450, maxBytes = 600;
   return {name, handles, minBytes, maxBytes};
@@ -101,7 +101,7 @@ Arguments argumentsFor(const std::string& name, int index) {
   return arguments;
 }
 
-// Says how often it was called and what a call left.
+// Returns a line with the number of calls and what they left open.
 std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kept) {
   const bool opens = std::strcmp(call.name, "Init") == 0;
   const Arguments arguments = argumentsFor(call.name, std::max(chosenIndex, 0));
@@ -109,7 +109,7 @@ std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kep
     if (opens) SetVideoDeviceIndex(chosenIndex);
     call.call(arguments);
   };
-  for (int i = 0; i < firstCalls; ++i) once();  // whatever is set up once
+  for (int i = 0; i < firstCalls; ++i) once();  // one-time initialisation
   const Resources before = resources();
   const ULONGLONG end = GetTickCount64() + limit_ms();
   int calls = 0;
@@ -119,7 +119,7 @@ std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kep
     ++calls;
   }
   Resources left = resources() - before;
-  // On a busy machine a worker may come late; it ends a moment after its call.
+  // On a busy machine a worker may exceed its limit and end shortly after its call.
   for (int i = 0; i < 40 && left.threads > 0; ++i) {
     Sleep(50);
     left = resources() - before;
@@ -134,11 +134,11 @@ std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kep
   return line;
 }
 
-// On the camera of that index, -1 for the automatic choice.
+// On the camera with that index; -1: automatic choice.
 void callEverything(int chosenIndex, std::span<const Kept> rows) {
   const NoPauses quick;
   std::string report;
-  testing::internal::CaptureStdout();  // the DLL prints what it finds
+  testing::internal::CaptureStdout();  // the DLL prints what it finds on USB 3
   for (const ExportedCall& call : everyExport()) {
     const bool elsewhere = chosenIndex != wifiIndex && std::strcmp(call.name, "GetWiFiImage") == 0;
     if (!elsewhere) report += callOften(call, chosenIndex, keptBy(call.name, rows));

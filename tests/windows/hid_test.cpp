@@ -1,6 +1,6 @@
 // The DLL and bridge cameras through the system's own HID stack: simulated devices of a minidriver.
 #include <windows.h>
-// mingw-w64's HID headers follow windows.h and do not say that the library is C.
+// mingw-w64's HID headers depend on windows.h and lack extern "C".
 extern "C" {
 #include <hidsdi.h>
 }
@@ -39,7 +39,7 @@ TEST(HidCamera, OlderFirmwareIsUnderstood) {
   }
 }
 
-// Devices seem to have capabilities of every kind; what is asked for one of them can fail.
+// Devices claim capabilities of every kind; one chosen query for them fails.
 struct Query {
   HIDP_REPORT_TYPE type;
   bool buttons;

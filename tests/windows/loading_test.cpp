@@ -1,5 +1,5 @@
-// The DLL by itself: a machine without any camera, and where it looks for the driver's library.
-// What an earlier suite has left plugged in goes first.
+// The DLL on a machine without any camera, and its search for libusbK.dll. Cameras left behind by
+// an earlier suite are unplugged first.
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -31,7 +31,7 @@ TEST(NoCamera, InitFailsAndTheLibraryStaysUsable) {
   }
 }
 
-// Writes so many bytes into eight.
+// Writes that many bytes into a buffer of eight.
 [[gnu::noinline]] void overrun(std::size_t count) {
   char bytes[8];
   volatile char* volatile at = bytes;
@@ -43,7 +43,7 @@ TEST(NoCamera, InitFailsAndTheLibraryStaysUsable) {
   std::puts(copy);
 }
 
-// This program is built with the checks that the DLL has.
+// This program is built with the same run-time checks as the DLL.
 TEST(RuntimeChecks, EndTheProcessAtAnOverrun) {
   constexpr int stackBufferOverrun = static_cast<int>(0xC0000409);
   overrun(8);
@@ -52,7 +52,7 @@ TEST(RuntimeChecks, EndTheProcessAtAnOverrun) {
               "");
 }
 
-// The stand-in lies in a folder that is neither the application's nor the library's.
+// The stand-in is in a folder that is neither the application's nor the library's.
 TEST_F(LibusbK, IsLoadedFromTheLibrarysFolderThenFromSystem32AndNeverFromTheCurrentOne) {
   inChild([this] {
     const auto standIn = applicationFolder() / L"usb3" / usbLibrary;

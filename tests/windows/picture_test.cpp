@@ -1,4 +1,4 @@
-// The DLL and the picture properties of USB cameras through the system's own DirectShow.
+// The DLL and the picture properties of USB cameras through the system's DirectShow.
 #include <array>
 
 #include "tests/windows/fixtures/simulated_cameras.h"

@@ -1,7 +1,7 @@
-// The simulator as a process of its own beside applications: what they share through it, and what
-// they see when it dies or hangs.
+// The simulator as a process beside applications: what they share through it, and what they see
+// when it dies or hangs.
 #include <windows.h>
-// The system's other headers follow windows.h.
+// This header depends on windows.h.
 #include <winternl.h>
 
 #include <string>
@@ -101,7 +101,7 @@ TEST(SimulatorRuns, PassOnExitCodesAndTidyUp) {
 
 class Camera : public testing::TestWithParam<std::string> {
  protected:
-  // Whatever comes of the calls, they come back.
+  // The calls return in time, whatever their results.
   static void callInTime() {
     const ULONGLONG start_ms = GetTickCount64();
     GetConfig(0);

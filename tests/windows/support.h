@@ -1,4 +1,4 @@
-// What the suites that drive QVX64.dll itself share.
+// Helpers of the suites that drive QVX64.dll itself.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 
 namespace qvx::tests {
 
-// Dispatches the calling thread's messages for so long, as an application's main loop does.
+// Dispatches the calling thread's messages for that time, like an application's main loop.
 inline void pumpMessages(DWORD milliseconds) {
   const ULONGLONG end = GetTickCount64() + milliseconds;
   for (;;) {
@@ -23,8 +23,7 @@ inline void pumpMessages(DWORD milliseconds) {
   }
 }
 
-// A string that the library allocated for the caller. It comes from the library's own heap and is
-// never freed.
+// Copies a string that the library returned. The original is on the library's heap and never freed.
 inline std::wstring copyOf(const wchar_t* text) {
   return text == nullptr ? L"(null)" : text;
 }
@@ -35,7 +34,7 @@ inline void openCamera(int index) {
   ASSERT_EQ(GetVideoDeviceIndex(), index);
 }
 
-// Dispatches messages until the condition holds, at most for that time.
+// Dispatches messages until the condition holds, but not longer than the limit.
 template <class Condition>
 bool eventually(DWORD limit_ms, Condition condition) {
   const ULONGLONG end = GetTickCount64() + limit_ms;

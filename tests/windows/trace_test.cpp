@@ -1,5 +1,6 @@
-// The trace's file as the system has it. The variable is read once in a process, so every trace is
-// written by children: this program again, with the number of calls that each of its threads makes.
+// The trace as a file of the system. A process reads the variable only once, so every trace is
+// written by child processes: this program, with the number of calls of each of its threads as
+// argument.
 #include <algorithm>
 #include <deque>
 #include <filesystem>
@@ -28,7 +29,7 @@ void callFromThreads(int calls) {
   for (std::thread& thread : threads) thread.join();
 }
 
-// Whether that many children at the same time made all their calls.
+// Whether that many concurrent children completed all their calls.
 bool run(int children, int calls, const fs::path& trace) {
   SetEnvironmentVariableW(L"QVX64_TRACE", trace.c_str());
   std::deque<Process> processes;
@@ -72,10 +73,10 @@ TEST_F(TraceFile, KeepsTheLinesOfProcessesAndThreadsWhole) {
   EXPECT_EQ(headers, children);
 }
 
-// What stands in the way ends the trace, never a call.
+// An obstacle ends the trace, but no call fails.
 TEST_F(TraceFile, IsGivenUpWhereItCannotBeWritten) {
   EXPECT_TRUE(run(1, 5, folder / L"none" / L"camera.trace"));
-  EXPECT_TRUE(run(1, 5, folder));  // a folder is no file
+  EXPECT_TRUE(run(1, 5, folder));  // a folder, not a file
 
   const auto opened = [this](DWORD share) {
     return CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, share, nullptr, OPEN_ALWAYS, 0,
@@ -100,7 +101,7 @@ int main(int argc, char** argv) {
   if (argc == 3 && std::string(argv[1]) == "--calls") {
     SetLastError(4711);
     SetVideoDeviceIndex(0);
-    if (GetLastError() != 4711) return 1;  // nobody is to notice that a trace is written
+    if (GetLastError() != 4711) return 1;  // tracing must not change the last error
     qvx::tests::callFromThreads(std::stoi(argv[2]));
     return 0;
   }

@@ -1,7 +1,8 @@
-// How the DLL leaves: it stays loaded whoever frees it, and nothing of an open camera runs when the
-// process ends. The program is not linked with the DLL, and ends in other processes of itself.
+// Unloading: the DLL stays loaded when it is freed, and it does not touch an open camera when the
+// process ends. The program is not linked with the DLL; the ends of processes are tested in child
+// processes.
 #include <windows.h>
-// The system's other headers follow windows.h.
+// These headers depend on windows.h.
 #include <objbase.h>
 #include <wininet.h>
 
@@ -53,7 +54,8 @@ HINTERNET WINAPI countPoll(LPCWSTR, DWORD, LPCWSTR, LPCWSTR, DWORD) {
   return nullptr;
 }
 
-// A call into what is no longer there would go unnoticed: the system catches its fault.
+// A crash in unloaded code would go unnoticed, since the system catches exceptions of timers; so
+// the polls are counted.
 TEST(Unloading, OnAnotherThreadLeavesTimersThatRun) {
   const HMODULE library = LoadLibraryW(name);
   exported<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(90);
@@ -74,7 +76,8 @@ BOOL WINAPI tellOfRelease(HANDLE) {
   return TRUE;
 }
 
-// The process of its own. What opened the cameras has a handle: whoever destroys it closes that.
+// The body of the child process. The object that has opened the cameras owns a handle, which its
+// destructor would close.
 int openABridgeAndEnd(unsigned ending) {
   const HMODULE library = LoadLibraryW(name);
   exported<decltype(SetVideoDeviceIndex)>("SetVideoDeviceIndex")(0);

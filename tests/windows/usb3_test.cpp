@@ -1,4 +1,4 @@
-// The DLL and a USB 3 camera through libusbK.dll, here the stand-in beside this program.
+// The DLL and a USB 3 camera through libusbK.dll, here the stand-in beside the test program.
 #include "tests/windows/fixtures/library_copy.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"

@@ -1,8 +1,8 @@
-// The video of a simulated USB camera as applications get it: through a graph with a sample
-// grabber.
+// The video of a simulated USB camera as applications receive it: through a filter graph with a
+// sample grabber.
 #include <gtest/gtest.h>
 
-// After what it needs.
+// After the header that it depends on.
 #include <windows.h>
 #include <dshow.h>
 #include <qedit.h>
@@ -35,7 +35,7 @@ ComPtr<Interface> create(REFCLSID id) {
   return object;
 }
 
-// Keeps the last picture that came.
+// Keeps the last frame received.
 class Catcher final : public simulator::ComObject<ISampleGrabberCB> {
  public:
   STDMETHODIMP SampleCB(double, IMediaSample*) override { return E_NOTIMPL; }
@@ -47,7 +47,8 @@ class Catcher final : public simulator::ComObject<ISampleGrabberCB> {
     return S_OK;
   }
 
-  // The one after the next: the next may have been made before the call. Empty when none comes.
+  // Waits for the frame after the next one, which may have been rendered before the call. Empty if
+  // none comes.
   Frame await() {
     std::unique_lock lock(guard_);
     const int wanted = count_ + 2;
@@ -80,7 +81,7 @@ struct Apartment {
   ~Apartment() { CoUninitialize(); }
 };
 
-// From a camera through a grabber into nothing.
+// Camera, sample grabber, null renderer.
 class Graph {
  public:
   Graph()
@@ -180,7 +181,7 @@ TEST_F(Video, ComesInTheSizesOfTheModel) {
     CoTaskMemFree(type);
     ASSERT_TRUE(SUCCEEDED(graph.run()));
     EXPECT_EQ(graph.await().size(), 2U * static_cast<ULONG>(size.cx * size.cy)) << size.cx;
-    // Without a stop: the graph goes in mid-stream.
+    // Not stopped: the graph is released while it streams.
   }
 }
 

@@ -1,5 +1,5 @@
-// The DLL and a Wi-Fi camera over real HTTP: a simulated camera 0x970 whose ring turns is switched
-// on while this runs.
+// The DLL and a Wi-Fi camera over real HTTP: a simulated camera 0x970 with a turning zoom ring is
+// running.
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,7 +12,7 @@ namespace {
 TEST(WifiCamera, IsOpenedAndMeasured) {
   openCamera(90);
   EXPECT_EQ(copyOf(GetDeviceId(90)), L"");
-  // The family of product id 0x970: pixels of 0.2744 * 2592 / 640.
+  // The pixel size of product id 0x970's family: 0.2744 * 2592 / 640.
   EXPECT_NEAR(FOVx(90, 1.0), 352000 * 0.2744 * 2592 / 640, 0.01);
 
   const double first = GetMAG(90);
@@ -39,7 +39,7 @@ TEST(WifiCamera, ButtonIsPolledWithoutHarm) {
   EXPECT_EQ(presses, 1);
 }
 
-// The file's content, after which the file is gone.
+// Reads and deletes a file.
 std::string taken(const wchar_t* path) {
   std::ifstream file(std::filesystem::path(path), std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
@@ -53,7 +53,7 @@ TEST(WifiCamera, StillsComeWholeAndInTheChosenSize) {
   std::size_t last = SIZE_MAX;
   for (const auto& [width, height] : {std::pair{1280, 960}, std::pair{640, 480}}) {
     EXPECT_TRUE(SetWiFiVideoRes(width, height));
-    std::ofstream("qvx-still-\u00E4.jpg") << std::string(1 << 20, 'x');  // is replaced
+    std::ofstream("qvx-still-\u00E4.jpg") << std::string(1 << 20, 'x');  // must be replaced
     EXPECT_TRUE(GetWiFiImage("qvx-still-\xE4.jpg"));
     const std::string still = taken(L"qvx-still-\u00E4.jpg");
     EXPECT_TRUE(still.starts_with("\xFF\xD8"));
@@ -64,7 +64,7 @@ TEST(WifiCamera, StillsComeWholeAndInTheChosenSize) {
   EXPECT_FALSE(GetWiFiImage("no-such-folder\\still.jpg"));
 }
 
-// A camera 0x970 on port 8080, and a camera 0x9E0 on port 8081.
+// With a camera 0x970 on port 8080 and a camera 0x9E0 on port 8081.
 TEST(TwoCameras, AreReachedAtTheirAddressesByOneProcess) {
   const auto fieldOfView = [](const wchar_t* address) {
     SetEnvironmentVariableW(L"QVX64_WIFI_CAMERA", address);
@@ -80,7 +80,7 @@ TEST(TwoCameras, AreReachedAtTheirAddressesByOneProcess) {
   EXPECT_EQ(fieldOfView(L"127.0.0.1:8081"), ofOther);
 }
 
-// Whatever else it answers, or nothing.
+// With a camera whose answers are faulty or missing.
 TEST(StrangeCamera, NeitherHangsNorBreaksTheLibrary) {
   SetVideoDeviceIndex(90);
   const ULONGLONG start = GetTickCount64();

@@ -1,7 +1,7 @@
-// Two processes drive the same bridges over the system's HID stack while they are killed in the
-// middle of their transfers and started anew. Linked with the library's parts: the call layer is
-// what takes calls from any thread. QVX_SECONDS and QVX_SEED in the environment change how long and
-// how.
+// Two processes use the same bridges over the system's HID stack while they are killed during
+// transfers and restarted. Linked with the library's parts, because only the call layer is
+// thread-safe. QVX_SECONDS and QVX_SEED in the environment set the duration and the random
+// sequence.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -37,8 +37,8 @@ class TwoProcesses : public testing::Test {
         Process::again(L"--work " + std::to_wstring(number) + L" " + std::to_wstring(random_())));
   }
 
-  // Kills one after another, mostly at work and sometimes while it starts; longer if by then no
-  // transfer was cut off or an owner has not succeeded.
+  // Kills and restarts processes, mostly at work and sometimes during their start. Goes on until a
+  // transfer was cut off and every owner has succeeded.
   void disturb(SimulatedCameras& cameras, unsigned seconds) {
     constexpr unsigned maxPause_ms = 500, oneInSo = 5;
     const ULONGLONG start = GetTickCount64();
@@ -65,7 +65,7 @@ class TwoProcesses : public testing::Test {
     }
   }
 
-  // Every call takes 1.5 s at most, and a process that starts soon gets its turn.
+  // A call takes at most 1.5 s, and a starting process opens the bridges soon.
   static void expectNobodyHangs() {
     constexpr ULONGLONG limit_ms = 15000;
     for (int owner = 0; owner < ownerCount; ++owner) {
@@ -90,9 +90,9 @@ class TwoProcesses : public testing::Test {
     std::printf("%u kills; %u calls succeeded, %u came too late\n", kills_, succeeded, late_);
   }
 
-  // A transfer that was cut off is dropped when the next one begins. A chip whose generation is
-  // told too late is taken for one of the first, which has a switch of the bus in register 6.
-  // Nothing else may be wrong.
+  // A transfer that was cut off is dropped when the next one starts. A chip that reports its
+  // generation too late is taken for generation 0, which has a bus switch in register 6. No other
+  // violations are allowed.
   void expectOnlyCutTransfers(SimulatedCameras& cameras) const {
     unsigned cut = 0;
     for (std::size_t bridge = 0; bridge < bridgeCount; ++bridge) {

@@ -13,9 +13,9 @@ namespace qvx::tests {
 namespace {
 
 constexpr std::uint32_t eeprom = 0xA0;
-constexpr DWORD lateWorker_ms = 2000;  // a worker that its caller has left is done by then
+constexpr DWORD lateWorker_ms = 2000;  // a late access has ended by then
 
-// An owner's data in each EEPROM. The first word names the owner and the write, the others follow
+// An owner's data in each EEPROM. The first word identifies owner and write; the others are derived
 // from it.
 using Block = std::array<std::uint32_t, 6>;
 
@@ -99,7 +99,7 @@ bool askIdentity(int owner, std::size_t bridge) {
   return true;
 }
 
-// The answer repeats the function that was asked for.
+// The reply repeats the requested function.
 bool askCommand(int owner, std::size_t bridge) {
   if (!bridges[bridge].takesCustomCommands) return askIdentity(owner, bridge);
   const auto function = static_cast<std::uint8_t>(owner % 2 == 0 ? 0xF2 : 0xF3);
@@ -111,13 +111,13 @@ bool askCommand(int owner, std::size_t bridge) {
   return true;
 }
 
-// Anybody may choose the bus, as long as all choose the same.
+// All owners select the same bus.
 bool chooseBus(int owner, std::size_t bridge) {
   etLib2_SelectI2cBus_DevNum(static_cast<std::uint32_t>(bridge), 1, 0);
   return askIdentity(owner, bridge);
 }
 
-// Who kills the test must not be left with its processes.
+// The processes end with the test even if it is killed.
 bool goesOn() {
   static const HANDLE parent = OpenProcess(SYNCHRONIZE, FALSE, shared().parent);
   return !shared().ends && WaitForSingleObject(parent, 0) == WAIT_TIMEOUT;
