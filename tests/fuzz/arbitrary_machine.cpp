@@ -30,16 +30,11 @@ void answer(Input& input, Room reply, std::uint8_t sent = 0) {
 // What it was sent last may come back.
 class MadeUpCamera final : public CameraPort {
  public:
-  // A bit for each property set that it supports.
+  // A bit for each property set that it supports: registers, commands, and the others.
   explicit MadeUpCamera(Input& input, int sets = 0) : input_(input), sets_(sets) {}
 
   bool supports(const PropertySetId& set) override {
-    constexpr const PropertySetId* known[] = {&bridgeRegisterSet, &bridgeCommandSet,
-                                              &bridgeVariant1Set};
-    for (unsigned i = 0; i < std::size(known); ++i) {
-      if (*known[i] == set) return (static_cast<unsigned>(sets_) >> i & 1) != 0;
-    }
-    return false;
+    return (sets_ & (set == bridgeRegisterSet ? 1 : set == bridgeCommandSet ? 2 : 4)) != 0;
   }
   bool setProperty(const PropertySetId&, std::uint32_t, Bytes bytes) override {
     sent_ = bytes[1 % bytes.size()];  // the first byte that is not a code

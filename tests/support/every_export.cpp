@@ -127,10 +127,6 @@ bool isFineRange(const Arguments&, const std::string& result) {
                                 range.at(2) <= range.at(1) && range.at(1) <= 1023);
 }
 
-bool isPictureRange(const Arguments&, const std::string& result) {
-  return result.starts_with("0 ");
-}
-
 bool areVideoModes(const Arguments&, const std::string& result) {
   const auto modes = numbersIn(result);
   const bool arePositive = std::all_of(modes.begin(), modes.end(), [](double n) { return n > 0; });
@@ -214,7 +210,6 @@ const ExportedCall table[] = {
     {.name = "GetVideoProcAmpValueRange",
      .call = pictureRange,
      .firstNumber = 1,
-     .allows = isPictureRange,
      .outcomes = {{.path = "Wifi", .healthy = "0 0 95 1 32", .dead = "0 -7 -7 -7 -7"},
                   {.healthy = "0 0 95 1 32",
                    .dead = "0 -7 -7 -7 -7",

@@ -1,5 +1,4 @@
-// The least of a Wi-Fi camera: it answers reads of controller registers, and everything else with
-// 0.
+// A minimal Wi-Fi camera: it answers reads of controller registers, and 0 to everything else.
 #pragma once
 
 #include <cstdio>

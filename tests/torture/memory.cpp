@@ -6,16 +6,10 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-// The sanitizer's own switch, which code compiled for it asks at every call.
-extern "C" int __asan_option_detect_stack_use_after_return;
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
-#else
-static int __asan_option_detect_stack_use_after_return;
-static std::size_t __sanitizer_get_current_allocated_bytes() {
-  return mallinfo2().uordblks;
-}
-#endif
+// The sanitizer's own switch, which code compiled for it asks at every call, and its counter: both
+// are missing in builds without it.
+extern "C" [[gnu::weak]] int __asan_option_detect_stack_use_after_return;
+extern "C" [[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes();
 
 namespace qvx::tests {
 
@@ -39,15 +33,13 @@ std::uint64_t MemoryFault::allocations() const {
 }
 
 std::uint64_t bytesAllocated() {
-  return __sanitizer_get_current_allocated_bytes();
+  const auto asan = &__sanitizer_get_current_allocated_bytes;
+  return asan == nullptr ? mallinfo2().uordblks : asan();
 }
 
-WatchedStack::WatchedStack() {
-  __asan_option_detect_stack_use_after_return = 1;
-}
-
-WatchedStack::~WatchedStack() {
-  __asan_option_detect_stack_use_after_return = 0;
+void watchStack(bool on) {
+  if (&__asan_option_detect_stack_use_after_return != nullptr)
+    __asan_option_detect_stack_use_after_return = on ? 1 : 0;
 }
 
 void* allocate(std::size_t size) {

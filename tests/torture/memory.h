@@ -20,14 +20,8 @@ class MemoryFault {
 // What all threads hold at the moment.
 std::uint64_t bytesAllocated();
 
-// As long as it lives, a write to the stack frame of a function that has returned is seen, as a
-// late worker might make one. Calls take twice as long.
-class WatchedStack {
- public:
-  WatchedStack();
-  ~WatchedStack();
-  WatchedStack(const WatchedStack&) = delete;
-  WatchedStack& operator=(const WatchedStack&) = delete;
-};
+// Whether a write to the stack frame of a function that has returned is seen, as a late worker
+// might make one. Calls take twice as long.
+void watchStack(bool on);
 
 }  // namespace qvx::tests

@@ -60,8 +60,6 @@ std::span<const ExportedCall> everyCall() {
 }
 
 Rig::Rig(const Path& path) : path_(&path) {
-  resetLibrary();
-  simulator::resetWorld();
   plug();
   machine().keepsJournal = false;
   machine().workersInline = true;

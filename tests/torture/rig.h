@@ -22,8 +22,8 @@ struct Path {
 
 std::span<const Path> everyPath();
 
-// A new machine with the library as just loaded and a camera plugged in. What the library prints is
-// swallowed.
+// A new machine with the library as just loaded and a camera plugged in, for as long as it lives.
+// What the library prints is swallowed.
 class Rig {
  public:
   explicit Rig(const Path& path);

@@ -16,7 +16,7 @@ using simulator::Clock;
 using simulator::Fault;
 using simulator::OpenCounts;
 
-constexpr std::uint64_t mostGrowth_bytes = 16 * 1024;
+constexpr std::uint64_t maxGrowth_bytes = 16 * 1024;
 
 class Soak : public testing::TestWithParam<int> {
  protected:
@@ -27,7 +27,7 @@ class Soak : public testing::TestWithParam<int> {
   void expectFlat(std::uint64_t before_bytes) {
     const std::uint64_t after_bytes = bytesAllocated();
     std::printf("soak: %llu bytes before, %llu after\n", 0ULL + before_bytes, 0ULL + after_bytes);
-    EXPECT_LE(after_bytes, before_bytes + mostGrowth_bytes);
+    EXPECT_LE(after_bytes, before_bytes + maxGrowth_bytes);
   }
 
   Rig rig;

@@ -124,6 +124,8 @@ constexpr struct {
 // Each test goes through all calls, and stops a call at its first failures.
 class Torture : public testing::TestWithParam<Path> {
  protected:
+  ~Torture() override { watchStack(false); }
+
   const Path& path() { return GetParam(); }
 
   void forEveryCall(const auto& body) {
@@ -148,10 +150,10 @@ class Torture : public testing::TestWithParam<Path> {
     const Counts before = openNow();
     machine.stalled_ms = 0;
     machine.set(fault);
-    {
-      const WatchedStack watched;
-      checkResult(rig.call(*call), fault);
-    }
+    watchStack(true);
+    const std::string result = rig.call(*call);
+    watchStack(false);
+    checkResult(result, fault);
     checkCost(machine.clock.now_ms() - start_ms - machine.stalled_ms, machine.operations() - start);
     machine.set({});
     machine.plugIn();
@@ -280,7 +282,7 @@ TEST_P(Torture, MemoryRunsOut) {
 
 // Everything at once, by chance; and a camera in order works after it.
 TEST_P(Torture, AnythingGoesWrong) {
-  const WatchedStack watched;
+  watchStack(true);
   constexpr int rounds = 60, callsPerRound = 50;
   std::mt19937 generator(path().pid);
   const auto dice = [&](unsigned sides) { return static_cast<unsigned>(generator() % sides); };
