@@ -226,7 +226,7 @@ TEST_F(EveryLedState, OfUsbCameras) {
   forEveryCamera(usbRules, [this](const Seen& seen) {
     const bool isUsb3 = seen.pid >= 0x9B0 && seen.pid <= 0x9BF;
     for (const int state : {0, 1, 2, 3}) {
-      if (state == 3 && seen.features != 0x01) continue;  // the longest way to nothing
+      if (state == 3 && seen.features != 0x01) continue;  // sends nothing anywhere
       if (bridge->chip.segmentMode()) plug(0x970);
       program(seen);
       nTmpIdx = 5;  // whoever was used last
