@@ -1,7 +1,5 @@
 #include "simulator/program/options.h"
 
-#include <httplib.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
@@ -42,12 +40,7 @@ class HelpFormat : public CLI::Formatter {
   std::string make_usage(const CLI::App*, std::string) const override { return usage; }
 };
 
-// These say what is wrong with a text; nothing when it is right.
-std::string notAnAddress(const std::string& text) {
-  in_addr address;
-  return inet_pton(AF_INET, text.c_str(), &address) == 1 ? "" : text + " is no IPv4 address";
-}
-
+// Says what is wrong with a camera; nothing when it is right.
 std::string notACamera(const std::string& text) {
   std::string problem;
   cameraDescriptionFrom(text, problem);
@@ -59,7 +52,7 @@ void takePage(const std::string& place, Options& options) {
   options.pageIsAsked = true;
   options.pageAddress = takePart(rest, ':');
   const auto port = numberFrom(rest, 0, 0xFFFF);
-  if (!port || !notAnAddress(options.pageAddress).empty()) {
+  if (!port || !CLI::ValidIPV4(options.pageAddress).empty()) {
     throw CLI::ValidationError("--page", place + " is no ADDRESS:PORT, such as 127.0.0.1:8064");
   }
   options.pagePort = static_cast<int>(*port);
@@ -83,7 +76,7 @@ void define(CLI::App& app, Options& options, std::vector<std::string>& cameras) 
   app.add_option("--address", options.address, "where Wi-Fi cameras listen (default 127.0.0.1)")
       ->option_text("IPV4")
       ->take_last()
-      ->check(notAnAddress);
+      ->check(CLI::ValidIPV4);
   app.add_flag("--unplug", options.unplug,
                "take out what a run that was killed has left\nplugged in");
 }

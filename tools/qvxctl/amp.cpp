@@ -59,7 +59,7 @@ void printAll(const Options& options) {
               text.empty() ? "This camera reports no picture properties." : text);
 }
 
-// Nothing is set that the camera would cut or refuse.
+// Values that the camera would clip or refuse are not sent.
 PropertySetting settingAfter(const Property& property, const std::optional<qvx_long>& value) {
   const std::string what = "amp: this camera's " + std::string(property.name);
   auto setting = settingOf(property);
@@ -87,7 +87,7 @@ std::optional<PropertySetting> settingOf(const Property& property) {
   PropertySetting setting{&property, -1, -1, -1, -1, -1};
   GetVideoProcAmpValueRange(&number, &setting.min, &setting.max, &setting.step,
                             &setting.defaultValue);
-  // The library's way to say that there is nothing; the variables were preset to the same.
+  // How the library reports a missing property; the variables have the same values beforehand.
   if (setting.min == -1 && setting.max == -1 && setting.step == -1) return std::nullopt;
   setting.value = GetVideoProcAmp(property.number);
   return setting;

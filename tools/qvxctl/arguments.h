@@ -1,5 +1,5 @@
-// What stands for a parameter of an export during a call, by its type: an argument of the command
-// line, or a variable that the export writes and the client prints.
+// Represents a parameter of an export during a call, by its type: an argument of the command line,
+// or a variable that the export writes and the client prints.
 #pragma once
 
 #include <algorithm>
@@ -19,10 +19,10 @@ struct Parameter {
   Parameter(const char* itsName, bool isRead = false) : name(itsName), read(isRead) {}
 
   std::string name;
-  bool read;  // a pointer to a number that the export reads
+  bool read;  // through a pointer to a number
 };
 
-// The library looks at this much of a narrow text, whatever its length.
+// The library always reads this many bytes of a narrow text.
 using TextBuffer = std::array<char, 256>;
 
 // A type as help shows it.
@@ -88,7 +88,7 @@ struct Argument<char*> {
         ->option_text(type)
         ->required()
         ->check([](const std::string& word) {
-          return ansi(word).size() < TextBuffer().size() ? "" : "too long";
+          return ansi(word).size() < TextBuffer().size() ? "" : "longer than 255 characters";
         });
   }
   char* pass() { return text.data(); }

@@ -65,7 +65,7 @@ int open(int index) {
 Camera describeCamera(int index) {
   Camera camera{index, {}, {}, {}};
   // In this order: GetVideoDeviceName leaves the library's paths in the system's order, in which
-  // the other functions would look up the wrong camera; GetDeviceId mends that.
+  // the other functions would look up the wrong camera; GetDeviceId restores the order.
   camera.name = index == QVX_WIFI_CAMERA ? "Wi-Fi camera" : taken(GetVideoDeviceName(index));
   camera.path = taken(GetDeviceId(index));
   camera.productId = productIdIn(camera.path);

@@ -18,8 +18,8 @@ namespace {
 constexpr wchar_t addressVariable[] = L"QVX64_WIFI_CAMERA";
 constexpr char defaultPort[] = ":8080";
 
-// What the library would not understand it ignores, and then looks for a camera elsewhere. A number
-// that is printed as it was read has no leading zeros.
+// Strict, because the library ignores an address that it does not understand, and then looks for a
+// camera elsewhere. Leading zeros show when the numbers are printed again.
 std::string notAnAddress(const std::string& text) {
   std::array<unsigned, 4> part{};
   unsigned port = 1;
@@ -37,7 +37,7 @@ void useAddress(const std::string& text) {
   SetEnvironmentVariableW(addressVariable, wide(text).c_str());
 }
 
-// As a full path, for the self-test changes the current folder.
+// As a full path, because the self-test changes the current folder.
 void useTrace(const std::string& text) {
   const std::wstring name = wide(text);
   std::wstring path(GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');

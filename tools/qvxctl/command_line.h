@@ -18,13 +18,13 @@ void describeHelp(CLI::App& app);
 // Options may stand before and after the command.
 void addOptions(CLI::App& app, Options& options);
 
-// Lets commands refuse the options of others; for when all commands have been added.
+// Makes commands refuse the options of others. To be called when all commands have been added.
 void reserveOptions(CLI::App& app);
 
 // Rewrites whole numbers, decimal or 0x..., as decimal ones: CLI11 reads 010 as octal.
 std::string inDecimal(const std::string& text);
 
-// CLI11's ranges let "nan" through. Says what is wrong; nothing about a finite number.
+// A check, because CLI11's ranges accept "nan": says what is wrong, nothing for a finite number.
 std::string notFinite(const std::string& text);
 
 // A whole number as an argument.

@@ -1,9 +1,9 @@
-#include <cstdio>
 #include <string>
 
 #include "cameras.h"
 #include "commands.h"
 #include "output.h"
+#include "presentation.h"
 #include "qvx64/api.h"
 
 namespace qvxctl {
@@ -23,12 +23,6 @@ constexpr struct {
     {QVX_FEATURE_7XXX, "7xxx family or newer"},
     {QVX_FEATURE_LIGHTING_BOARD, "register bit 0x01"},
 };
-
-std::string hexadecimal(qvx_long word) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%02lX", static_cast<unsigned long>(word));
-  return text;
-}
 
 }  // namespace
 

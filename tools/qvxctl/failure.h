@@ -1,4 +1,4 @@
-// How a run of the client can end.
+// How the client exits.
 #pragma once
 
 #include <stdexcept>

@@ -8,12 +8,13 @@ namespace qvxctl {
 
 namespace {
 
-// What a light is sent: the number of its quadrant, where it has some, and a value.
+// What is sent for a light: a value, and the number of a quadrant where there are quadrants.
 struct Setting {
   qvx_long quadrant, value;
 };
 
-// Up to 16 the segments of the ring, above that one value for each light and state.
+// Up to 16 the value selects segments of the ring; above, there is one value for each light and
+// state.
 std::string notASwitchValue(const std::string& text) {
   constexpr long step = 8;
   const long value = std::stol(text);

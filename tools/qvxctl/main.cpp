@@ -82,7 +82,7 @@ void run(CLI::App& app, std::vector<std::string> words) {
   } catch (const CLI::CallForVersion& version) {
     printLine(version.what());
   } catch (const CLI::ParseError& error) {
-    // A mistyped command is left over, while CLI11 finds that one is missing.
+    // For a mistyped command CLI11 only says that a command is missing.
     const std::vector<std::string> unknown = app.remaining();
     const std::string problem =
         unknown.empty() ? error.what() : "unexpected argument \"" + unknown.front() + '"';

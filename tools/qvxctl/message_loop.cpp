@@ -12,7 +12,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-// The console calls the handler on a thread of its own, with nothing but the kind of event.
+// Global, because the console calls the handler on a thread of its own and passes only the kind of
+// event.
 HANDLE stopRequested = nullptr;
 std::atomic<bool> stopping = false;
 
@@ -22,18 +23,19 @@ BOOL WINAPI onConsoleEvent(DWORD kind) {
   return SetEvent(stopRequested);
 }
 
-// One: where a camera answers slowly, the library's timers are due again as soon as they have run.
+// Only one message: with a slow camera, the library's timers are due again as soon as they have
+// run, and emptying the queue would never end.
 void dispatchMessage() {
   MSG message;
   if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
 }
 
-// In steps, because the system's longest finite wait is shorter than the longest limit.
+// In steps, because the system's maximum wait is shorter than the maximum limit.
 DWORD waitUntil(std::optional<Clock::time_point> deadline) {
-  constexpr double longestStep_ms = 60'000;
+  constexpr double maxStep_ms = 60'000;
   if (!deadline) return INFINITE;
   const Milliseconds left = *deadline - Clock::now();
-  return static_cast<DWORD>(std::clamp(left.count(), 0.0, longestStep_ms));
+  return static_cast<DWORD>(std::clamp(left.count(), 0.0, maxStep_ms));
 }
 
 }  // namespace

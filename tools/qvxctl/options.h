@@ -18,7 +18,7 @@ struct Options {
   bool withoutSerials = false;
   bool initFirst = false;
 
-  // The camera to open. Who gives the address of the Wi-Fi camera means that one.
+  // The camera to open. The address of the Wi-Fi camera selects that camera.
   int index() const { return device.value_or(wifiCamera ? QVX_WIFI_CAMERA : QVX_CHOOSE); }
 };
 

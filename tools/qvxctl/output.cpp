@@ -65,7 +65,7 @@ CapturedOutput::~CapturedOutput() {
 
 Utf8Console::Utf8Console() : earlierCodePage_(GetConsoleOutputCP()) {
   SetConsoleOutputCP(CP_UTF8);
-  // The runtime would hand an unbuffered console single bytes, and it shows them as such.
+  // Unbuffered, the runtime would write single bytes, which a console does not join to characters.
   std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
 }
 

@@ -13,13 +13,13 @@
 namespace qvxctl {
 
 // Prints a line and flushes it, so that a reader at the other end of a pipe has it at once.
-// Fails when nobody takes the output any more.
+// Fails when the output cannot be written, as to a pipe that was closed.
 void printLine(const std::string& line);
 
-// What a command found, in the form that was asked for.
+// Prints the result of a command as JSON or as text.
 void printResult(const Options& options, const Json::Value& json, const std::string& text);
 
-// A JSON object, written out: object({{"width", 640}, {"height", 480}}).
+// A JSON object: object({{"width", 640}, {"height", 480}}).
 Json::Value object(std::initializer_list<std::pair<const char*, Json::Value>> members);
 
 // Null when the text is empty.
@@ -28,7 +28,7 @@ Json::Value orNull(const std::string& text);
 // JSON in one line, in UTF-8.
 std::string lineOf(const Json::Value& json);
 
-// A remark to the user, in one line.
+// A message to the user, in one line.
 void note(const std::string& message);
 
 // While it lives, lines are kept instead of printed. One at a time.

@@ -30,13 +30,16 @@ void addTo(Json::Value& object, const Measurement& measurement) {
   object["field_of_view_um"] = taken ? measurement.fieldOfView_um : Json::Value();
 }
 
+std::string hexadecimal(qvx_long word) {
+  return formatted("0x%02lX", static_cast<unsigned long>(word));
+}
+
 std::string nameText(const Camera& camera) {
   return camera.name.empty() ? "(no name)" : camera.name;
 }
 
 std::string productIdText(const Camera& camera) {
-  return camera.productId ? formatted("0x%X", static_cast<unsigned>(*camera.productId))
-                          : "not told";
+  return camera.productId ? formatted("0x%X", static_cast<unsigned>(*camera.productId)) : "unknown";
 }
 
 std::string magnificationText(const Measurement& measurement) {

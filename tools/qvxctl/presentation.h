@@ -13,6 +13,7 @@ namespace qvxctl {
 Json::Value jsonOf(const Camera& camera);
 void addTo(Json::Value& object, const Measurement& measurement);
 
+std::string hexadecimal(qvx_long word);
 std::string nameText(const Camera& camera);
 std::string productIdText(const Camera& camera);                // "0x970"
 std::string magnificationText(const Measurement& measurement);  // "x 63.40"

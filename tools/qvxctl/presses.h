@@ -1,4 +1,4 @@
-// Presses of the touch button. The library calls back without saying anything: they are counted.
+// Presses of the touch button. The callback has no parameters, so presses are counted.
 #pragma once
 
 namespace qvxctl {

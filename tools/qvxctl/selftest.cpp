@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 #include "cameras.h"
 #include "commands.h"
@@ -22,7 +21,7 @@ Findings testSelection(const Model& camera) {
           {"usb 3 cameras", Outcome::ok, "", std::to_string(GetVideoDeviceCount())}};
 }
 
-// Of the Wi-Fi camera the exports report none of these.
+// The exports report none of these for the Wi-Fi camera.
 Findings testIdentity(const Model& camera) {
   if (camera.device == QVX_WIFI_CAMERA)
     return {skipped("name"), skipped("path"), skipped("product id")};
@@ -34,9 +33,8 @@ Findings testIdentity(const Model& camera) {
 }
 
 Findings testFeatures(const Model& camera) {
-  char word[16];
-  std::snprintf(word, sizeof word, "0x%02lX", static_cast<unsigned long>(camera.features));
-  return {compared("feature word", camera.features == GetConfig(camera.device), "", word)};
+  return {compared("feature word", camera.features == GetConfig(camera.device), "",
+                   hexadecimal(camera.features))};
 }
 
 // The magnification first: it decides how some lenses are driven. The lights at the end: they would

@@ -30,7 +30,7 @@ const Control exposureTarget = {GetAETarget, SetAETarget, 0};
 const Control automaticExposure = {GetAutoExposure, SetAutoExposure, 0};
 const Control pictureProperty = {GetVideoProcAmp, SetVideoProcAmp, 0};
 
-// Sets each value and then the one from before, and reads after each.
+// Sets each value and finally the previous one, and reads after each.
 Finding setAndRestore(std::string step, const Control& control, int which,
                       std::vector<qvx_long> values) {
   values.push_back(control.get(which));
@@ -124,8 +124,8 @@ Findings testExposure(const Model& camera) {
   return {fixed ? finding : tried};
 }
 
-// Some models keep it as the power-line property, which can be restored; others are left to detect
-// the frequency, or at 50 Hz where they cannot.
+// Where the power-line property holds the setting, it is restored. Other cameras are left to detect
+// the frequency, or at 50 Hz if they cannot.
 Findings testFlicker(const Model& camera) {
   const qvx_long before = GetVideoProcAmp(QVX_POWER_LINE_FREQUENCY);
   if (camera.exposure.flicker == Flicker::none) return {skipped("flicker")};
@@ -141,7 +141,7 @@ Findings testPicture(const Model& /*camera*/) {
   return findings;
 }
 
-// The size from before is that of the first still.
+// The size of the first still is the one to restore.
 Findings testStills(const Model& camera) {
   const auto sizes = camera.device == QVX_WIFI_CAMERA ? sizesOffered() : std::vector<Size>();
   if (sizes.empty()) return {skipped("video modes"), skipped("still")};

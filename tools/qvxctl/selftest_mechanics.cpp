@@ -1,4 +1,4 @@
-// What moves, shines and is turned or touched.
+// Magnification, lens, lights and touch button.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -14,7 +14,7 @@ namespace qvxctl {
 
 namespace {
 
-// Each of the values in turn; the last one stays.
+// Sends the values in turn; the last one stays.
 Finding sendEach(const char* step, const Model& camera, void (*set)(int, qvx_long),
                  std::initializer_list<qvx_long> values) {
   std::string text;
@@ -28,7 +28,8 @@ Finding sendEach(const char* step, const Model& camera, void (*set)(int, qvx_lon
 }  // namespace
 
 // Init has measured once if the model reports its magnification; not every such model says so in
-// its feature word. Ends before the library's first mean, which is half of what it will be.
+// its feature word. The loop ends before the library's first mean,
+// which is half of what it should be.
 Findings testMagnification(const Model& camera) {
   if (!measure(camera.device).taken()) return {skipped("magnification")};
   MessageLoop().run(std::chrono::milliseconds(600), [] {});

@@ -38,7 +38,7 @@ std::string notAPictureName(const std::string& name) {
   return fits ? "" : "the name has characters beyond ISO 8859-1";
 }
 
-// Deletes what is left of it, before and after.
+// The partial file, which is deleted before and after.
 struct Part {
   explicit Part(const files::path& whole) : path(partOf(whole)) { remove(); }
   ~Part() { remove(); }

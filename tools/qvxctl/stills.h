@@ -5,7 +5,8 @@
 
 namespace qvxctl {
 
-// From its start marker to its end marker: the library does not tell when a camera stops half-way.
+// From its start marker to its end marker: the library does not report a camera that stops
+// half-way.
 bool isWholeJpeg(const std::filesystem::path& path);
 
 }  // namespace qvxctl

@@ -17,8 +17,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Two readings closer than this show as the same number. The mean that the library publishes every
-// fifth time differs from the readings by less, as long as the ring stands still.
+// Two readings closer than this are printed as the same number. While the ring stands still, the
+// mean that the library publishes on every fifth reading differs from the readings by less.
 constexpr double visibleChange = 0.01;
 
 std::string localTime() {
@@ -29,7 +29,7 @@ std::string localTime() {
   return text;
 }
 
-// Of the ISO form, in UTC.
+// ISO 8601, in UTC.
 std::string timestamp() {
   SYSTEMTIME now;
   GetSystemTime(&now);
@@ -57,7 +57,7 @@ std::string textLine(const Measurement& measurement) {
          leftPadded(fieldOfViewText(measurement), 9) + "  " + barOf(measurement.magnification);
 }
 
-// Every line of the output: an event with what belongs to it.
+// Prints each event as a line.
 class Events {
  public:
   explicit Events(const Options& options) : options_(options) {}
@@ -80,7 +80,7 @@ class Presence {
     if (!monitored_) note("whether this camera still answers cannot be found out");
   }
 
-  // Asks the camera when it matters, and otherwise now and then.
+  // Asks the camera when the answer is needed at once, and otherwise every few seconds.
   bool isThere(bool urgent) {
     constexpr std::chrono::seconds usually(3);
     const bool due = (urgent && there_) || Clock::now() - asked_ >= usually;

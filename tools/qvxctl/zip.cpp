@@ -31,7 +31,7 @@ void append(std::string& text, std::initializer_list<Field> fields) {
   }
 }
 
-// What a local header and an entry of the directory have in common; the time is that of 1980.
+// What a local header and an entry of the directory have in common; the date is the earliest, 1980.
 void appendDescription(std::string& text, const ZipEntry& entry) {
   constexpr std::size_t neededVersion = 10, firstDay = 1 << 5 | 1;
   const std::size_t size = entry.content.size();
