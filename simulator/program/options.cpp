@@ -119,7 +119,9 @@ std::string optionsFrom(std::span<const std::string> arguments, Options& options
   } catch (const CLI::CallForHelp&) {
     options.help = app.help();
   } catch (const CLI::ParseError& error) {
-    return std::string(error.what()) + "; see --help";
+    // The value of an unknown option would be taken for a camera.
+    const std::vector<std::string> unknown = app.remaining();
+    return (unknown.empty() ? error.what() : "unknown option " + unknown.front()) + "; see --help";
   }
   return {};
 }
