@@ -7,7 +7,7 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 # The checks work in optimised code only; what they call is ours (runtime_checks.cpp).
 set(qvx_hardening -fstack-protector-strong -ffunction-sections -fdata-sections
-                  -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+                  -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -Werror=date-time)
 add_compile_options(${qvx_hardening} $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
 add_link_options(-Wl,--dynamicbase,--high-entropy-va,--nxcompat -Wl,--gc-sections
                  -Wl,--no-insert-timestamp)

@@ -1,8 +1,15 @@
-# GoogleTest from Debian's sources, and one way to add a suite.
-set(INSTALL_GTEST OFF)
-add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+# GoogleTest, and one way to add a suite. Debian has it as source, for every compiler.
+set(googletest_source /usr/src/googletest)
+if(EXISTS ${googletest_source})
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(${googletest_source} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+  target_compile_options(gtest PRIVATE -O0 -g0 -fno-sanitize=all) # its own faults are not looked for
+else()
+  find_package(GTest REQUIRED)
+  add_library(gtest ALIAS GTest::gtest)
+  add_library(gtest_main ALIAS GTest::gtest_main)
+endif()
 include(GoogleTest)
-target_compile_options(gtest PRIVATE -O0 -g0 -fno-sanitize=all) # its own faults are not looked for
 
 # qvx_add_test_suite(<name> SOURCES <file>... [LIBS <target>...] [LABELS <label>]
 #                    [RESOURCE_LOCK <name>])

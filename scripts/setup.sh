@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that are missing: setup.sh [build | demo | test]
 # Each purpose includes the one before it; the default is test. Says nothing when all is there.
+# In MSYS2's mingw64 shell, pacman's packages, and only what a build needs.
 # jsoncpp and cpp-httplib come as Debian's source packages, too: the Windows build compiles them.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
@@ -10,8 +11,10 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcli11-dev libcpp-httplib-dev
   pkgconf googletest libjsoncpp-dev libjpeg-dev nasm dpkg-dev python3)
 demo=(iproute2 wine64)
-test=(ccache chromium chromium-driver clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev mono-mcs
+test=(ccache chromium chromium-driver clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev lld-14 mono-mcs
   mono-runtime python3-markdown-it python3-selenium shellcheck)
+# Everything installed there is found by CMake before a source would be looked for.
+msys2=(cmake ninja gcc pkgconf python gtest jsoncpp cpp-httplib libjpeg-turbo cli11)
 
 fail() {
   echo "setup: $1" >&2
@@ -90,6 +93,9 @@ fetch_node() {
   echo "setup: npm cannot fetch Node for Windows; its example is not tested"
 }
 
+if [ -n "${MINGW_PACKAGE_PREFIX:-}" ]; then
+  exec pacman -S --needed --noconfirm git "${msys2[@]/#/$MINGW_PACKAGE_PREFIX-}"
+fi
 command -v dpkg-query >/dev/null || fail "this is not Debian; the build needs: ${wanted[*]}"
 install_missing
 fetch_source libjsoncpp

@@ -30,17 +30,21 @@ stage_fuzz() { scripts/fuzz.sh 30 1; }
 
 # Under Wine, with the programs that use the installed package, and a camera beside it. Most of it is
 # waiting.
-stage_windows() { stage_build && build_and_test windows $((jobs + 1)); }
+stage_windows() { stage_build && build_and_test windows $((2 * jobs)); }
 
 stage_demo() { scripts/demo.sh; }
 
-# The documents' samples, tables and links.
-stage_docs() {
-  stage_build && build_preset native && scripts/docs/check.py
-}
+# The documents' samples, tables and links; samples in C++ are compiled by the stage `native`.
+stage_docs() { stage_build && scripts/docs/check.py; }
 
-# What is shipped, tried as its users do, and made once more in another folder.
-stage_package() { scripts/package.sh && scripts/package/reproduce.sh; }
+# What is shipped, tried as its users do, and linked and packed once more in another folder.
+stage_package() { scripts/package.sh && scripts/package/reproduce.sh --cached; }
+
+# By hand: everything for Windows by another compiler, each file by itself.
+stage_clang() { build_preset clang; }
+
+# By hand: the package compiled once more in another folder.
+stage_reproduce() { scripts/package/reproduce.sh; }
 
 # How many tests the log tells of, as "passed failed"; a stage without tests is one itself, and so is
 # a failure outside of them. A skipped test counts as neither.
@@ -99,9 +103,10 @@ for stage in "${stages[@]}"; do
 done
 scripts/setup.sh test || { echo "0 passed, 1 failed"; exit 1; }
 # What several presets compile alike is compiled once.
-export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=$PWD/build/ccache
-run_stages format scripts build native
-run_beside fuzz tsan package &
+export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+export CCACHE_DIR=$PWD/build/ccache CCACHE_BASEDIR=$PWD
+run_stages format scripts build
+run_beside native fuzz tsan package clang reproduce &
 run_stages windows demo docs # these wait more than they compute
 wait
 tell_results

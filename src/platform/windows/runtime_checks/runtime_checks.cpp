@@ -14,7 +14,7 @@ std::uintptr_t __stack_chk_guard = 0;
 
 // Before all other constructors: what runs before has no checks. From what differs at every load
 // and cannot be seen from outside; the byte that lies first is 0 and stops a text that runs over.
-[[gnu::constructor(101), gnu::no_stack_protector]] void startStackProtector() {
+__attribute__((constructor(101), no_stack_protector)) void startStackProtector() {
   FILETIME time;
   GetSystemTimeAsFileTime(&time);
   const std::uint64_t sources[] = {__rdtsc(), time.dwLowDateTime, GetCurrentProcessId(),
@@ -33,11 +33,11 @@ std::uintptr_t __stack_chk_guard = 0;
   __builtin_unreachable();
 }
 
-[[noreturn]] void __stack_chk_fail() {
+void __stack_chk_fail() {
   failFast(FAST_FAIL_STACK_COOKIE_CHECK_FAILURE);
 }
 
-[[noreturn]] void __chk_fail() {
+void __chk_fail() {
   failFast(FAST_FAIL_RANGE_CHECK_FAILURE);
 }
 
