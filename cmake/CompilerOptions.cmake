@@ -9,7 +9,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 add_library(qvx_options INTERFACE)
 target_compile_options(
   qvx_options
-  INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror
+  INTERFACE -Wall -Wextra -Wconversion -Werror
+            # In one piece clang finds the shadows of what another file names.
+            $<$<NOT:$<AND:$<BOOL:${CMAKE_UNITY_BUILD}>,$<CXX_COMPILER_ID:Clang>>>:-Wshadow>
             # The cameras' formulas are given operation by operation: none may be fused.
             -ffp-contract=off)
 
