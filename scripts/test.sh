@@ -30,7 +30,7 @@ stage_fuzz() { scripts/fuzz.sh 30 1; }
 
 # Under Wine, with the programs that use the installed package, and a camera beside it. Most of it is
 # waiting.
-stage_windows() { stage_build && build_and_test windows $((2 * jobs)); }
+stage_windows() { stage_build && build_and_test windows $((jobs + 3)); }
 
 stage_demo() { scripts/demo.sh; }
 

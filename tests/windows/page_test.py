@@ -4,6 +4,7 @@ page_test.py RUN-WINE SIMULATOR QVXCTL SCREENSHOT"""
 
 import http.client
 import json
+import os
 import pathlib
 import queue
 import signal
@@ -23,6 +24,7 @@ RUN_WINE, SIMULATOR, CLIENT = sys.argv[1:4]
 SCREENSHOT = pathlib.Path(sys.argv[4])
 LIMIT_S = 60  # on a machine that is busy
 PAGE = "127.0.0.1", 8064
+ADDRESS = os.environ.get("QVX64_WIFI_CAMERA", "127.0.0.1")  # where the library looks
 CAMERAS = {"wifi-0998": "90", "usb-09E4": "0"}  # and their device indexes
 FEWEST_FRAMES_PER_S = 5
 
@@ -160,21 +162,21 @@ def switches_a_fault_on(page):
     assert page.client("info").stdout != found
 
 
-def request(method, path, port=PAGE[1], body=None, **headers):
-    connection = http.client.HTTPConnection(PAGE[0], port, timeout=LIMIT_S)
+def request(method, path, place=PAGE, body=None, **headers):
+    connection = http.client.HTTPConnection(*place, timeout=LIMIT_S)
     connection.request(method, path, body, headers)
     return connection.getresponse().status
 
 
 def shows_violations(page):
-    assert request("GET", "/nonsense", 8080) == 404
+    assert request("GET", "/nonsense", (ADDRESS, 8080)) == 404
     Page.await_("the violation", lambda: any(
         "nonsense" in entry.text for entry in page.at("log").find_elements(By.CLASS_NAME, "wrong")))
 
 
 def refuses_other_pages(page):
     zoom = page.value("zoom")
-    change = "/cameras/wifi-0998", PAGE[1], '{"zoom": 20}'
+    change = "/cameras/wifi-0998", PAGE, '{"zoom": 20}'
     assert request("POST", *change) == 403
     assert request("POST", *change, Origin="http://elsewhere.example") == 403
     assert request("GET", "/cameras/events", Host="elsewhere.example:8064") == 403
@@ -200,7 +202,7 @@ CHECKS = {
 
 
 def main():
-    simulator = Program(SIMULATOR, "wifi:0998,zoom=63", "usb:09E4,zoom=63")
+    simulator = Program(SIMULATOR, "--address", ADDRESS, "wifi:0998,zoom=63", "usb:09E4,zoom=63")
     browser = open_browser()
     try:
         simulator.await_line(lambda line: line == "ready")

@@ -4,6 +4,7 @@ What it does against a camera's rules fails the test, as does an exit code that 
 """
 
 import concurrent.futures
+import os
 import pathlib
 import re
 import subprocess
@@ -15,15 +16,15 @@ ROOT = pathlib.Path(__file__).parents[2]
 BUILD = pathlib.Path(sys.argv[1])
 WINE = ROOT / "scripts/run-wine.sh"
 CLIENT = BUILD / "qvxctl.exe"
-SIMULATOR = ROOT / "build/simulator/qvx-simulator"
-PLUGS = BUILD / "qvx-simulator.exe"  # has cameras for every transport
+SIMULATOR = BUILD / "qvx-simulator.exe"
+ADDRESS = os.environ.get("QVX64_WIFI_CAMERA", "127.0.0.1")  # where the library looks
 SILENT_PORT, FIRST_PORT = 8079, 18080
 
 # How a client runs with a camera; "{}" is the product id and options.
 RUNS = {
     "none": [WINE, CLIENT],
-    "wifi": [SIMULATOR, "--no-page", "wifi:{}", "--", WINE, CLIENT],
-    **{usb: [WINE, PLUGS, "--no-page", usb + ":{}", "--", CLIENT] for usb in ("usb", "hid", "usb3")},
+    **{transport: [WINE, SIMULATOR, "--no-page", "--address", ADDRESS, transport + ":{}", "--", CLIENT]
+       for transport in ("wifi", "usb", "hid", "usb3")},
 }
 
 # A product id of each family, and those that are special within one.
@@ -68,7 +69,7 @@ COMMANDS = [
     ("usb:09A0", "exposure 5", 1, "fixed"),
     ("usb:0970", "report {folder}/Größe.zip --no-serials --json", 0, r'\{"file":".*Größe.zip"\}\n'),
     ("usb3:09B1", "ae --device 0 --json", 0, r'\{"automatic":true,"target":56\}\n'),
-    ("wifi:0998,fault=junk", "info --device 90", 1, "no camera answers at 127.0.0.1:8080"),
+    ("wifi:0998,fault=junk", "info --device 90", 1, f"no camera answers at {ADDRESS}:8080"),
     ("wifi:0998", "lens fine 5 --device 90", 1, "this camera has none"),
     ("wifi:0998,fault=half", "snapshot {folder}/still.jpg", 1, "no camera answers|no whole picture"),
     ("wifi:0998", "snapshot {folder}", 4, "cannot replace"),
@@ -124,7 +125,7 @@ def selftests_over_wifi():
     ports = {f"wifi:{pid}": FIRST_PORT + i for i, pid in enumerate(FAMILIES["wifi"].split())}
     plugged = [f"{camera},port={port}" for camera, port in ports.items()]
     with tempfile.TemporaryFile("w+") as said, concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
-        simulator = subprocess.Popen([SIMULATOR, "--no-page", *plugged], stdout=subprocess.PIPE,
+        simulator = subprocess.Popen([WINE, SIMULATOR, "--no-page", *plugged], stdout=subprocess.PIPE,
                                      stdin=subprocess.DEVNULL, stderr=said, text=True)
         while simulator.stdout.readline() not in ("ready\n", ""):
             pass
