@@ -16,8 +16,8 @@ namespace {
 constexpr std::uint64_t longStall_ms = 1000;  // two make up the time a camera access may take
 constexpr std::size_t readCapacity = 8192;
 
-// A few bytes say enough: the last of them fills the reply. One pattern stands for memory that is
-// exhausted on the way.
+// Four bytes of input make a reply: the last of them fills the rest. One pattern stands for memory
+// that is exhausted on the way.
 void answer(Input& input, Room reply, std::uint8_t sent = 0) {
   constexpr std::array<std::uint8_t, 4> exhausted = {0xFF, 0, 0xFF, 0};
   std::array<std::uint8_t, 4> head{};
@@ -27,7 +27,7 @@ void answer(Input& input, Room reply, std::uint8_t sent = 0) {
   std::copy_n(head.begin(), std::min(head.size(), reply.size()), reply.begin());
 }
 
-// What it was sent last may come back.
+// Replies with what the input says, sometimes with a byte that it was just sent.
 class MadeUpCamera final : public CameraPort {
  public:
   // A bit for each property set that it supports: registers, commands, and the others.
@@ -119,7 +119,7 @@ UsbDevice usbDevice(Input& input) {
   constexpr std::size_t textLengths[] = {4, 0, 255, 256, 1000};
   constexpr std::size_t pipeCounts[] = {2, 0, 1, 300};
   const auto text = [&] { return std::string(input.oneOf(textLengths), '%'); };
-  // In the order of the members, as the language has it.
+  // The input is read in the order of the members.
   UsbDevice device{input.oneIn(8) ? 0 : 0x3C7E,
                    productId(input),
                    text(),

@@ -1,5 +1,4 @@
-// A simulated machine on which every device answers what a stream of bytes says: a fuzzer's,
-// usually.
+// A simulated machine on which every device answers what the fuzzer's bytes say.
 #pragma once
 
 #include <thread>
@@ -18,7 +17,7 @@ class Machine {
   // Exchanges all devices; those in use stay as they are.
   void furnish();
 
-  // Whether devices are well, refuse, or do as the answers have it, from now on.
+  // Chooses whether devices from now on work, refuse, come late, or vary as the input says.
   void changeMood();
 
  private:

@@ -1,5 +1,5 @@
-// Sequences of calls on machines that answer whatever the fuzzer makes up. Sanitizers see what
-// breaks memory; here it is checked that results, times and open handles stay what they may be.
+// Sequences of calls on machines that answer whatever the fuzzer makes up. The sanitizers look for
+// memory errors; results, times and open handles are checked here.
 #include <array>
 #include <bit>
 #include <cstdio>

@@ -46,8 +46,8 @@ class ScriptedNode final : public simulator::CameraPort {
   }
 };
 
-// One camera at a time, at index 0 or over Wi-Fi; when it goes, it must have nothing to complain
-// of.
+// One camera at a time, at index 0 or over Wi-Fi; by the time it is unplugged it must not have seen
+// any violation.
 class CameraTest : public LibraryTest {
  protected:
   CameraTest() { s_mainhttp = cameraUrl; }
@@ -135,7 +135,7 @@ class CameraTest : public LibraryTest {
   }
 };
 
-// The lights' traffic; with the reads, and the switch between them, or without.
+// The lights' traffic, with or without the reads and the bus switches between them.
 enum class Reads { hidden, shown };
 
 class LightsTest : public CameraTest {

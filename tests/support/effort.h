@@ -1,5 +1,5 @@
-// How thorough the long tests are: usually a tenth of what they can be. QVX_EFFORT=10 in the
-// environment makes it all.
+// How thorough the long tests are: by default they run a tenth of their length, with QVX_EFFORT=10
+// in the environment all of it.
 #pragma once
 
 #include <cstdlib>

@@ -101,10 +101,6 @@ bool isPath(const Arguments& given, const std::string& result) {
   return namesDevice(given, result) && std::none_of(result.begin(), result.end(), isUpper);
 }
 
-bool isSwitch(const Arguments& given, const std::string& result) {
-  return result == (given.index == 1 ? "1" : "0");
-}
-
 // The first mean is of five samples that count as ten.
 bool isMagnification(const Arguments&, const std::string& result) {
   const double rate = std::stod(result);
@@ -161,7 +157,7 @@ const ExportedCall table[] = {
                   {.path = "9B0", .healthy = "203", .dead = "0"}}},
     {CALL(SetEventCallback, a.callback)},
     {CALL(FireEvent)},
-    {CALL(EnablePressKey, a.index), .firstNumber = 1, .allows = isSwitch},
+    {CALL(EnablePressKey, a.index), .firstNumber = 1, .min = 0, .max = 1},
     {CALL(GetMAG, a.index), .allows = isMagnification},
     {CALL(FOVx, a.index, a.magnification), .allows = isWidth},
     {CALL(SetLensInitPos, a.index)},

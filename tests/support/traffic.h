@@ -51,8 +51,8 @@ constexpr ShortForm shortForms[] = {
     {"usb 21 01 0304 0300 2: %x %x", 2, "w%02X=%02X"},
 };
 
-// How lights are told, seen as rules of lights are written: a switch or a level in decimal, p and P
-// for 50 and 100 ms, R80 for the bridge's register, the firmware's functions on or asked for.
+// Light commands in still shorter form: switches and levels in decimal, p and P for pauses of 50
+// and 100 ms, R80 for the bridge's register 0x80, F2 and F3 for the firmware's light functions.
 constexpr ShortForm lightForms[] = {
     {"p100", 0, "P"},
     {"p50", 0, "p"},

@@ -111,7 +111,7 @@ void Rig::plug() {
 }
 
 void Rig::choose() {
-  // A USB 3 camera alone is found by an automatic choice only.
+  // Without a bridge camera, only the automatic choice finds a USB 3 camera.
   SetVideoDeviceIndex(path_->kind == Path::usb3 ? -1 : path_->index());
 }
 

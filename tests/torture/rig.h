@@ -23,7 +23,7 @@ struct Path {
 std::span<const Path> everyPath();
 
 // A new machine with the library as just loaded and a camera plugged in, for as long as it lives.
-// What the library prints is swallowed.
+// What the library prints is discarded.
 class Rig {
  public:
   explicit Rig(const Path& path);
@@ -33,14 +33,14 @@ class Rig {
 
   simulator::World& machine() { return simulator::world(); }
 
-  // Chooses the camera, calls Init, and has the button polled.
+  // Chooses the camera, calls Init, and starts polling the button.
   void choose();
   std::string init();
 
   // Takes the camera away and plugs in another one, elsewhere.
   void change(const Path& path);
 
-  // One call, with the arguments that make it do most here.
+  // One call, with its busiest arguments.
   std::string call(const ExportedCall& exported);
 
   void setZoom(const simulator::ZoomMotion& motion);

@@ -40,7 +40,7 @@ constexpr struct {
 // Two timers: the button's one or two accesses, and two of the magnification.
 const Promise promiseOfTick = {.name = "Tick", .pauses_ms = 250, .accesses = 4};
 
-// How many calls were made with something wrong, told at the end.
+// How many calls were made with something wrong; printed at the end.
 class Points : public testing::Environment {
  public:
   void TearDown() override { std::printf("torture: %d points\n", count); }
@@ -53,7 +53,7 @@ bool isNamed(const ExportedCall& call, const char* name) {
   return call.name == std::string(name);
 }
 
-// A camera in order, and two calls in a row.
+// Two calls in a row on a healthy camera.
 struct Healthy {
   std::string first, second;
   Traffic firstTraffic, secondTraffic;
@@ -75,7 +75,7 @@ Counts operator-(Counts after, const Counts& before) {
   return after;
 }
 
-// As long as it lives, ready for the call itself.
+// A rig on which only the call itself remains to be made.
 class ReadyRig : public Rig {
  public:
   ReadyRig(const Path& path, const ExportedCall& call) : Rig(path) {
@@ -110,7 +110,7 @@ Healthy healthyCalls(const Path& path, const ExportedCall& call) {
   return healthy;
 }
 
-// Where a call after the fault may differ from one that never saw any: parts of names.
+// Where a call after the fault may differ from one that never saw any. Both are parts of names.
 constexpr struct {
   const char *path, *call;
 } remembered[] = {
@@ -173,7 +173,7 @@ class Torture : public testing::TestWithParam<Path> {
     if (fault.kind == Fault::unplugs) rig_.reset();  // one Init more: other samples to average
   }
 
-  // One Init serves many faults: a rig on which the call then went as on a new one is as good.
+  // Most time goes into Init: a rig is used again while the call behaves on it as on a new one.
   ReadyRig& readyRig() {
     ++Points::count;
     if (rig_ == nullptr) rig_ = std::make_unique<ReadyRig>(path(), *call);
@@ -215,8 +215,7 @@ class Torture : public testing::TestWithParam<Path> {
     }
   }
 
-  // Beyond what the system itself makes the caller wait. Requests are counted where there is no
-  // limit for an access.
+  // The system's own delays come on top. Requests are counted where an access has no time limit.
   void checkCost(std::uint64_t took_ms, std::uint64_t requests) {
     const Promise promise = isNamed(*call, "Tick") ? promiseOfTick : promiseOf(call->name);
     const auto& cost = costs[path().kind];
@@ -239,7 +238,7 @@ class Torture : public testing::TestWithParam<Path> {
   }
 };
 
-// Of long calls every operation only with all effort.
+// Every operation of a long call only with QVX_EFFORT=10; otherwise about 40 of them.
 TEST_P(Torture, EveryOperationGoesWrong) {
   constexpr std::uint64_t maxOperations = 40;
   forEveryCall([&] {
@@ -280,7 +279,7 @@ TEST_P(Torture, MemoryRunsOut) {
   });
 }
 
-// Everything at once, by chance; and a camera in order works after it.
+// Random calls with random faults; after them a healthy camera works again.
 TEST_P(Torture, AnythingGoesWrong) {
   watchStack(true);
   constexpr int rounds = 60, callsPerRound = 50;
