@@ -37,23 +37,22 @@ class Soak : public testing::TestWithParam<int> {
 // rest.
 class SoakTicks : public Soak {
  protected:
-  static constexpr int ticksPerPress = 8, releasedAt = 3;
-
   void press(int times) {
-    for (int i = 0; i < times * ticksPerPress; ++i) {
-      if (i % ticksPerPress == 0) rig.pressButton(true);
-      if (i % ticksPerPress == releasedAt) rig.pressButton(false);
+    for (int tick = 0; tick < times * ticksPerPress; ++tick) {
+      if (tick % ticksPerPress == 0) rig.pressButton(true);
+      if (tick % ticksPerPress == 3) rig.pressButton(false);
       rig.call(everyCall().back());
     }
   }
+
+  static constexpr int ticksPerPress = 8;
 };
 
 TEST_P(SoakTicks, KeepNothing) {
-  constexpr int warmUp = 100;
   const int presses = effort() * 12'500 / ticksPerPress;
   ASSERT_EQ(rig.init(), "1");
   rig.setZoom({1, 190, 7000});
-  press(warmUp);
+  press(100);  // whatever is set up once
   const std::uint64_t before_bytes = bytesAllocated(), requests = rig.machine().operations();
   OpenCounts expected = rig.machine().open;
   Rig::pressesTold = 0;
@@ -131,9 +130,8 @@ class SoakInit : public Soak {
 };
 
 TEST_P(SoakInit, LeavesWhatIsDocumented) {
-  constexpr int warmUp = 500;
   const int calls = effort() * 2'500;
-  for (int i = 0; i < warmUp; ++i) initSomewhere();
+  for (int i = 0; i < 500; ++i) initSomewhere();  // whatever is set up once
   const std::uint64_t before_bytes = bytesAllocated();
   for (int i = 0; i < calls && !HasFailure(); ++i) initSomewhere();
   expectFlat(before_bytes);

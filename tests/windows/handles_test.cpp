@@ -94,17 +94,11 @@ Kept keptBy(const char* name, std::span<const Kept> rows) {
   return row == rows.end() ? Kept{name} : *row;
 }
 
-Arguments argumentsFor(const std::string& name, int index) {
-  Arguments arguments{.index = index, .value = 1, .second = 1, .file = stillName};
-  if (name.find("VideoProcAmp") != std::string::npos) arguments.index = 0;
-  if (name == "SetWiFiVideoRes") arguments.value = 640, arguments.second = 480;
-  return arguments;
-}
-
 // Returns a line with the number of calls and what they left open.
 std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kept) {
   const bool opens = std::strcmp(call.name, "Init") == 0;
-  const Arguments arguments = argumentsFor(call.name, std::max(chosenIndex, 0));
+  Arguments arguments = busiestArguments(call, std::max(chosenIndex, 0));
+  arguments.file = stillName;
   const auto once = [&] {
     if (opens) SetVideoDeviceIndex(chosenIndex);
     call.call(arguments);
