@@ -18,7 +18,7 @@
  * Thread: the camera thread is the one thread of the application that calls this library; calls
  * from several threads at once are not supported. The library's timers run from its message loop.
  *
- * Failure: nothing is told. What a model does not have is left alone, what a camera does not take
+ * Failure: nothing reports it. What a model does not have is left alone, what a camera does not take
  * is lost. No function throws.
  *
  * Worst case: the longest that a call takes when the camera does not answer: the pauses that it
@@ -355,13 +355,13 @@ QVX64_API void SetVideoProcAmp(int valueIndex, qvx_long newValue);
  * late. */
 QVX64_API qvx_long GetVideoProcAmp(int valueIndex);
 
-/* Gives the limits, the step and the standard value of a picture property of the current device.
+/* Gives the limits, the step and the default value of a picture property of the current device.
  * valueIndex: points to the property's number, as for SetVideoProcAmp; it is not changed. Null does
  * nothing.
  * lMin: receives the smallest value; this one and the next three may be null.
  * lMax: receives the largest value.
  * lSteppomgDelta: receives the step between values.
- * lDefault: receives the standard value.
+ * lDefault: receives the default value.
  * Result: 0 always.
  * Failure: all four are -1 for a property that the camera does not have. When the camera is not
  * there or does not answer, nothing is written: preset the variables.

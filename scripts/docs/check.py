@@ -37,6 +37,8 @@ STAGES = {
     "scripts/demo.sh": "demo",
     "scripts/fuzz.sh 600": "fuzz",
     "cmake --preset native && cmake --build --preset native": "native",
+    "ctest --preset native -R Init": "native",
+    "build/native/tests/unit/unit_tests --gtest_filter='Families*'": "native",
 }
 # What differs from run to run in what a program prints.
 VARYING = {
