@@ -108,7 +108,8 @@ extern "C" NTSTATUS NTAPI DriverEntry(PDRIVER_OBJECT driver, PUNICODE_STRING reg
   driver->DriverUnload = [](PDRIVER_OBJECT) {};
   driver->MajorFunction[IRP_MJ_PNP] = onPlugAndPlay;
   driver->MajorFunction[IRP_MJ_INTERNAL_DEVICE_CONTROL] = onRequest;
+  // Polled: the class driver would repeat the refused read of an input report without a pause.
   hid::MinidriverRegistration registration = {hid::revision,  driver, registryPath,
-                                              sizeof(Device), FALSE,  {}};
+                                              sizeof(Device), TRUE,   {}};
   return HidRegisterMinidriver(&registration);
 }
