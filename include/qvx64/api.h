@@ -18,7 +18,7 @@
  * Thread: the camera thread is the one thread of the application that calls this library; calls
  * from several threads at once are not supported. The library's timers run from its message loop.
  *
- * Failure: nothing reports it. What a model does not have is left alone, what a camera does not take
+ * Failure: nothing says so. What a model does not have is left alone, what a camera does not take
  * is lost. No function throws.
  *
  * Worst case: the longest that a call takes when the camera does not answer: the pauses that it
