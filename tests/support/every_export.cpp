@@ -123,6 +123,10 @@ bool isFineRange(const Arguments&, const std::string& result) {
                                 range.at(2) <= range.at(1) && range.at(1) <= 1023);
 }
 
+bool isPictureRange(const Arguments&, const std::string& result) {
+  return result.starts_with("0 ") && numbersIn(result).size() == 5;
+}
+
 bool areVideoModes(const Arguments&, const std::string& result) {
   const auto modes = numbersIn(result);
   const bool arePositive = std::all_of(modes.begin(), modes.end(), [](double n) { return n > 0; });
@@ -189,11 +193,10 @@ const ExportedCall table[] = {
                    .dead = "0",
                    .partly = {"256", "293", "275", "56", "19", "37"}}}},
     {CALL(SetAETarget, a.index, a.value), .busiest = {.value = 100}},
-    {CALL(GetAETarget, a.index), .min = 0, .max = 255,
-     .outcomes = {{.path = "998", .healthy = "56", .dead = "0"},
-                  {.path = "9D0", .healthy = "72", .dead = "0"},
-                  {.path = "9B0", .healthy = "56", .dead = "255"},
-                  {.healthy = "64", .dead = "0"}}},
+    {CALL(GetAETarget, a.index), .outcomes = {{.path = "998", .healthy = "56", .dead = "0"},
+                                              {.path = "9D0", .healthy = "72", .dead = "0"},
+                                              {.path = "9B0", .healthy = "56", .dead = "255"},
+                                              {.healthy = "64", .dead = "0"}}},
     {CALL(SetAutoExposure, a.index, a.value), .busiest = {.value = 1}},
     {CALL(GetAutoExposure, a.index), .min = 0, .max = 1,
      .outcomes = {{.path = "998", .healthy = "1", .dead = "1"}, {.healthy = "1", .dead = "0"}}},
@@ -206,6 +209,7 @@ const ExportedCall table[] = {
     {.name = "GetVideoProcAmpValueRange",
      .call = pictureRange,
      .firstNumber = 1,
+     .allows = isPictureRange,
      .outcomes = {{.path = "Wifi", .healthy = "0 0 95 1 32", .dead = "0 -7 -7 -7 -7"},
                   {.healthy = "0 0 95 1 32",
                    .dead = "0 -7 -7 -7 -7",
