@@ -150,7 +150,7 @@ class CaptureFilter final
     if (node >= nodeCount()) return failure(ERROR_INVALID_PARAMETER);
     if (!has(node, property->Set)) return failure(ERROR_SET_NOT_FOUND);
 
-    const ULONG type = property->Flags & ~KSPROPERTY_TYPE_TOPOLOGY;
+    const ULONG type = property->Flags & ~ULONG{KSPROPERTY_TYPE_TOPOLOGY};
     const bool sets = type == KSPROPERTY_TYPE_SET;
     if (type == KSPROPERTY_TYPE_SETSUPPORT) return S_OK;
     if (!sets && type != KSPROPERTY_TYPE_GET) return failure(ERROR_NOT_SUPPORTED);
