@@ -14,4 +14,5 @@ foreach(language C CXX)
 endforeach()
 set(CMAKE_C_COMPILER clang-14)
 set(CMAKE_CXX_COMPILER clang++-14)
+set(CMAKE_OBJDUMP ${target}-objdump) # LLVM's prints export tables otherwise
 add_link_options(-pthread -fuse-ld=lld)
