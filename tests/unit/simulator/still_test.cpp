@@ -6,9 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
-#include <numeric>
-#include <vector>
+#include <tuple>
+#include <valarray>
 
 // After what it needs.
 #include <jpeglib.h>
@@ -16,58 +15,67 @@
 namespace qvx::simulator {
 namespace {
 
-constexpr int width = 160, height = 120;
+constexpr std::size_t width = 160, height = 120;
 
-std::vector<double> greysOf(const Picture& picture) {
-  std::vector<double> greys;
-  for (std::size_t i = 0; i < picture.rgb.size(); i += 3) {
-    greys.push_back((picture.rgb[i] + 2 * picture.rgb[i + 1] + picture.rgb[i + 2]) / 4.0);
-  }
-  return greys;
+using Values = std::valarray<double>;
+
+// Red, green and blue of each pixel.
+Values coloursIn(const Picture& picture) {
+  Values colours(picture.rgb.size());
+  std::ranges::copy(picture.rgb, std::begin(colours));
+  return colours;
 }
 
-std::vector<double> seenBy(const Camera& camera, std::uint64_t frame = 0) {
-  return greysOf(look(camera, width, height, frame));
+// How bright each pixel is.
+Values seenBy(const Camera& camera, std::uint64_t frame = 0) {
+  const Values all = coloursIn(look(camera, width, height, frame));
+  const auto each = [&all](std::size_t colour) {
+    return Values(all[std::slice(colour, width * height, 3)]);
+  };
+  return (each(0) + 2.0 * each(1) + each(2)) / 4.0;
 }
 
-double meanOf(const std::vector<double>& greys) {
-  return std::accumulate(greys.begin(), greys.end(), 0.0) / static_cast<double>(greys.size());
-}
-
-// Of one part of the picture, a quarter of its width and height: 0, 0 is the upper left one.
-double meanOfPart(const std::vector<double>& greys, int column, int row) {
-  std::vector<double> part;
-  for (int y = row * height / 4; y < (row + 1) * height / 4; ++y) {
-    const auto* const line = &greys[static_cast<std::size_t>(y * width + column * width / 4)];
-    part.insert(part.end(), line, line + width / 4);
-  }
-  return meanOf(part);
+double meanOf(const Values& values) {
+  return values.sum() / static_cast<double>(values.size());
 }
 
 // The usual measure of an auto-focus.
-double sharpnessOf(const std::vector<double>& greys) {
-  double sum = 0;
-  for (std::size_t i = 1; i < greys.size(); ++i) sum += std::pow(greys[i] - greys[i - 1], 2);
-  return sum / static_cast<double>(greys.size());
+double contrastOf(const Values& values) {
+  const Values steps = values - values.cshift(1);
+  return meanOf(steps * steps);
+}
+
+double brightness(const Camera& camera) {
+  return meanOf(seenBy(camera));
+}
+
+double sharpness(const Camera& camera) {
+  return contrastOf(seenBy(camera));
+}
+
+double colourfulness(const Camera& camera) {
+  return contrastOf(coloursIn(look(camera, width, height, 0)));
+}
+
+double warmth(const Camera& camera) {
+  const Picture picture = look(camera, width, height, 0);
+  return 100.0 * picture.rgb[0] / (picture.rgb[2] + 1.0);
 }
 
 // The deviation between pictures of the same thing.
-double noiseOf(const Camera& camera) {
-  const std::vector<double> one = seenBy(camera, 1), other = seenBy(camera, 2);
-  double sum = 0;
-  for (std::size_t i = 0; i < one.size(); ++i) sum += std::pow(one[i] - other[i], 2);
-  return std::sqrt(sum / static_cast<double>(one.size()));
+double noise(const Camera& camera) {
+  const Values change = seenBy(camera, 1) - seenBy(camera, 2);
+  return std::sqrt(meanOf(change * change));
 }
 
-void setExposure(Camera& camera, int lines) {
-  camera.sensor.set(0x3503, 7);  // by hand
+void exposeByHand(Camera& camera, int lines) {
+  camera.sensor.set(0x3503, 7);
   camera.sensor.set(0x3501, static_cast<std::uint8_t>(lines >> 4));
   camera.sensor.set(0x3502, static_cast<std::uint8_t>(lines << 4));
 }
 
-void setTarget(Camera& camera, int brightness) {
-  camera.sensor.set(0x3503, 0);  // automatic
-  camera.sensor.set(0x3A1E, static_cast<std::uint8_t>(brightness));
+void setTarget(Camera& camera, int target) {
+  camera.sensor.set(0x3A1E, static_cast<std::uint8_t>(target));
 }
 
 void light(Camera& camera, int segments) {
@@ -86,172 +94,131 @@ void focus(Camera& camera, int offset) {
   camera.placeAt(lensControllerAddress)->device->write({}, {&position, 1});
 }
 
+void zoom(Camera& camera, double magnification) {
+  camera.setZoom({magnification, magnification, 0});
+}
+
 // What is measured grows from each value to the next.
-template <class Measure>
-void expectRising(Measure measure, std::initializer_list<int> values) {
+void expectRising(double (*measure)(const Camera&), Camera& camera, void (*change)(Camera&, int),
+                  std::initializer_list<int> values) {
   double last = -1;
   for (const int value : values) {
-    const double now = measure(value);
+    change(camera, value);
+    const double now = measure(camera);
     EXPECT_GT(now, last * 1.03 + 0.1) << value;
     last = now;
   }
 }
 
-TEST(Still, BrightensWithExposureLightTargetAndControls) {
-  Camera camera(0x970);
-  const auto meanAfter = [&camera](void (*change)(Camera&, int)) {
-    return [&camera, change](int value) {
-      change(camera, value);
-      return meanOf(seenBy(camera));
-    };
+TEST(Still, FollowsExposureLightAndControls) {
+  constexpr int automatic = 0, noSegment = 16;
+  const struct {
+    const char* what;
+    double (*measure)(const Camera&);
+    int exposure;  // in lines
+    void (*change)(Camera&, int);
+    std::initializer_list<int> values;
+  } rows[] = {
+      {"exposure", brightness, automatic, exposeByHand, {60, 250, 500, 900}},
+      {"light", brightness, 900, light, {noSegment, 1, 3, 15}},
+      {"target", brightness, automatic, setTarget, {0x10, 0x38, 0x50}},
+      {"brightness", brightness, automatic, set<0>, {-64, 0, 64}},
+      {"contrast", sharpness, automatic, set<1>, {16, 64}},
+      {"saturation", colourfulness, automatic, set<3>, {20, 90}},
+      {"sharpness", sharpness, automatic, set<4>, {0, 7}},
+      {"gamma", brightness, automatic, set<5>, {80, 200}},
+      {"white balance", warmth, automatic, set<7>, {2800, 6500}},
+      {"gain", brightness, 150, set<9>, {0, 50, 100}},
+      {"noise of the gain", noise, automatic, set<9>, {0, 30, 100}},
+      {"noise of the dark", noise, automatic, light, {15, noSegment}},
   };
-  expectRising(meanAfter(setExposure), {60, 250, 500, 900});
-  expectRising(meanAfter(light), {0x10, 1, 3, 15});
-  setExposure(camera, 150);
-  expectRising(meanAfter(set<9>), {0, 50, 100});
-  expectRising(meanAfter(setTarget), {0x10, 0x38, 0x50});
-  expectRising(meanAfter(set<0>), {-64, 0, 64});
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    Camera camera(0x970);
+    light(camera, 15);
+    if (row.exposure != automatic) exposeByHand(camera, row.exposure);
+    expectRising(row.measure, camera, row.change, row.values);
+  }
 }
 
 TEST(Still, GivesLightInProportionToExposureBeforeGamma) {
   Camera camera(0x970);
   light(camera, 15);
-  std::vector<double> lights;
-  for (const int lines : {100, 200, 400}) {
-    setExposure(camera, lines);
-    double sum = 0;
-    for (const double grey : seenBy(camera)) sum += std::pow(grey / 255, 2.2);
-    lights.push_back(sum);
-  }
-  EXPECT_NEAR(lights[1] / lights[0], 2, 0.08);
-  EXPECT_NEAR(lights[2] / lights[1], 2, 0.08);
-}
-
-TEST(Still, NoiseGrowsWithGainAndWithDarkness) {
-  Camera camera(0x970);
-  light(camera, 15);
-  const auto noiseAt = [&camera](int gain) {
-    set<9>(camera, gain);
-    return noiseOf(camera);
+  const auto lightAt = [&camera](int lines) {
+    exposeByHand(camera, lines);
+    return std::pow(seenBy(camera) / 255.0, 2.2).sum();
   };
-  expectRising(noiseAt, {0, 30, 100});
-  set<9>(camera, 0);
-  const double lit = noiseOf(camera);
-  light(camera, 16);  // none: the camera amplifies
-  EXPECT_GT(noiseOf(camera), 1.3 * lit);
-}
-
-TEST(Still, PictureControlsChangeColourAndSharpness) {
-  Camera camera(0x970);
-  const struct {
-    void (*change)(Camera&, int);
-    int low, high;
-    double (*measure)(const Picture&);
-  } rows[] = {
-      {set<1>, 16, 64, [](const Picture& p) { return sharpnessOf(greysOf(p)); }},
-      {set<3>, 20, 90,
-       [](const Picture& p) {
-         return sharpnessOf({p.rgb.begin(), p.rgb.end()});
-       }},
-      {set<4>, 0, 7, [](const Picture& p) { return sharpnessOf(greysOf(p)); }},
-      {set<5>, 80, 200, [](const Picture& p) { return meanOf(greysOf(p)); }},
-      {set<7>, 2800, 6500, [](const Picture& p) { return 100.0 * p.rgb[0] / (p.rgb[2] + 1.0); }},
-  };
-  for (const auto& row : rows) {
-    Camera fresh(0x970);
-    row.change(fresh, row.low);
-    const double low = row.measure(look(fresh, width, height, 0));
-    row.change(fresh, row.high);
-    EXPECT_GT(row.measure(look(fresh, width, height, 0)), 1.1 * low) << &row - rows;
-  }
+  EXPECT_NEAR(lightAt(200) / lightAt(100), 2, 0.08);
+  EXPECT_NEAR(lightAt(400) / lightAt(200), 2, 0.08);
 }
 
 TEST(Still, IsBrighterOnTheSideOfTheLitQuadrant) {
-  constexpr int corners[4][2] = {{3, 0}, {3, 3}, {0, 3}, {0, 0}};
+  constexpr std::size_t right = width * 3 / 4, bottom = height * 3 / 4 * width;
+  constexpr std::size_t corners[] = {right, bottom + right, bottom, 0};  // where each begins
   Camera camera(0x970);
-  setExposure(camera, 450);
+  exposeByHand(camera, 450);
   light(camera, 15);
-  const std::vector<double> all = seenBy(camera);
-  for (int i = 0; i < 4; ++i) {
+  const Values all = seenBy(camera);
+  for (std::size_t i = 0; i < 4; ++i) {
     light(camera, 1 << i);
-    const std::vector<double> one = seenBy(camera);
-    const auto share = [&](const int(&corner)[2]) {
-      return meanOfPart(one, corner[0], corner[1]) / meanOfPart(all, corner[0], corner[1]);
+    const Values one = seenBy(camera);
+    const auto shareIn = [&](std::size_t corner) {
+      const std::gslice part(corner, {height / 4, width / 4}, {width, 1});
+      return meanOf(one[part]) / meanOf(all[part]);
     };
-    EXPECT_GT(share(corners[i]), 1.1 * share(corners[(i + 2) % 4])) << i;
+    EXPECT_GT(shareIn(corners[i]), 1.1 * shareIn(corners[(i + 2) % 4])) << i;
   }
 }
 
 TEST(Still, EverySensorCanBeExposedByHand) {
   const struct {
-    std::uint16_t pid;
-    std::uint16_t reg;  // of the exposure's higher byte
+    std::uint16_t productId, reg;  // of the exposure's higher byte
     bool countsDown;
   } rows[] = {
-      {0x970, 0x3501, false},
-      {0x9C0, 0x0015, false},
-      {0x9D0, 0x08, false},
-      {0x9E0, 0x0202, true},
-  };
+      {0x970, 0x3501, false}, {0x9C0, 0x15, false}, {0x9D0, 8, false}, {0x9E0, 0x202, true}};
   for (const auto& row : rows) {
-    Camera camera(row.pid);
-    sensorFor(row.pid)->setAutomatic(camera, false);
+    Camera camera(row.productId);
+    sensorFor(row.productId)->setAutomatic(camera, false);
     camera.sensor.set(row.reg, 0);
     const double shortest = viewOf(camera).exposure;
     camera.sensor.set(row.reg, 3);
-    EXPECT_EQ(viewOf(camera).exposure < shortest, row.countsDown) << row.pid;
-    EXPECT_NE(viewOf(camera).exposure, shortest) << row.pid;
+    EXPECT_EQ(viewOf(camera).exposure < shortest, row.countsDown) << row.productId;
+    EXPECT_NE(viewOf(camera).exposure, shortest) << row.productId;
   }
 }
 
-TEST(Still, IsSharpestWhereTheLensIsInFocus) {
-  Camera camera(0x990);
-  const auto sharpnessAt = [&camera](int offset) {
-    focus(camera, offset);
-    return sharpnessOf(seenBy(camera));
-  };
-  for (const double magnification : {20.0, 50.0, 150.0}) {
-    camera.setZoom({magnification, magnification, 0});
-    expectRising(sharpnessAt, {-20, 0, 5, 9, 12});
-    expectRising(sharpnessAt, {44, 24, 19, 15, 12});
-  }
-}
-
-TEST(Still, DepthOfFocusShrinksWithMagnification) {
+TEST(Still, IsSharpestInFocusTheMoreSoTheHigherTheMagnification) {
+  constexpr int best = static_cast<int>(focusAt);
   Camera camera(0x990);
   double last = 1;
   for (const double magnification : {10.0, 50.0, 150.0}) {
-    camera.setZoom({magnification, magnification, 0});
-    focus(camera, static_cast<int>(focusAt));
-    const double best = sharpnessOf(seenBy(camera));
-    focus(camera, static_cast<int>(focusAt) + 10);
-    const double left = sharpnessOf(seenBy(camera)) / best;
-    EXPECT_LT(left, 0.9 * last) << magnification;
-    last = left;
+    zoom(camera, magnification);
+    expectRising(sharpness, camera, focus, {-20, 0, 5, 9, best});
+    expectRising(sharpness, camera, focus, {44, 24, 19, 15, best});
+    const double inFocus = sharpness(camera);
+    focus(camera, best + 10);
+    EXPECT_LT(sharpness(camera), 0.9 * last * inFocus) << magnification;
+    last = sharpness(camera) / inFocus;
   }
 }
 
 // The same place twice as large at twice the magnification, and a scale bar that says so.
 TEST(Still, ShowsItsSpecimenAtTheMagnificationOfTheRing) {
   Camera camera(0x970);
-  camera.setZoom({50, 50, 0});
-  const std::vector<double> small = seenBy(camera);
-  camera.setZoom({100, 100, 0});
-  const std::vector<double> large = seenBy(camera);
-  double same = 0, shifted = 0;
-  for (int y = height / 4; y < 3 * height / 4; ++y) {
-    for (int x = width / 4; x < 3 * width / 4; ++x) {
-      const double there = small[static_cast<std::size_t>(y * width + x)];
-      const int place = (2 * y - height / 2) * width + 2 * x - width / 2;
-      const int elsewhere = (place + 10 * width + 15) % (width * height);
-      same += std::abs(there - large[static_cast<std::size_t>(place)]);
-      shifted += std::abs(there - large[static_cast<std::size_t>(elsewhere)]);
-    }
-  }
-  EXPECT_LT(same, 0.6 * shifted);
+  zoom(camera, 100);
+  const Values large = seenBy(camera);
+  zoom(camera, 50);
+  const Values small = seenBy(camera);
+  const std::gslice centre(height / 4 * width + width / 4, {height / 2, width / 2}, {width, 1}),
+      everySecond(0, {height / 2, width / 2}, {2 * width, 2});
+  const auto distanceTo = [&](const Values& other) {
+    return std::abs(Values(small[centre]) - Values(other[everySecond])).sum();
+  };
+  EXPECT_LT(distanceTo(large), 0.6 * distanceTo(large.cshift(10 * width + 15)));
 
-  const auto bar = std::count(small.end() - 7 * width, small.end() - 6 * width, 255.0);
-  EXPECT_NEAR(static_cast<double>(bar), 1000 / viewOf(camera).fieldWidth_um / 2 * width, 1);
+  const auto* const line = std::end(small) - 7 * width;
+  EXPECT_NEAR(static_cast<double>(std::count(line, line + width, 255.0)),
+              1000 / viewOf(camera).fieldWidth_um * width, 1);
 }
 
 TEST(Still, IsAFileInTheSizeThatWasChosen) {
@@ -265,20 +232,17 @@ TEST(Still, IsAFileInTheSizeThatWasChosen) {
   jpeg_mem_src(&decoder, reinterpret_cast<const unsigned char*>(file.data()), file.size());
   jpeg_read_header(&decoder, TRUE);
   jpeg_start_decompress(&decoder);
-  EXPECT_EQ(decoder.output_width, 640U);
-  EXPECT_EQ(decoder.output_height, 480U);
-  std::vector<std::uint8_t> row(std::size_t{3} * decoder.output_width), first;
+  Picture found{640, 480, std::vector<std::uint8_t>(3 * 640 * 480)};
+  ASSERT_EQ(std::tuple(decoder.output_width, decoder.output_height), std::tuple(640U, 480U));
   while (decoder.output_scanline < decoder.output_height) {
-    JSAMPROW line = row.data();
+    JSAMPROW line = found.at(0, static_cast<int>(decoder.output_scanline));
     jpeg_read_scanlines(&decoder, &line, 1);
-    if (first.empty()) first = row;
   }
   jpeg_finish_decompress(&decoder);
   EXPECT_EQ(errors.num_warnings, 0);
   jpeg_destroy_decompress(&decoder);
-  const Picture picture = look(camera, 640, 480, 0);
-  EXPECT_NEAR(meanOf({first.begin(), first.end()}),
-              meanOf({picture.rgb.begin(), picture.rgb.begin() + 3 * 640}), 2);
+  EXPECT_LT(std::abs(coloursIn(found) - coloursIn(look(camera, 640, 480, 0))).sum(),
+            10.0 * 3 * 640 * 480);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <future>
 #include <iterator>
 #include <memory>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -71,16 +70,13 @@ class LeavingClient {
     const int socket = sockets_.emplace_back(::socket(AF_INET, SOCK_STREAM, 0));
     const sockaddr_in address{AF_INET, htons(port_), {htonl(INADDR_LOOPBACK)}, {}};
     if (connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-      close(socket);
-      sockets_.pop_back();
       return "refused";
     }
     const std::string request = "GET " + target + " HTTP/1.1\r\nHost: camera\r\n\r\n";
     EXPECT_EQ(send(socket, request.data(), request.size(), 0), std::ssize(request));
     std::string answer;
     char buffer[4096];
-    while (const ssize_t count = recv(socket, buffer, sizeof buffer, 0)) {
-      if (count < 0) break;
+    for (ssize_t count; (count = recv(socket, buffer, sizeof buffer, 0)) > 0;) {
       answer.append(buffer, static_cast<std::size_t>(count));
     }
     return answer;
@@ -95,12 +91,14 @@ constexpr char readFeatures[] =
     "/?action=commandcontrol&dest=0plugin=0&id=1378&group=5&value=8388608";
 
 struct Running {
-  explicit Running(const std::string& more = "") {
+  explicit Running(const std::string& description = "wifi:0970") {
     std::string problem;
-    serveWifiCamera(port, desk.plugIn(*cameraDescriptionFrom("wifi:0970" + more, problem)), desk);
+    serveWifiCamera(port, desk.plugIn(*cameraDescriptionFrom(description, problem)), desk);
     EXPECT_TRUE(port.start("127.0.0.1", 0));
   }
   ~Running() { desk.close(); }
+
+  PluggedCamera& camera() { return *desk.cameras()[0]; }
 
   Desk desk;
   HttpPort port;
@@ -125,7 +123,7 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
   };
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.fault);
-    Running running(std::string(",fault=") + expected.fault);
+    Running running(std::string("wifi:0970,fault=") + expected.fault);
     LeavingClient client(running.port.port());
     EXPECT_TRUE(client.get(readFeatures).ends_with("res:86"));
     const std::string second = client.get(readFeatures);
@@ -137,12 +135,11 @@ TEST(WifiService, GoesWrongFromTheRequestOn) {
 
 TEST(WifiService, RecoversAndLosesWrites) {
   const std::string lightOn = "/?action=commandcontrol&dest=0plugin=0&id=1031&group=4&value=1";
-  Running running(",fault=refuse:2");
-  PluggedCamera& camera = *running.desk.cameras()[0];
+  Running running("wifi:0970,fault=refuse:2");
   LeavingClient client(running.port.port());
   client.get(readFeatures);
   EXPECT_EQ(client.get(readFeatures), "refused");
-  camera.setFault({Fault::loses, 1, 1});
+  running.camera().setFault({Fault::loses, 1, 1});
   std::string answer = "refused";
   for (int i = 0; i < 1000 && answer == "refused"; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -150,14 +147,14 @@ TEST(WifiService, RecoversAndLosesWrites) {
   }
   EXPECT_TRUE(answer.ends_with("res:0"));
   const auto lights = [](CameraDevice& device) { return device.camera.gpio.lights(); };
-  EXPECT_EQ(camera.with(lights), 0);
+  EXPECT_EQ(running.camera().with(lights), 0);
   client.get(lightOn);
-  EXPECT_EQ(camera.with(lights), 1);
-  EXPECT_EQ(camera.accessesAfter(1).size(), 2U);
+  EXPECT_EQ(running.camera().with(lights), 1);
+  EXPECT_EQ(running.camera().accessesAfter(1).size(), 2U);
 }
 
 TEST(WifiService, EndsWhileItIsSilent) {
-  auto running = std::make_unique<Running>(",fault=stall:600s");
+  auto running = std::make_unique<Running>("wifi:0970,fault=stall:600s");
   const int port = running->port.port();
   std::thread client([port] { LeavingClient(port).get("/"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -165,59 +162,46 @@ TEST(WifiService, EndsWhileItIsSilent) {
   client.join();
 }
 
-// What comes until so many pictures have begun, or the stream has ended.
-std::string streamFrom(int port, int pictures) {
+// The pictures that came whole until there were so many, or the stream ended.
+std::vector<std::string> picturesFrom(int port, std::size_t count) {
+  const std::string head = "--frame\r\nContent-Type: image/jpeg\r\nContent-Length: ";
   httplib::Client client("127.0.0.1", port);
   client.set_read_timeout(60);  // on a busy machine
-  std::string received;
+  std::vector<std::string> pictures;
+  std::string rest;
   client.Get("/?action=stream", [&](const char* data, std::size_t size) {
-    received.append(data, size);
-    int begun = 0;
-    for (std::size_t at = 0; (at = received.find("--frame\r\n", at)) != std::string::npos; ++at) {
-      ++begun;
+    rest.append(data, size);
+    const std::size_t start = rest.find("\r\n\r\n");
+    if (start == std::string::npos) return true;
+    if (!rest.starts_with(head)) return false;
+    const std::size_t length = std::stoul(rest.substr(head.size()));
+    if (rest.size() >= start + 4 + length + 2) {
+      pictures.push_back(rest.substr(start + 4, length));
+      rest.erase(0, start + 4 + length + 2);
     }
-    return begun <= pictures;
+    return pictures.size() < count;
   });
-  return received;
-}
-
-// The file of each part that came completely.
-std::vector<std::string> filesIn(const std::string& stream) {
-  const std::string head = "--frame\r\nContent-Type: image/jpeg\r\nContent-Length: ";
-  std::vector<std::string> files;
-  for (std::size_t at = 0; stream.compare(at, head.size(), head) == 0;) {
-    const std::size_t start = stream.find("\r\n\r\n", at) + 4;
-    const std::size_t size = std::stoul(stream.substr(at + head.size()));
-    if (start + size + 2 > stream.size()) break;
-    files.push_back(stream.substr(start, size));
-    at = start + size + 2;
-  }
-  return files;
+  return pictures;
 }
 
 TEST(Stream, FlowsToEachClientUntilClientCameraOrProgramIsGone) {
-  Desk desk;
-  std::string problem;
-  PluggedCamera& camera = desk.plugIn(*cameraDescriptionFrom("wifi:09D0", problem));
-  std::optional<HttpPort> port(std::in_place);
-  serveWifiCamera(*port, camera, desk);
-  ASSERT_TRUE(port->start("127.0.0.1", 0));
-  const auto begin = [&](int pictures) {
-    return std::async(std::launch::async, streamFrom, port->port(), pictures);
+  auto running = std::make_unique<Running>("wifi:09D0");
+  const auto begin = [port = running->port.port()](std::size_t pictures) {
+    return std::async(std::launch::async, picturesFrom, port, pictures);
   };
   auto endless = begin(1'000'000), one = begin(2), other = begin(2);
   for (auto* const client : {&one, &other}) {
-    const std::vector<std::string> files = filesIn(client->get());
-    ASSERT_GE(files.size(), 2U);
-    for (const std::string& file : files) {
-      EXPECT_EQ(file.substr(0, 2), "\xFF\xD8");
-      EXPECT_EQ(file.substr(file.size() - 2), "\xFF\xD9");
+    const std::vector<std::string> pictures = client->get();
+    ASSERT_EQ(pictures.size(), 2U);
+    for (const std::string& file : pictures) {
+      EXPECT_TRUE(file.starts_with("\xFF\xD8"));
+      EXPECT_TRUE(file.ends_with("\xFF\xD9"));
     }
-    EXPECT_NE(files[0], files[1]);  // its noise
+    EXPECT_NE(pictures[0], pictures[1]);  // its noise
   }
-  EXPECT_EQ(camera.accessesAfter(0).size(), 3U);
-  port.reset();
-  EXPECT_GE(filesIn(endless.get()).size(), 2U);
+  EXPECT_EQ(running->camera().accessesAfter(0).size(), 3U);
+  running.reset();
+  EXPECT_GE(endless.get().size(), 2U);
 }
 
 }  // namespace
