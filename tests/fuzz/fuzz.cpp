@@ -97,10 +97,9 @@ class Story {
   // Checks the result and the time against what the header promises.
   void call(const tests::ExportedCall& exported) {
     const std::uint64_t start_ms = world().clock.now_ms() - callbacks_ms_;
-    const tests::Arguments arguments = makeArguments();
-    const std::string result = exported.call(arguments);
+    const std::string result = exported.call(makeArguments());
     const std::uint64_t took_ms = world().clock.now_ms() - callbacks_ms_ - start_ms;
-    if (!isAllowed(exported, arguments, result)) broken(exported.name, "result " + result);
+    if (!isAllowed(exported, result)) broken(exported.name, "result " + result);
     if (took_ms > tests::promiseOf(exported.name).limit_ms(access_ms))
       broken(exported.name, "took " + std::to_string(took_ms) + " ms");
   }

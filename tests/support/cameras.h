@@ -24,9 +24,9 @@ inline std::string printedBy(const std::function<void()>& call) {
   return testing::internal::GetCapturedStdout();
 }
 
-// A device behind an extension unit that may refuse some selectors and answers with these bytes,
-// one answer after the other; the last one stays.
-class ScriptedNode final : public simulator::CameraPort {
+// A device on any interface that takes everything but some selectors, and answers with these bytes,
+// one answer after the other; the last one stays. An empty answer is none.
+class ScriptedPort final : public simulator::CameraPort {
  public:
   std::deque<std::vector<std::uint8_t>> replies;
   std::vector<std::uint32_t> refused;
@@ -36,13 +36,23 @@ class ScriptedNode final : public simulator::CameraPort {
                    simulator::Bytes) override {
     return std::find(refused.begin(), refused.end(), selector) == refused.end();
   }
+  bool setFeature(simulator::Bytes) override { return true; }
   bool getProperty(const simulator::PropertySetId&, std::uint32_t, simulator::Room data) override {
+    return getFeature(data);
+  }
+  bool getFeature(simulator::Room data) override {
     if (replies.empty()) return false;
-    std::fill(data.begin(), data.end(), std::uint8_t{0xEE});
-    std::copy_n(replies.front().begin(), std::min(replies.front().size(), data.size()),
-                data.begin());
+    const std::vector<std::uint8_t> reply = replies.front();
     if (replies.size() > 1) replies.pop_front();
+    if (reply.empty()) return false;
+    std::fill(data.begin(), data.end(), std::uint8_t{0xEE});
+    std::copy_n(reply.begin(), std::min(reply.size(), data.size()), data.begin());
     return true;
+  }
+  std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
+                                      simulator::Room buffer) override {
+    if (setup.requestType >= 0x80 && !getFeature(buffer)) return std::nullopt;
+    return buffer.size();
   }
 };
 
@@ -95,8 +105,8 @@ class CameraTest : public LibraryTest {
     journal();
   }
 
-  std::shared_ptr<ScriptedNode> plugScripted(std::deque<std::vector<std::uint8_t>> replies) {
-    const auto node = std::make_shared<ScriptedNode>();
+  std::shared_ptr<ScriptedPort> plugScripted(std::deque<std::vector<std::uint8_t>> replies) {
+    const auto node = std::make_shared<ScriptedPort>();
     machine().videoInputs = {{L"x", L"x", {node}}};
     openBridges();
     node->replies = std::move(replies);

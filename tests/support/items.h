@@ -1,11 +1,16 @@
-// Lists in short.
+// Lists and tables in short.
 #pragma once
 
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace qvx::tests {
+
+// A table of cases.
+template <class... Columns>
+using Rows = std::vector<std::tuple<Columns...>>;
 
 // The items of "one|two|three"; "" and "|" begin with an empty one.
 inline std::vector<std::string> itemsIn(const std::string& list) {

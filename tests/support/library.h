@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "simulator/platform/world.h"
+#include "tests/support/items.h"
 #include "tests/support/reset_library.h"
 
 namespace qvx::tests {
@@ -29,6 +30,17 @@ class LibraryTest : public testing::Test {
   simulator::World& machine() { return simulator::world(); }
 
   Journal journal() { return machine().takeJournal(); }
+
+  // The Wi-Fi camera answers everything like this.
+  void answerWifi(std::vector<std::string> chunks, bool breaksOff = false, bool isThere = true) {
+    machine().wifi = [answer = simulator::HttpAnswer{isThere, std::move(chunks), breaksOff}](
+                         const std::string&) { return answer; };
+  }
+
+  // Sessions and requests.
+  std::pair<int, int> openHttp() {
+    return {machine().open.internetSessions, machine().open.internetRequests};
+  }
 };
 
 }  // namespace qvx::tests

@@ -2,53 +2,38 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
+#include <optional>
+#include <regex>
 #include <stdexcept>
 
 namespace qvx::tests {
 
 namespace {
 
-// From "listing + 50 ms + 1 access" or "does not block".
-Promise promiseIn(const std::string& name, const std::string& terms) {
-  Promise promise{.name = name};
-  if (terms == "does not block") return promise;
-  if (terms.empty()) throw std::runtime_error("api.h promises nothing for " + name);
-  std::istringstream words(terms);
-  std::uint64_t amount = 0;
-  for (std::string word; words >> word;) {
-    if (word == "listing") {
-      promise.lists = true;
-    } else if (word == "ms") {
-      promise.pauses_ms = amount;
-    } else if (word == "access" || word == "accesses") {
-      promise.accesses = amount;
-    } else if (word != "+") {
-      amount = std::stoull(word);
-    }
-  }
-  return promise;
-}
-
+// From "Worst case: listing + 50 ms + 1 access." or "Worst case: does not block." before each
+// declaration.
 std::vector<Promise> promisesInHeader() {
-  constexpr char label[] = " * Worst case: ", declaration[] = "QVX64_API ";
+  const std::string plus = R"((?: \+ )?)";
+  const std::regex terms(R"( \* Worst case: (?:does not block|(listing)?)" + plus +
+                         R"((?:(\d+) ms)?)" + plus + R"((?:(\d+) access(?:es)?)?)[.,].*)"),
+      declaration(R"(QVX64_API .*?(\w+)\(.*)");
   std::ifstream header(QVX_API_HEADER);
   std::vector<Promise> promises;
-  std::string terms;  // of the next function
+  std::optional<Promise> next;
+  std::smatch parts;
+  const auto number = [&](std::size_t at) {
+    return parts[at].matched ? std::stoull(parts[at]) : 0;
+  };
   for (std::string line; std::getline(header, line);) {
-    if (line.starts_with(label)) {
-      terms = line.substr(std::size(label) - 1);
-      terms.resize(std::min(terms.find_first_of(".,"), terms.size()));
-    } else if (line.starts_with(declaration)) {
-      const std::string start = line.substr(0, line.find('('));
-      promises.push_back(promiseIn(start.substr(start.find_last_of(" *") + 1), terms));
-      terms.clear();
+    if (std::regex_match(line, parts, terms)) {
+      next = {.pauses_ms = number(2), .accesses = number(3), .lists = parts[1].matched};
+    } else if (std::regex_match(line, parts, declaration)) {
+      promises.push_back(next.value());  // throws where there is none
+      promises.back().name = parts[1];
+      next.reset();
     }
   }
-  const auto isSame = [](const Promise& promise, const ExportedCall& row) {
-    return promise.name == row.name;
-  };
-  if (!std::ranges::equal(promises, everyExport(), isSame))
+  if (!std::ranges::equal(promises, everyExport(), {}, &Promise::name, &ExportedCall::name))
     throw std::runtime_error("api.h and the table of exports differ");
   return promises;
 }

@@ -9,7 +9,7 @@
 namespace qvx::tests {
 
 struct Promise {
-  std::string name;  // of the export
+  std::string name = {};  // of the export
   std::uint64_t pauses_ms = 0, accesses = 0;
   bool lists = false;  // the system's video inputs
 

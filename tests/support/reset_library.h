@@ -3,7 +3,7 @@
 
 namespace qvx::tests {
 
-// Puts every global back to its initial value.
+// Puts every global that the library reads back to its initial value.
 void resetLibrary();
 
 }  // namespace qvx::tests

@@ -16,6 +16,7 @@
 namespace qvx::tests {
 namespace {
 
+using namespace std::string_view_literals;
 using simulator::Fault;
 using Lines = std::vector<std::string>;
 // The fields by name; of one that occurs several times, the first.
@@ -145,7 +146,7 @@ Story tell(const Path& path, const std::string& file, std::optional<std::size_t>
       machine.set({.kind = Fault::fails, .first = 1 + pick(20), .count = 1 + pick(3)});
     if (pick(20) == 0) pick(2) == 0 ? machine.unplug() : machine.plugIn();
     const ExportedCall& exported = everyCall()[pick(everyCall().size())];
-    if (std::string(exported.name) != "GetWiFiImage") story.results.push_back(rig.call(exported));
+    if (exported.name != "GetWiFiImage"sv) story.results.push_back(rig.call(exported));
   }
   story.journal = machine.takeJournal();
   story.trace = machine.files[std::wstring(file.begin(), file.end())];

@@ -51,11 +51,8 @@ constexpr int tenth = 1 << 14;
 
 // Encoder positions are stored in quarters: 40 is 10.0. Before each fit, fabc is 7, 8, 9, 10, 11.
 TEST_F(Magnification, FitsThroughStoredPoints) {
-  const struct {
-    std::uint32_t degree;
-    std::array<int, 4> positions, magnifications;
-    std::array<double, 5> expected;
-  } rows[] = {
+  using Words = std::array<int, 4>;
+  const Rows<std::uint32_t, Words, Words, std::array<double, 5>> rows = {
       // 120.00 at 260, 45.0 at 300
       {0xF1, {1040, 1200, 0, 0}, {12000 | hundredth, 450 | tenth, 0, 0}, {607.5, -1.875, 0, 0, 11}},
       {1, {40, 40, 0, 0}, {1, 2, 3, 4}, {7, 8, 9, 10, 11}},  // through one position
@@ -70,15 +67,14 @@ TEST_F(Magnification, FitsThroughStoredPoints) {
       {0x13, {4, 8, 12, 16}, {10, 26, 58, 112}, {4, 3, 2, 1, 0}},
       {3, {4, 4, 12, 16}, {10, 26, 58, 112}, {7, 8, 9, 10, 11}},  // has no solution
       {4, {4, 8, 12, 16}, {10, 26, 58, 112}, {7, 8, 9, 10, 11}},  // no such degrees
-      {0, {4, 8, 12, 16}, {10, 26, 58, 112}, {7, 8, 9, 10, 11}},
-  };
-  for (const auto& row : rows) {
+      {0, {4, 8, 12, 16}, {10, 26, 58, 112}, {7, 8, 9, 10, 11}}};
+  for (const auto& [degree, positions, magnifications, expected] : rows) {
     fabc = {7, 8, 9, 10, 11};
-    storeWords(0x68, row.positions);
-    storeWords(0x60, row.magnifications);
-    load(1, row.degree);
+    storeWords(0x68, positions);
+    storeWords(0x60, magnifications);
+    load(1, degree);
     for (std::size_t i = 0; i < 5; ++i) {
-      EXPECT_NEAR(fabc[i], row.expected[i], 1e-2 / std::pow(10, i)) << row.degree << " at " << i;
+      EXPECT_NEAR(fabc[i], expected[i], 1e-2 / std::pow(10, i)) << degree << " at " << i;
     }
   }
   EXPECT_EQ((std::array{f890a, f890b, f890c, f890d}), (std::array{1.0F, 2.0F, 3.0F, 4.0F}));
@@ -95,11 +91,7 @@ TEST_F(Magnification, FourPointLoadersReadPositionsFirstAndPauseAfterEachByte) {
 TEST_F(Magnification, FitsThroughThreeStoredPointsOrStoredCoefficients) {
   constexpr double pi = 3.14159274;  // as a single
   const std::vector<int> singles = {0xDB, 0x0F, 0x49, 0x40, 255, 255, 255, 255, 0, 0, 0x80, 0xBF};
-  const struct {
-    std::uint32_t kind;
-    std::vector<int> registers;
-    double a, b, c;
-  } rows[] = {
+  const Rows<std::uint32_t, std::vector<int>, double, double, double> rows = {
       // y1 x1 y2 x2 y3 x3: (35-20)/10 = 1.5, (70-35)/20 = 1.75, (1.75-1.5)/30 = 1/120.
       {0, {20, 10, 35, 20, 70, 40}, 1 / 120.0, 1.5 - 30 / 120.0, 20 - 15 + 200 / 120.0},
       {9, {20, 10, 35, 10, 70, 40}, 450, -22500, 180000},  // no solution: divided by 1
@@ -114,33 +106,26 @@ TEST_F(Magnification, FitsThroughThreeStoredPointsOrStoredCoefficients) {
       // Singles, lowest byte first; four bytes of 255 are none.
       {2, singles, pi, -1, -1},
       {3, singles, pi, -1, -1},
-      {4, singles, pi, -1, -1},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << "row " << &row - rows);
-    storeBytes(0x40, row.registers);
+      {4, singles, pi, -1, -1}};
+  for (const auto& [kind, registers, a, b, c] : rows) {
+    SCOPED_TRACE(testing::Message() << kind << " with " << registers.front());
+    storeBytes(0x40, registers);
     journal();
-    load(row.kind, 255);
-    const double loose = row.kind == 1 ? 100 : 1;  // small differences of large singles
-    EXPECT_NEAR(f890a, row.a, 1e-6 * loose);
-    EXPECT_NEAR(f890b, row.b, 1e-4 * loose);
-    EXPECT_NEAR(f890c, row.c, 1e-3 * loose);
+    load(kind, 255);
+    const double loose = kind == 1 ? 100 : 1;  // small differences of large singles
+    EXPECT_NEAR(f890a, a, 1e-6 * loose);
+    EXPECT_NEAR(f890b, b, 1e-4 * loose);
+    EXPECT_NEAR(f890c, c, 1e-3 * loose);
     // Register 0x40 of stored coefficients is read once more, by itself.
-    std::string reads = row.kind >= 2 && row.kind <= 4 ? "r62.40 p5 " : "";
-    for (std::size_t i = 0; i < row.registers.size(); ++i)
-      reads += formatted("r62.%02X p5 ", 0x40 + i);
+    std::string reads = kind >= 2 && kind <= 4 ? "r62.40 p5 " : "";
+    for (std::size_t i = 0; i < registers.size(); ++i) reads += formatted("r62.%02X p5 ", 0x40 + i);
     EXPECT_EQ(trafficIn(journal()) + ' ', reads);
   }
   EXPECT_NEAR(sampleAt(30, 0x40), pi * 30.25 * 30.25 - 30.25 - 1, 1e-2);
 }
 
 TEST_F(Magnification, RawRateFollowsEncoderAndFraction) {
-  const struct {
-    std::array<float, 10> coefficients;
-    std::uint32_t degree;
-    int position, fraction;
-    double rate;
-  } rows[] = {
+  const Rows<std::array<float, 10>, std::uint32_t, int, int, double> rows = {
       {{2, 0.5F}, 1, 10, 0x80, 7.25},
       {{2, 0.5F}, 1, 10, 0x40, 7.125},
       {{2, 0.5F}, 1, 10, 0xC0, 7.375},
@@ -150,13 +135,12 @@ TEST_F(Magnification, RawRateFollowsEncoderAndFraction) {
       {{0.3F}, 0, 0, 0, 1.0},  // never below 1
       {{1.0F}, 0, 0, 0, 1.0},
       {{-5.0F}, 0, 0, 0, 1.0},
-      {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 15, 1, 0, 10.0},  // terms beyond the table are left out
-  };
-  for (const auto& row : rows) {
-    fabc = row.coefficients;
-    ulC5 = row.degree;
+      {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 15, 1, 0, 10.0}};  // terms beyond the table are left out
+  for (const auto& [coefficients, degree, position, fraction, rate] : rows) {
+    fabc = coefficients;
+    ulC5 = degree;
     count_890_rate::k = 0;
-    EXPECT_DOUBLE_EQ(sampleAt(row.position, row.fraction), row.rate) << row.fraction;
+    EXPECT_DOUBLE_EQ(sampleAt(position, fraction), rate) << fraction;
   }
 }
 
@@ -181,26 +165,23 @@ TEST_F(Magnification, AskingForTheRateReadsNothing) {
 }
 
 TEST_F(Magnification, FieldOfViewFollowsTheFamily) {
-  const struct {
-    std::vector<int> productIds;
-    double atOne;  // micrometres at x1
-  } rows[] = {
+  const Rows<std::vector<int>, double> rows = {
+      // micrometres at x1
       {{0, 0x9C0, 0x9E7}, 352000.0},
       {{0x970, 0x925, 0x9B3}, 352000.0 * 0.2744 * 2592 / 640},
       {{0x87F, 0x9E0, 0x9E6}, 352000.0 * 0.5555 * 2},
-      {{0x9A0, 0x9DF}, 352000.0 * 1.19048},
-  };
-  for (const auto& row : rows) {
-    for (const int pid : row.productIds) {
+      {{0x9A0, 0x9DF}, 352000.0 * 1.19048}};
+  for (const auto& [productIds, atOne] : rows) {
+    for (const int pid : productIds) {
       nCurrPid = pid;
-      for (const int wifi : {-1, 90}) EXPECT_NEAR(FOVx(wifi, 2.0), row.atOne / 2, 1e-6) << pid;
+      for (const int wifi : {-1, 90}) EXPECT_NEAR(FOVx(wifi, 2.0), atOne / 2, 1e-6) << pid;
       EXPECT_EQ(nPid, pid);
     }
   }
   nCurrPid = 0x970;
   strOrvaDevice[2] = "vid_3c7e&pid_0870";
   EXPECT_NEAR(FOVx(2, 1.0), 352000.0 * 0.5555 * 2, 1e-6);
-  EXPECT_NEAR(FOVx(3, 2.0), 176000.0, 1e-6) << "no such device";
+  EXPECT_NEAR(FOVx(3, -2.0), -176000.0, 1e-6) << "no such device";
   EXPECT_TRUE(std::isinf(FOVx(3, 0.0)));
 }
 

@@ -51,15 +51,16 @@ TEST_F(BridgeWire, RegistersAndI2cOnEveryFirmware) {
     bool overHid;
     BridgeFirmware firmware;
     std::uint32_t fast;
-    std::string registers, i2cWrite, i2cRead;  // legacy I2C reads send the sub-address first
+    // Legacy I2C reads send the sub-address first. It has the speed where no data follow.
+    std::string registers, i2cWrite, i2cRead;
   } rows[] = {
       {false, BridgeFirmware::oneShot, 0, "27[32] 00 17 02 23 81, 26[32] 00 17 02, get 26 32",
        "21[32] 00 62 00 01 03 01 4D", "20[32] 00 62 00 01 03 01, get 20 32"},
-      {false, BridgeFirmware::wide, 0,
+      {false, BridgeFirmware::wide, 1,
        "27[32] 00 17 02 23 81, 1[1] 05, 11[5] 00 17 02 23 81, 1[1] 01, "
        "26[32] 00 17 02, 1[1] 03, 10[3] 00 17 02, get 10 2, 1[1] 01",
-       "21[32] 00 62 00 01 03 01 4D, 1[1] 05, 5[5] 62 02 01 03 4D, 1[1] 01, " + status,
-       "20[32] 00 62 00 01 03 01, 21[32] 00 62 00 01 03, 1[1] 04, 5[4] 62 01 00 03, 1[1] 01, " +
+       "21[32] 00 62 01 01 03 01 4D, 1[1] 05, 5[5] 62 02 01 03 4D, 1[1] 01, " + status,
+       "20[32] 00 62 01 01 03 01, 21[32] 00 62 01 01 03, 1[1] 04, 5[4] 62 01 01 03, 1[1] 01, " +
            status + ", 1[1] 03, 4[3] 62 01 01, get 4 1, 1[1] 01, " + status},
       {true, BridgeFirmware::oneShot, 1, hidRegisters,
        "97[40] 0D 00 62 01 01 03 01 4D, 93[40] 0D 00 62 01 01 03 01 4D",
@@ -86,16 +87,6 @@ TEST_F(BridgeWire, RegistersAndI2cOnEveryFirmware) {
   }
 }
 
-TEST_F(ExtensionUnitWire, LegacyI2cHasTheSpeedWhereNoDataFollow) {
-  plug(0x970, {.firmware = BridgeFirmware::wide});
-  etLib2_SelectI2cBus_DevNum(0, 2, 1);
-  journal();
-  EXPECT_EQ(readI2c(0x62), 0u);
-  EXPECT_TRUE(
-      bytes().starts_with("20[32] 00 62 01 01 03 01, 21[32] 00 62 01 01 03, "
-                          "1[1] 04, 5[4] 62 01 01 03, "));
-}
-
 TEST_F(ExtensionUnitWire, NarrowLegacyFirmware) {
   plug(0x970, {.firmware = BridgeFirmware::narrow});
   EXPECT_EQ(write(0x80, 1, 0xF2), 0u);
@@ -108,32 +99,19 @@ TEST_F(ExtensionUnitWire, NarrowLegacyFirmware) {
   EXPECT_EQ(readI2c(0x62, 0x4D), 0u);
 }
 
-TEST_F(ExtensionUnitWire, RefusedAccessModeEndsTheAccess) {
-  plug(0x970, {.firmware = BridgeFirmware::wide});
-  machine().set({Fault::fails, 2, 1});  // the access mode, after the one-shot request
-  EXPECT_EQ(read(0x85, 1), failed);
-  EXPECT_EQ(bytes(), "26[32] 85 00 01, 1[1] 03");
-  machine().set({Fault::fails, 2, 1});
-  EXPECT_EQ(write(0x80, 1, 0), failed);
-  EXPECT_EQ(bytes(), "27[32] 80 00 01, 1[1] 04");
-}
-
 class ScriptedCamera : public ExtensionUnitWire {
  protected:
-  std::shared_ptr<ScriptedNode> node = plugScripted({{0}});
+  std::shared_ptr<ScriptedPort> node = plugScripted({{0}});
 };
 
 TEST_F(ScriptedCamera, ItsReplyCountHoldsWithinTheReply) {
-  const struct {
-    std::uint8_t count;
-    std::array<std::uint8_t, 3> data;  // for a read of three bytes
-  } rows[] = {
-      {0, {0, 0, 0}}, {2, {11, 22, 0}}, {3, {11, 22, 33}}, {31, {11, 22, 33}}, {255, {11, 22, 33}}};
-  for (const auto& row : rows) {
-    node->replies = {{row.count, 11, 22, 33, 44}};
-    std::array<std::uint8_t, 3> data = {1, 1, 1};
+  using Reply = std::array<std::uint8_t, 3>;
+  for (const auto& [count, expected] : Rows<std::uint8_t, Reply>{
+           {0, {0, 0, 0}}, {2, {11, 22, 0}}, {3, {11, 22, 33}}, {255, {11, 22, 33}}}) {
+    node->replies = {{count, 11, 22, 33, 44}};
+    Reply data = {1, 1, 1};
     EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 0, nullptr, 3, data.data()), 0u);
-    EXPECT_EQ(data, row.data) << int{row.count};
+    EXPECT_EQ(data, expected) << int{count};
   }
 }
 
@@ -151,6 +129,10 @@ TEST_F(ScriptedCamera, WhatItRefusesHasFailed) {
   EXPECT_EQ(bytes(),
             "26[32] 85 00 01, 1[1] 03, 10[3] 85 00 01, 1[1] 01, 1[1] 02, 2[2] 85 01, 1[1] 01")
       << "no get after a refused set";
+  node->refused = {26, 27, 1};
+  EXPECT_EQ(read(0x85, 1), failed);
+  EXPECT_EQ(write(0x80, 1, 0), failed);
+  EXPECT_EQ(bytes(), "26[32] 85 00 01, 1[1] 03, 27[32] 80 00 01, 1[1] 04") << "no access mode";
 }
 
 TEST_F(ScriptedCamera, OneShotReadWhoseAnswerIsLostGoesTheLegacyWay) {
@@ -230,7 +212,7 @@ TEST_F(HidWire, GenerationTwoAlwaysTakesTheWideForm) {
 
 TEST_F(HidWire, CustomCommandsCarryNoCode) {
   plugHid(0x970);
-  std::array<std::uint8_t, 40> buffer = {0xF2, 0x01};
+  std::array<std::uint8_t, 40> buffer{};
   for (const std::uint8_t command : std::array<std::uint8_t, 2>{29, 5}) {
     buffer = {0xF2, 0x01};
     EXPECT_EQ(etLib2_Custom_CMD_Write(0, command, 40, buffer.data()), 0u);
@@ -242,33 +224,18 @@ TEST_F(HidWire, CustomCommandsCarryNoCode) {
       << "both reports must be taken";
 }
 
-// A device that takes every report and answers these bytes.
-class ScriptedDevice final : public simulator::CameraPort {
- public:
-  std::array<std::uint8_t, 41> reply{};
-
-  bool setFeature(simulator::Bytes) override { return true; }
-  bool getFeature(simulator::Room report) override {
-    std::copy(reply.begin(), reply.end(), report.begin());
-    return true;
-  }
-};
-
 TEST_F(HidWire, OneShotReadNeedsABelievableCount) {
-  const auto device = std::make_shared<ScriptedDevice>();
+  const auto device = std::make_shared<ScriptedPort>();
   machine().hidInterfaces = {{HidInterface{"p", 3, {0x97, 0x93, 0x87}, device}}};
   etLib2_Init();
-  const struct {
-    std::uint8_t count;
-    std::uint32_t status;
-  } rows[] = {{0, failed}, {1, 0}, {38, 0}, {39, failed}, {255, failed}};
-  for (const auto& row : rows) {
-    device->reply = {row.count, 0x11, 0x22};
+  for (const auto& [count, status] : Rows<std::uint8_t, std::uint32_t>{
+           {0, failed}, {1, 0}, {38, 0}, {39, failed}, {255, failed}}) {
+    device->replies = {{count, 0x11, 0x22}};
     std::uint8_t data = 9;
-    EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 0, nullptr, 1, &data), row.status) << int{row.count};
-    EXPECT_EQ(data, row.status == 0 ? 0x11 : 9);
+    EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 0, nullptr, 1, &data), status) << int{count};
+    EXPECT_EQ(data, status == 0 ? 0x11 : 9);
   }
-  device->reply = {38, 0x11, 0x22};
+  device->replies = {{38, 0x11, 0x22}};
   std::array<std::uint8_t, 64> bytes;
   bytes.fill(0xEE);
   EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0x62, 0, nullptr, 64, bytes.data()), 0u);
@@ -286,23 +253,18 @@ TEST_F(HidWire, WhatFitsNoReportFails) {
 }
 
 TEST_F(HidWire, KnowsBridgesByTheirReports) {
-  const struct {
-    std::optional<std::size_t> items;
-    std::vector<std::uint8_t> ids;
-    bool isBridge;
-  } rows[] = {
-      {2, {0x87, 0x93}, true},
-      {3, {0x93, 0x97, 0x87}, true},
-      {1, {0x87, 0x93}, false},              // only as many entries count as there are items
-      {4, {0x87, 0x93, 0x97, 0x98}, false},  // too many
-      {3, {0x87, 0x97, 0x98}, false},
-      {3, {0x87}, false},
-      {0, {}, false},
-      {std::nullopt, {0x87, 0x93}, false},  // cannot be described
-  };
-  for (const auto& row : rows) {
-    machine().hidInterfaces = {{HidInterface{"p", row.items, row.ids, nullptr}}};
-    EXPECT_EQ(etLib2_Init(), row.isBridge ? 1 : 0) << row.ids.size();
+  using Ids = std::vector<std::uint8_t>;
+  for (const auto& [items, ids, isBridge] : Rows<std::optional<std::size_t>, Ids, bool>{
+           {2, {0x87, 0x93}, true},
+           {3, {0x93, 0x97, 0x87}, true},
+           {1, {0x87, 0x93}, false},              // only as many entries count as there are items
+           {4, {0x87, 0x93, 0x97, 0x98}, false},  // too many
+           {3, {0x87, 0x97, 0x98}, false},
+           {3, {0x87}, false},
+           {0, {}, false},
+           {std::nullopt, {0x87, 0x93}, false}}) {  // cannot be described
+    machine().hidInterfaces = {{HidInterface{"p", items, ids, nullptr}}};
+    EXPECT_EQ(etLib2_Init(), isBridge ? 1 : 0) << ids.size();
   }
 }
 

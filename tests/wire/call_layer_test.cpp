@@ -198,21 +198,6 @@ TEST_F(CallLayer, RefusesWhatDoesNotFit) {
   EXPECT_EQ(etLib2_RegRead_DevNum(0, 0x10085, 0x101, &value), 0u) << "only the low parts count";
 }
 
-TEST_F(CallLayer, InitTwiceClosesAndOpens) {
-  VirtualBridge other(0x870);
-  machine().videoInputs.push_back(bridgeInput(other, "2"));
-  EXPECT_EQ(etLib2_GetDevTotalNum(), 1);
-  EXPECT_EQ(etLib2_Init(), 1);
-  EXPECT_EQ(etLib2_GetDevTotalNum(), 2);
-  EXPECT_EQ(machine().open.filters, 2);
-  EXPECT_EQ(machine().open.comInitializations, 1);
-  machine().videoInputs.clear();
-  EXPECT_EQ(etLib2_Init(), 0);
-  EXPECT_EQ(etLib2_GetDevTotalNum(), 0);
-  EXPECT_EQ(readStatus(), failed);
-  EXPECT_EQ(machine().open, simulator::OpenCounts{});
-}
-
 TEST_F(CallLayer, OpeningNeedsTheMutexForAWhile) {
   etLib2_Release();
   holdMutexFor(2500);
@@ -224,24 +209,22 @@ TEST_F(CallLayer, OpeningNeedsTheMutexForAWhile) {
 using BusSelection = CallLayer;
 
 TEST_F(BusSelection, SwitchesTheBusAndThenTheSpeed) {
-  const struct {
-    std::uint8_t bus;
-    std::uint32_t fast, select;
-    const char* read;  // the next one; on the other bus there is no camera
-  } rows[] = {{2, 1, 0x04, "r62.80f"},
-              {2, 0, 0x04, "r62.80"},
-              {1, 7, 0x00, nullptr},
-              {0, 0, 0x04, "r62.80"},
-              {255, 1, 0x04, "r62.80f"}};
-  for (const auto& row : rows) {
-    etLib2_SelectI2cBus_DevNum(0, row.bus, row.fast);
-    EXPECT_EQ(camera.chip.peek(6) & 0x04, row.select) << int{row.bus};
-    EXPECT_EQ(i2cSpeed, row.fast != 0 ? 0x10 : 0);
-    if (row.read == nullptr) continue;
+  // The next read comes after it; on the other bus there is no camera.
+  const Rows<std::uint8_t, std::uint32_t, std::uint32_t, const char*> rows = {
+      {2, 1, 0x04, "r62.80f"},
+      {2, 0, 0x04, "r62.80"},
+      {1, 7, 0x00, nullptr},
+      {0, 0, 0x04, "r62.80"},
+      {255, 1, 0x04, "r62.80f"}};
+  for (const auto& [bus, fast, select, read] : rows) {
+    etLib2_SelectI2cBus_DevNum(0, bus, fast);
+    EXPECT_EQ(camera.chip.peek(6) & 0x04, select) << int{bus};
+    EXPECT_EQ(i2cSpeed, fast != 0 ? 0x10 : 0);
+    if (read == nullptr) continue;
     std::uint8_t sub = 0x80, data = 0;
     journal();
     etLib2_I2cRead_DevNum(0, 0x62, 1, &sub, 1, &data);
-    EXPECT_EQ(trafficIn(journal()), row.read) << int{row.bus};
+    EXPECT_EQ(trafficIn(journal()), read) << int{bus};
   }
   etLib2_Release();
   etLib2_Init();

@@ -10,6 +10,19 @@
 namespace qvx::tests {
 namespace {
 
+TEST(ProductId, IsTheFourHexadecimalDigitsAfterPid) {
+  for (const auto& [path, pid] : {std::pair("\\\\?\\usb#vid_3c7e&pid_0970&mi_00#7&1", 0x970),
+                                  {"vid_3c7e&pid_9e0f0", 0x9E0F},    // four digits, not more
+                                  {"pid_09b0 and pid_0870", 0x9B0},  // the first one counts
+                                  {"pid_09g0", 0x9},                 // as far as the digits go
+                                  {"pid_", 0},
+                                  {"pid_9", 0x9},
+                                  {"vid_3c7e", 0},
+                                  {"", 0}}) {
+    EXPECT_EQ(productIdIn(path), pid) << path;
+  }
+}
+
 class Enumeration : public LibraryTest {
  protected:
   void plug(std::wstring path, std::optional<std::wstring> name) {

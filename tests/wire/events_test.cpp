@@ -129,22 +129,6 @@ TEST_F(BridgeButton, ASilentCameraFiresNothing) {
   EXPECT_EQ(firedIn(), 0);
 }
 
-// A camera that answers one sample after the other.
-class Sampled final : public simulator::CameraPort {
- public:
-  std::vector<int> samples;  // below 0: no answer
-
-  std::optional<std::size_t> transfer(const simulator::UsbSetup& setup,
-                                      simulator::Room buffer) override {
-    if (setup.value != 0x0201 || setup.request != 0x81) return buffer.size();
-    const int sample = samples.empty() ? -1 : samples.front();
-    if (!samples.empty()) samples.erase(samples.begin());
-    if (sample < 0) return std::nullopt;
-    buffer[0] = static_cast<std::uint8_t>(sample);
-    return 1;
-  }
-};
-
 class Usb3Button : public Events {
  protected:
   Usb3Button() {
@@ -152,29 +136,29 @@ class Usb3Button : public Events {
     name(0, 0x9B1);  // its feature register is not read over USB 3
   }
 
-  // The tick, counted from 1, at which the callback comes; 0 for none.
-  int firesAt(std::vector<int> samples) {
+  // The tick, counted from 1, at which the callback comes; 0 for none. A sample below 0 is not
+  // answered.
+  int firesAt(const std::vector<int>& samples) {
     timer_2_proc::barry = -1;
-    button->samples = samples;
+    button->replies.clear();
+    for (const int sample : samples) {
+      button->replies.emplace_back(sample < 0 ? 0 : 1, static_cast<std::uint8_t>(sample));
+    }
     EnablePressKey(1);
     int fired = 0;
     for (int i = 1; i <= std::ssize(samples); ++i) fired = firedIn() != 0 ? i : fired;
     return fired;
   }
 
-  std::shared_ptr<Sampled> button = std::make_shared<Sampled>();
+  std::shared_ptr<ScriptedPort> button = std::make_shared<ScriptedPort>();
 };
 
 TEST_F(Usb3Button, DebouncesThreeSamples) {
-  const struct {
-    std::vector<int> samples;
-    int firesAt;
-  } rows[] = {
-      {{1, 1, 1}, 3},    {{1, 0, 1, 1}, 4},         {{1, 1, 0, 1}, 4},       {{0, 1, 1}, 3},
-      {{0, 0, 0, 0}, 0}, {{-1, 1, -1, 1, 2, 1}, 6}, {{1, 1, 1, 1, 1, 1}, 6},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(firesAt(row.samples), row.firesAt) << testing::PrintToString(row.samples);
+  const Rows<std::vector<int>, int> rows = {
+      {{1, 1, 1}, 3},    {{1, 0, 1, 1}, 4},         {{1, 1, 0, 1}, 4},      {{0, 1, 1}, 3},
+      {{0, 0, 0, 0}, 0}, {{-1, 1, -1, 1, 2, 1}, 6}, {{1, 1, 1, 1, 1, 1}, 6}};
+  for (const auto& [samples, tick] : rows) {
+    EXPECT_EQ(firesAt(samples), tick) << testing::PrintToString(samples);
   }
 }
 

@@ -1,6 +1,7 @@
 // Exposure, its automatic and the mains flicker: calls in, sensor registers out, for every family.
 #include <climits>
 #include <map>
+#include <span>
 
 #include "tests/support/cameras.h"
 #include "tests/support/every_export.h"
@@ -25,11 +26,12 @@ struct Table {
 class Exposure : public CameraTest {
  protected:
   int at(int reg) { return camera().sensor.at(static_cast<std::uint16_t>(reg)); }
+  void setSensor(int reg, int value) {
+    camera().sensor.set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
+  }
 
   void program(int value) {
-    for (const int reg : {0x3503, 0x0380, 0x0120, 0x13}) {
-      camera().sensor.set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
-    }
+    for (const int reg : {0x3503, 0x0380, 0x0120, 0x13}) setSensor(reg, value);
     const auto mode4xx7 = static_cast<std::uint32_t>(value);
     etLib2_RegWrite_DevNum(0, 0x1700, 2, &mode4xx7);
   }
@@ -37,11 +39,14 @@ class Exposure : public CameraTest {
   void check(const Table& table, const Row& row, int pid, int index) {
     SCOPED_TRACE(testing::Message() << table.call << std::hex << " 0x" << pid << " " << row.value);
     bWait = 9;
+    nPid = pid;  // which the flicker goes by
+    nTmpIdx = index < 0 ? 90 : index;
     journal();
     EXPECT_EQ(exportNamed(table.call).call({.index = index, .value = row.value}), row.result);
     EXPECT_EQ(traffic(), row.traffic);
     EXPECT_EQ(bWait, row.waits);
     EXPECT_EQ(nPid, pid);
+    EXPECT_EQ(nTmpIdx, index < 0 ? 90 : index);
   }
 };
 
@@ -135,19 +140,6 @@ const Table bridgeTables[] = {
       {{0x9D0}, 0, "", "", 9}}},
 };
 
-TEST_F(Exposure, OfEveryFamilyBehindABridge) {
-  for (const Table& table : bridgeTables) {
-    for (const Row& row : table.rows) {
-      for (const int pid : row.pids) {
-        plug(pid);
-        if (row.before != 0) program(row.before);
-        nPid = pid;  // which the flicker goes by
-        check(table, row, pid, 0);
-      }
-    }
-  }
-}
-
 const std::string askWifi = "r62.80 p5 ";
 const Table wifiTables[] = {
     {"SetExposureValue",
@@ -167,30 +159,43 @@ const Table wifiTables[] = {
     {"GetAutoExposure", {{{0x9A0}, 0, askWifi + askWifi + "p50 r42.13 p5", "1", 9}}},
 };
 
-TEST_F(Exposure, OfTheWifiCameraUnderBothIndexes) {
-  for (const Table& table : wifiTables) {
-    for (const Row& row : table.rows) {
-      for (const int index : {90, -1}) {
-        plugWifi(row.pids[0]);
-        nTmpIdx = 90;
-        check(table, row, row.pids[0], index);
-        EXPECT_EQ(nTmpIdx, 90);
-      }
-    }
-  }
+// It can be set, but not read.
+const Table usb3Tables[] = {
+    {"SetExposureValue",
+     {{{0x9B0}, 300, "w78.350C=01 w78.350D=1A w78.3500=00 w78.3501=12 w78.3502=C0"}}},
+    {"GetExposureValue", {{{0x9B0}, 0, "r62.80 r62.80", "0", 0}}},
+    {"SetAETarget", {{{0x9B0}, 250, "w78.3A1E=D0 w78.3A1B=E0 w78.3A10=D2 w78.3A0F=DE"}}},
+    {"GetAETarget", {{{0x9B0}, 0, "r78.3A1E", "56"}}},
+    {"SetAutoExposure", {{{0x9B0}, 0, "r62.80 r78.3503 w78.3503=07"}}},
+    {"GetAutoExposure", {{{0x9B0}, 0, "r62.80 r78.3503", "1", 9}}},
+    {"SetFlicker", {{{0x9B0}, 2, "w78.3C01=B4 w78.3C00=04", "", 9}}}};
+
+TEST_F(Exposure, OfEveryFamilyOnEveryTransport) {
+  const auto checkAll = [this](std::span<const Table> tables, const std::vector<int>& indexes,
+                               const std::function<void(int)>& plugIn) {
+    for (const Table& table : tables)
+      for (const Row& row : table.rows)
+        for (const int pid : row.pids)
+          for (const int index : indexes) {
+            plugIn(pid);
+            if (row.before != 0) program(row.before);
+            check(table, row, pid, index);
+          }
+  };
+  checkAll(bridgeTables, {0}, [this](int pid) { plug(pid); });
+  checkAll(usb3Tables, {0}, [this](int pid) { plugUsb3(pid); });
+  checkAll(wifiTables, {90, -1}, [this](int pid) { plugWifi(pid); });
 }
 
 TEST_F(Exposure, LongestExposureGoesInSteps) {
-  const struct {
-    int value, high, low;
-  } rows[] = {{63, 0, 64},    {64, 0, 96},      {132, 0, 96},    {133, 0, 149}, {265, 0, 149},
-              {266, 1, 26},   {532, 1, 26},     {533, 2, 37},    {999, 2, 37},  {1000, 3, 248},
-              {1001, 3, 249}, {INT_MIN, 0, 64}, {INT_MAX, 1, 15}};
+  const Rows<int, int, int> rows = {
+      {63, 0, 64},    {64, 0, 96},      {132, 0, 96},    {133, 0, 149}, {265, 0, 149},
+      {266, 1, 26},   {532, 1, 26},     {533, 2, 37},    {999, 2, 37},  {1000, 3, 248},
+      {1001, 3, 249}, {INT_MIN, 0, 64}, {INT_MAX, 1, 15}};
   plug(0x970);
-  for (const auto& row : rows) {
-    SetExposureValue(0, row.value);
-    EXPECT_EQ(at(0x350C), row.high) << row.value;
-    EXPECT_EQ(at(0x350D), row.low) << row.value;
+  for (const auto& [value, high, low] : rows) {
+    SetExposureValue(0, value);
+    EXPECT_EQ(std::pair(at(0x350C), at(0x350D)), std::pair(high, low)) << value;
   }
 }
 
@@ -222,8 +227,8 @@ TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
       ASSERT_EQ(at(0x0202) * 256 + at(0x0203), expectedFor(shutterOneLess, value)) << value;
       ++timesOff[GetExposureValue(0) - value];
     }
-    camera().sensor.set(0x0202, static_cast<std::uint8_t>(value / 256));
-    camera().sensor.set(0x0203, static_cast<std::uint8_t>(value % 256));
+    setSensor(0x0202, value / 256);
+    setSensor(0x0203, value % 256);
     ASSERT_EQ(GetExposureValue(0), expectedFor(exposureOneLess, value)) << value;
   }
   EXPECT_EQ(timesOff, (std::map<qvx_long, int>{{-1, 88}, {0, 649}, {1, 388}})) << "as noted";
@@ -233,22 +238,15 @@ TEST_F(Exposure, ShutterFormulaOverItsWholeRange) {
 
 // Every register with a value of its own. The sensor at 0x42 has two exposures, which are added.
 TEST_F(Exposure, IsReadFromEveryRegister) {
-  const struct {
-    int pid;
-    std::map<int, int> registers;
-    qvx_long lines;
-  } rows[] = {
+  const Rows<int, std::map<int, int>, qvx_long> rows = {
       {0x970, {{0x3500, 0x0F}, {0x3501, 0xA5}, {0x3502, 0x7C}}, 0xFA57},
       {0x870, {{0x15, 0xFE}, {0x16, 0xDC}}, 0xFEDC},
       {0x9A1, {{0x08, 0xA1}, {0x10, 0xB2}, {0x2E, 0xC3}, {0x2D, 0xD4}}, 0xA1B2 + 0xC3D4},
-      {0x9E0, {{0x0340, 0xFE}, {0x0341, 0xDC}}, 0xFEDC},
-  };
-  for (const auto& row : rows) {
-    plug(row.pid);
-    for (const auto& [reg, value] : row.registers) {
-      camera().sensor.set(static_cast<std::uint16_t>(reg), static_cast<std::uint8_t>(value));
-    }
-    EXPECT_EQ(GetExposureValue(0), row.lines) << std::hex << row.pid;
+      {0x9E0, {{0x0340, 0xFE}, {0x0341, 0xDC}}, 0xFEDC}};
+  for (const auto& [pid, registers, lines] : rows) {
+    plug(pid);
+    for (const auto& [reg, value] : registers) setSensor(reg, value);
+    EXPECT_EQ(GetExposureValue(0), lines) << std::hex << pid;
   }
 }
 
@@ -265,20 +263,18 @@ TEST_F(Exposure, TargetWithoutAProductId) {
 // By `nPid` alone: the block of ids from each row's first to the next row's takes this sensor's
 // writes.
 TEST_F(Exposure, FlickerKnowsItsRanges) {
-  const struct {
-    int first;
-    const char* write;
-  } rows[] = {{-1, ""},       {0x870, "w48"},     {0x890, ""},    {0x900, "w78"},
-              {0x90A, ""},    {0x910, "w48"},     {0x920, "w78"}, {0x950, ""},
-              {0x960, "w78"}, {0x9A0, "w42"},     {0x9B0, "w78"}, {0x9C0, "w48"},
-              {0x9D0, "w42"}, {0x9E0, "capture"}, {0x9F0, ""},    {0xA71, ""}};
+  const std::pair<int, std::string> rows[] = {
+      {-1, ""},       {0x870, "w48"},     {0x890, ""},    {0x900, "w78"},
+      {0x90A, ""},    {0x910, "w48"},     {0x920, "w78"}, {0x950, ""},
+      {0x960, "w78"}, {0x9A0, "w42"},     {0x9B0, "w78"}, {0x9C0, "w48"},
+      {0x9D0, "w42"}, {0x9E0, "capture"}, {0x9F0, ""},    {0xA71, ""}};
   for (const auto* row = rows; row + 1 != std::end(rows); ++row) {
     for (int pid = row->first; pid < row[1].first; ++pid) {
       nPid = pid;
       printedBy([] { SetFlicker(-1, 1); });
-      const std::string all = traffic(), write = row->write;
-      EXPECT_EQ(all.empty(), write.empty()) << std::hex << pid;
-      EXPECT_NE(all.find(write), std::string::npos) << std::hex << pid;
+      const std::string all = traffic();
+      EXPECT_EQ(all.empty(), row->second.empty()) << std::hex << pid;
+      EXPECT_NE(all.find(row->second), std::string::npos) << std::hex << pid;
     }
   }
 }
@@ -290,13 +286,12 @@ TEST_F(Exposure, FlickerIsAPropertyOfTheCurrentDeviceOn4xx7) {
   const std::string sets[] = {"", "capture: set 13 to 2 manually", "capture: set 13 to 1 manually",
                               ""};
   for (int mode = 0; mode < 4; ++mode) {
-    const std::string& set = sets[mode];
     nPid = 0x9E0;
     journal();
     SetFlicker(5, mode);
     const std::string all = traffic();
-    EXPECT_EQ(all.find("capture: set") == std::string::npos, set.empty()) << mode;
-    EXPECT_NE(all.find(set), std::string::npos) << mode;
+    EXPECT_EQ(all.find("capture: set") == std::string::npos, sets[mode].empty()) << mode;
+    EXPECT_NE(all.find(sets[mode]), std::string::npos) << mode;
   }
 }
 

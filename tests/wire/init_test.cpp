@@ -62,29 +62,26 @@ TEST_F(InitWifi, SettlesTheDevice) {
             std::tuple(90, 0x970, 0x970, 90, 1, 1));
   EXPECT_EQ(std::tuple(n80, n83, nC5, ul80, ulC3), std::tuple(0x40u, 4u, 255u, 0x40u, 1u));
   EXPECT_EQ(machine().open.comInitializations, 0);
-  // Left open: the probe's request and, of each of the reads, session and request.
-  EXPECT_EQ(machine().open.internetRequests, 32 + 1);
-  EXPECT_EQ(machine().open.internetSessions, 32);
+  EXPECT_EQ(openHttp(), std::pair(32, 32 + 1)) << "of each read, and the probe's request";
 }
 
 // Init, a command on the kept base and a request that builds its own.
 TEST_F(InitWifi, FindsTheCameraWhereTheEnvironmentSays) {
-  const auto addressed = [this](const char* address) {
+  using Hosts = std::set<std::string>;
+  for (const auto& [address, expected] : {std::pair("", Hosts{"http://127.0.0.1:8080"}),
+                                          {"localhost", {}},
+                                          {"10.1.2.3:81", {"http://10.1.2.3:81"}}}) {
     machine().environment["QVX64_WIFI_CAMERA"] = address;
     initQuietly();
     SetSEGLevel(90, 1);
     GetWiFiImage("still.jpg");
     SetVideoProcAmp(0, 5);
-    std::set<std::string> hosts;
+    Hosts hosts;
     for (const std::string& line : journal())
       if (line.starts_with("GET ")) hosts.insert(line.substr(4, line.find('/', 12) - 4));
-    return hosts;
-  };
-  using Hosts = std::set<std::string>;
-  EXPECT_EQ(addressed(""), Hosts{"http://127.0.0.1:8080"});
-  EXPECT_EQ(addressed("10.1.2.3:81"), Hosts{"http://10.1.2.3:81"});
-  EXPECT_EQ(sRegC3.find("http://10.1.2.3:81/"), 0u);
-  EXPECT_EQ(addressed("localhost"), Hosts{});
+    EXPECT_EQ(hosts, expected);
+  }
+  EXPECT_TRUE(sRegC3.starts_with("http://10.1.2.3:81/"));
 }
 
 TEST_F(InitWifi, TellsTheDebuggerOfAnAddressThatIsNone) {
@@ -100,35 +97,28 @@ TEST_F(InitWifi, TellsTheDebuggerOfAnAddressThatIsNone) {
 
 TEST_F(InitWifi, ReadsTheProductIdFromTheDeviceList) {
   const std::string entry = R"({"idVendor": "0x3c7e", "idProduct": "0x)";
-  const struct {
-    simulator::HttpAnswer answer;
-    int pid = 0;
-    bool toEverything = false;  // that is asked
-  } rows[] = {
-      {{true, {entry + "0970\"}," + entry + "09c1\"}"}}, 0x9C1},  // the last one counts
-      {{true, {entry + "0970\"}", entry + "0871\"}"}}, 0x871},    // over the chunks, too
-      {{true, {entry + "09"}}},                                   // cut short
-      {{true, {entry.substr(0, 30), entry.substr(30) + "0970"}}},
-      {{true, {std::string("x\0", 2) + entry + "0970"}}},  // text ends at a NUL
-      {{true, {entry + "zzzz\"}"}}},
-      {{true, {std::string(8192, '0')}, true}, 0, true},
-      {{true, {}, true}, 0, true},
-      {{true, {}}, 0, true},
-      {{true, {"re"}, true}, 0, true},
-      {{true, {std::string(20000, '\xFE')}}, 0, true},
-      {{true, {std::string("res:\0\0", 6)}}, 0, true},
-      {{true, {"res:2147483647"}}, 0, true},
-      {{true, {"res:-2147483648"}}, 0, true},
-      {{false, {}}, 0, true},
-  };
-  for (const auto& row : rows) {
+  // What comes in chunks, the product id in them, and whether everything is answered so.
+  const Rows<std::vector<std::string>, int, bool> rows = {
+      {{entry + "0970\"}," + entry + "09c1\"}"}, 0x9C1, false},  // the last one counts
+      {{entry + "0970\"}", entry + "0871\"}"}, 0x871, false},    // over the chunks, too
+      {{entry + "09"}, 0, false},                                // cut short
+      {{entry.substr(0, 30), entry.substr(30) + "0970"}, 0, false},
+      {{std::string("x\0", 2) + entry + "0970"}, 0, false},  // text ends at a NUL
+      {{entry + "zzzz\"}"}, 0, false},
+      {{std::string(8192, '0')}, 0, true},
+      {std::vector<std::string>{}, 0, true},
+      {{"re"}, 0, true},
+      {{std::string(20000, '\xFE')}, 0, true},
+      {{"res:2147483647"}, 0, true},
+      {{"res:-2147483648"}, 0, true}};
+  for (const auto& [chunks, pid, toEverything] : rows) {
     nPid = nCurrPid = 0;
     machine().wifi = [&](const std::string& url) {
-      const bool isIt = url.ends_with(".json") || (row.toEverything && url != cameraUrl);
-      return isIt ? row.answer : camera.answer(url);
+      const bool isIt = url.ends_with(".json") || (toEverything && url != cameraUrl);
+      return isIt ? simulator::HttpAnswer{true, chunks} : camera.answer(url);
     };
     EXPECT_EQ(initQuietly(), 1);
-    EXPECT_EQ(nPid, row.pid);
+    EXPECT_EQ(nPid, pid);
     machine().pumpMessages(2500);
   }
 }
@@ -139,7 +129,7 @@ TEST_F(InitWifi, WithoutACameraFails) {
   EXPECT_EQ(traffic(),
             "time-outs 2000 2000 GET http://127.0.0.1:8080/ floating point 0 mask 0 "
             "floating point 9001F mask 8001F");
-  EXPECT_EQ(machine().open.internetSessions, 0);
+  EXPECT_EQ(openHttp(), std::pair(0, 0));
   EXPECT_EQ(bWait, 0);
   EXPECT_EQ(GetVideoDeviceIndex(), 90);
   machine().wifi = camera.server();

@@ -178,12 +178,8 @@ TEST_F(Lens, RangesAndZeroPositions) {
 }
 
 TEST_F(Lens, SpeedFollowsOpticsAndMagnification) {
-  const struct {
-    std::uint8_t optics;
-    float rate;
-    int position;  // from a zero of 128
-    std::string move;
-  } rows[] = {
+  // From a zero of 128.
+  const Rows<int, float, int, const char*> rows = {
       {8, 20, 10, "w62.08=02f w18.0C=81f"},   {8, 20, 0, "w62.08=01f w18.00=01f"},
       {8, 20, -48, "w62.08=01f w18.3C=01f"},  {8, 1000, 10, "w62.08=02f w18.FD=E1f"},
       {0, 20, 10, "w62.08=02f w18.10=41f"},   {0, 4, -10, "w62.08=01f w18.19=01f"},
@@ -194,11 +190,11 @@ TEST_F(Lens, SpeedFollowsOpticsAndMagnification) {
       {8, -1, 9, "w62.08=02f w18.00=01f"},     // not a number
   };
   plug(0x9E0);
-  for (const auto& row : rows) {
-    set(0xC0, row.optics);
-    f890Rate = row.rate;
-    SetLensPos(0, row.position);
-    EXPECT_TRUE(traffic().ends_with(row.move)) << int{row.optics} << " at " << row.rate;
+  for (const auto& [optics, rate, position, moved] : rows) {
+    set(0xC0, optics);
+    f890Rate = rate;
+    SetLensPos(0, position);
+    EXPECT_TRUE(traffic().ends_with(moved)) << optics << " at " << rate;
   }
   set(0x50, 20);
   set(0xC0, 0);
@@ -208,19 +204,16 @@ TEST_F(Lens, SpeedFollowsOpticsAndMagnification) {
 }
 
 TEST_F(Lens, FineLimitsMoveWithTheOffset) {
-  const struct {
-    int pid, ahead, back;
-    const char* limits;
-  } rows[] = {{0x9EF, 12, 3, "1 1023 -999"},
-              {0x9BE, 254, 255, "1 1023 -515"},
-              {0x9B0, 255, 12, "1 999 -1023"},
-              {0x9B0, 0, 12, "1 1023 -1023"}};
-  for (const auto& row : rows) {
+  const Rows<int, int, int, const char*> rows = {{0x9EF, 12, 3, "1 1023 -999"},
+                                                 {0x9BE, 254, 255, "1 1023 -515"},
+                                                 {0x9B0, 255, 12, "1 999 -1023"},
+                                                 {0x9B0, 0, 12, "1 1023 -1023"}};
+  for (const auto& [pid, ahead, back, expected] : rows) {
     WifiRegisters camera;
-    camera.values = {{0xCA, coilDriver}, {0x5F, row.ahead}, {0x5E, row.back}};
+    camera.values = {{0xCA, coilDriver}, {0x5F, ahead}, {0x5E, back}};
     machine().wifi = camera.server();
-    nCurrPid = row.pid;
-    EXPECT_EQ(call(fineLimits, 90), row.limits) << std::hex << row.pid << ' ' << row.ahead;
+    nCurrPid = pid;
+    EXPECT_EQ(call(fineLimits, 90), expected) << std::hex << pid << ' ' << ahead;
   }
 }
 

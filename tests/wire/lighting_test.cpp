@@ -83,18 +83,16 @@ TEST_F(Lighting, TheFirstCommandEntersSegmentMode) {
 }
 
 TEST_F(Lighting, TheFirstCommandOverWifiCountsUnderBothIndexes) {
-  const Sent rows[] = {
-      {0x960, SetSEGSwitch, 1, "pins7=6 4=1 p 4=1 p"},
-      {0x9C0, SetSEGLevel, 1, "pins7=5 p 3=1 p p 3=1 p"},
-      {0x9C8, SetSEGLevel, 1, "pins7=6 p 3=1 p p 3=1 p"},
-      {0x9B0, SetSEGSwitch, 1, "pins7=6 4=1 p 4=1 p"},
-  };
-  for (const Sent& row : rows) {
-    plugWifi(row.pid);
+  const Rows<int, Command, const char*> rows = {{0x960, SetSEGSwitch, "pins7=6 4=1 p 4=1 p"},
+                                                {0x9C0, SetSEGLevel, "pins7=5 p 3=1 p p 3=1 p"},
+                                                {0x9C8, SetSEGLevel, "pins7=6 p 3=1 p p 3=1 p"},
+                                                {0x9B0, SetSEGSwitch, "pins7=6 4=1 p 4=1 p"}};
+  for (const auto& [pid, command, expected] : rows) {
+    plugWifi(pid);
     SEGCount[90] = 0;
-    row.command(-1, row.level);
-    row.command(90, row.level);
-    EXPECT_EQ(traffic(), row.traffic) << std::hex << row.pid;
+    command(-1, 1);
+    command(90, 1);
+    EXPECT_EQ(traffic(), expected) << std::hex << pid;
     EXPECT_EQ(SEGCount[90], 2);
   }
 }
@@ -157,25 +155,20 @@ TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
 TEST_F(Lighting, QuadrantsOnRingsThatHaveThem) {
   plug(0x9E2);
   nPid = 0x9E2;
-  const struct {
-    qvx_long quadrant, level;
-    const char* traffic;
-  } rows[] = {
-      {2, 12, "19=30 p 19=12 p"},
-      {2, 31, "19=31 p"},
-      {1, 300, "18=30 p 18=44 p"},
-      {3, 30, "20=30 p 20=30 p"},
-      {3, 5, "20=5 p"},
-      {4, 0, "21=30 p 21=0 p"},
-      {0, 7, "3=7 p"},
-      {5, 7, ""},
-      {-1, 7, ""},
-      {INT_MIN, 7, ""},
-      {INT_MAX, 7, ""},
-  };
-  for (const auto& row : rows) {
-    SetESEG(0, row.quadrant, row.level);
-    EXPECT_EQ(traffic(), row.traffic) << row.quadrant;
+  const Rows<qvx_long, qvx_long, const char*> rows = {{2, 12, "19=30 p 19=12 p"},
+                                                      {2, 31, "19=31 p"},
+                                                      {1, 300, "18=30 p 18=44 p"},
+                                                      {3, 30, "20=30 p 20=30 p"},
+                                                      {3, 5, "20=5 p"},
+                                                      {4, 0, "21=30 p 21=0 p"},
+                                                      {0, 7, "3=7 p"},
+                                                      {5, 7, ""},
+                                                      {-1, 7, ""},
+                                                      {INT_MIN, 7, ""},
+                                                      {INT_MAX, 7, ""}};
+  for (const auto& [quadrant, level, expected] : rows) {
+    SetESEG(0, quadrant, level);
+    EXPECT_EQ(traffic(), expected) << quadrant;
   }
   EXPECT_EQ(SEGCount[0], 0) << "these are not counted";
   set(0x83, 0);
@@ -207,21 +200,18 @@ TEST_F(Lighting, WifiTakesWholeNumbers) {
 }
 
 TEST_F(Lighting, SegmentModeIsOnWhenBothAnswersSaySo) {
-  const struct {
-    std::deque<std::vector<std::uint8_t>> answers;
-    bool on;
-    const char* traffic;
-  } rows[] = {
+  const Rows<std::deque<std::vector<std::uint8_t>>, bool, const char*> rows = {
       {{{0, 1, 0}, {0, 1, 0}}, true, "F2 0 F3 1"},  // asked with what the first answer left
-      {{{0, 0, 1}, {0, 0, 1}}, true, "F2 0 F3 0"},  {{{0, 0, 1}, {0, 0, 0}}, false, "F2 0 F3 0"},
-      {{{0, 0, 0}, {0, 1, 0}}, false, "F2 0 F3 0"}, {{{0, 2, 2}, {0, 2, 2}}, false, "F2 0 F3 2"},
-  };
+      {{{0, 0, 1}, {0, 0, 1}}, true, "F2 0 F3 0"},
+      {{{0, 0, 1}, {0, 0, 0}}, false, "F2 0 F3 0"},
+      {{{0, 0, 0}, {0, 1, 0}}, false, "F2 0 F3 0"},
+      {{{0, 2, 2}, {0, 2, 2}}, false, "F2 0 F3 2"}};
   const auto node = plugScripted({});
   nPid = 0x960;
-  for (const auto& row : rows) {
-    node->replies = row.answers;
-    EXPECT_EQ(isSEGMode(), row.on);
-    EXPECT_EQ(traffic(), row.traffic);
+  for (const auto& [answers, isOn, expected] : rows) {
+    node->replies = answers;
+    EXPECT_EQ(isSEGMode(), isOn);
+    EXPECT_EQ(traffic(), expected);
   }
   node->replies = {{0, 1, 1}};
   for (const int pid : {0x95F, 0x960, 0x99F, 0x9A0, 0x9C0}) {

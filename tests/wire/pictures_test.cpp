@@ -45,20 +45,15 @@ Journal session(const std::string& request) {
 TEST_F(VideoProcAmpCapture, AsksTheCurrentCameraInTheseSteps) {
   SetVideoProcAmp(0, -5);
   EXPECT_EQ(journal(), session("set 0 to -5 manually"));
+  simulator::OpenCounts leftOpen;  // all but the list and the graph
+  leftOpen.comInitializations = leftOpen.captureFilters = leftOpen.captureBuilders = 1;
+  leftOpen.streamConfigs = leftOpen.videoProcAmps = 1;
+  EXPECT_EQ(machine().open, leftOpen);
   EXPECT_EQ(GetVideoProcAmp(0), -5);
   EXPECT_EQ(journal(), session("get 0"));
   EXPECT_EQ(rangeOf(5), "0 72 500 1 100");
   EXPECT_EQ(journal(), session("range of 5"));
   EXPECT_EQ(other.camera.picture.get(*simulator::pictureControl(0)).value, 0);
-}
-
-TEST_F(VideoProcAmpCapture, LeavesAllButTheListAndTheGraphOpen) {
-  GetVideoProcAmp(0);
-  simulator::OpenCounts expected;
-  expected.comInitializations = 1;
-  expected.captureFilters = expected.captureBuilders = 1;
-  expected.streamConfigs = expected.videoProcAmps = 1;
-  EXPECT_EQ(machine().open, expected);
 }
 
 TEST_F(VideoProcAmpCapture, PropertyThatTheCameraLacksIsMinusOne) {
@@ -123,24 +118,19 @@ class VideoProcAmpWifi : public CameraTest {
 };
 
 TEST_F(VideoProcAmpWifi, SendsACommandAndDoesNotReadItsAnswer) {
-  const struct {
-    int property;
-    qvx_long value;
-    const char* sent;
-  } rows[] = {{0, -64, "9963776&group=1&value=-64"},
-              {1, 95, "9963777&group=1&value=95"},
-              {2, 1, "9963779&group=1&value=1"},
-              {3, 0, "9963778&group=1&value=0"},
-              {4, 7, "9963803&group=1&value=7"},
-              {5, 500, "9963792&group=1&value=500"},
-              {0, INT_MIN, "9963776&group=1&value=-2147483648"}};
-  for (const auto& row : rows) {
+  const Rows<int, qvx_long, const char*> rows = {{0, -64, "9963776&group=1&value=-64"},
+                                                 {1, 95, "9963777&group=1&value=95"},
+                                                 {2, 1, "9963779&group=1&value=1"},
+                                                 {3, 0, "9963778&group=1&value=0"},
+                                                 {4, 7, "9963803&group=1&value=7"},
+                                                 {5, 500, "9963792&group=1&value=500"},
+                                                 {0, INT_MIN, "9963776&group=1&value=-2147483648"}};
+  for (const auto& [property, value, sent] : rows) {
     machine().open = {};
-    SetVideoProcAmp(row.property, row.value);
+    SetVideoProcAmp(property, value);
     EXPECT_EQ(journal(),
-              Journal{"GET " + cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=" + row.sent});
-    EXPECT_EQ(machine().open.internetSessions, 0);
-    EXPECT_EQ(machine().open.internetRequests, 1);
+              Journal{"GET " + cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=" + sent});
+    EXPECT_EQ(openHttp(), std::pair(0, 1));
   }
 }
 
@@ -152,8 +142,7 @@ TEST_F(VideoProcAmpWifi, ReadsTheControlDocument) {
   EXPECT_EQ(journal(), Journal{"GET " + cameraUrl + "input_0_control.json"});
   EXPECT_EQ(rangeOf(2), "0 -40 40 1 0");
   EXPECT_EQ(rangeOf(4), "0 0 7 1 2");
-  EXPECT_EQ(machine().open.internetSessions, 3);
-  EXPECT_EQ(machine().open.internetRequests, 3);
+  EXPECT_EQ(openHttp(), std::pair(3, 3));
   for (const int index : {-1, -2, -3, INT_MIN}) {
     SetVideoDeviceIndex(index);
     EXPECT_EQ(GetVideoProcAmp(5), 100) << "under every negative index";
@@ -164,40 +153,25 @@ TEST_F(VideoProcAmpWifi, TakesEachReadAsADocument) {
   const std::string document = R"({"controls": [{"name": "Hue", "value": "9", "max": "40"}]})";
   const std::string others = R"({"controls": [{"name": "Gamma", "value": "1"}]})";
   const std::string padded = std::string(8192, ' ');
-  const struct {
-    std::vector<std::string> chunks;
-    int value;
-  } rows[] = {
-      {{document}, 9},
-      {{"junk", others, document}, 9},
-      {{document.substr(0, 30), document.substr(30)}, 0},
-      {{document.substr(0, 30), document.substr(30), document}, 9},
-      {{padded + document}, 9},
-      {{padded.substr(10) + document}, 0},
-      {{others}, 0},
-      {{std::string(1200, '['), document}, 9},
-      {{}, 0},
-  };
-  for (const auto& row : rows) {
+  using Chunks = std::vector<std::string>;
+  const Rows<Chunks, int> rows = {{{document}, 9},
+                                  {{"junk", others, document}, 9},
+                                  {{document.substr(0, 30), document.substr(30)}, 0},
+                                  {{document.substr(0, 30), document.substr(30), document}, 9},
+                                  {{padded + document}, 9},
+                                  {{padded.substr(10) + document}, 0},
+                                  {{others}, 0},
+                                  {{std::string(1200, '['), document}, 9},
+                                  {Chunks{}, 0}};
+  for (const auto& [chunks, value] : rows) {
     for (const bool breaksOff : {false, true}) {
-      machine().wifi = [&](const std::string&) {
-        return simulator::HttpAnswer{true, row.chunks, breaksOff};
-      };
+      answerWifi(chunks, breaksOff);
       machine().open = {};
-      EXPECT_EQ(GetVideoProcAmp(2), row.value);
-      EXPECT_EQ(rangeOf(2), row.value != 0 ? "0 0 40 0 0" : leftAlone);
-      EXPECT_EQ(machine().open.internetSessions, row.value != 0 ? 2 : 0);
-      EXPECT_EQ(machine().open.internetRequests, row.value != 0 ? 2 : 0);
+      EXPECT_EQ(GetVideoProcAmp(2), value);
+      EXPECT_EQ(rangeOf(2), value != 0 ? "0 0 40 0 0" : leftAlone);
+      EXPECT_EQ(openHttp(), value != 0 ? std::pair(2, 2) : std::pair(0, 0));
     }
   }
-}
-
-TEST_F(VideoProcAmpWifi, WithoutACamera) {
-  machine().wifi = nullptr;
-  SetVideoProcAmp(0, 1);
-  EXPECT_EQ(GetVideoProcAmp(0), 0);
-  EXPECT_EQ(rangeOf(0), leftAlone);
-  EXPECT_EQ(machine().open, simulator::OpenCounts{});
 }
 
 TEST_F(VideoProcAmpWifi, ToleratesNullPointers) {
@@ -212,16 +186,11 @@ TEST_F(VideoProcAmpWifi, ToleratesNullPointers) {
 
 class WifiImage : public CameraTest {
  protected:
-  void answer(std::vector<std::string> chunks, bool breaksOff = false) {
-    machine().wifi = [=](const std::string&) {
-      return simulator::HttpAnswer{true, chunks, breaksOff};
-    };
-  }
   std::string saved(const std::wstring& path = L"still.jpg") { return machine().files.at(path); }
 };
 
 TEST_F(WifiImage, IsSavedAsItComes) {
-  answer({"\xFF\xD8 first ", std::string("\0second", 7)});
+  answerWifi({"\xFF\xD8 first ", std::string("\0second", 7)});
   machine().files[L"still.jpg"] = "of yesterday, and longer than the new one";
   EXPECT_TRUE(GetWiFiImage("still.jpg"));
   EXPECT_EQ(saved(), "\xFF\xD8 first " + std::string("\0second", 7));
@@ -232,7 +201,7 @@ TEST_F(WifiImage, IsSavedAsItComes) {
 // A picture that the camera or the disk cuts short is not reported.
 TEST_F(WifiImage, OfAnySizeIsCopied) {
   const auto expectSaved = [this](std::size_t sent, bool breaksOff, std::size_t kept) {
-    answer(std::vector(sent == 0 ? 0 : 1, std::string(sent, 'j')), breaksOff);
+    answerWifi(std::vector(sent == 0 ? 0 : 1, std::string(sent, 'j')), breaksOff);
     EXPECT_TRUE(GetWiFiImage("still.jpg"));
     EXPECT_EQ(saved().size(), kept);
   };
@@ -248,12 +217,11 @@ TEST_F(WifiImage, OfAnySizeIsCopied) {
 TEST_F(WifiImage, WithoutACameraIsTrueAndNoFile) {
   EXPECT_TRUE(GetWiFiImage("still.jpg"));
   EXPECT_TRUE(machine().files.empty());
-  EXPECT_EQ(machine().open.internetSessions, 1) << "stays open";
-  EXPECT_EQ(machine().open.internetRequests, 0);
+  EXPECT_EQ(openHttp(), std::pair(1, 0)) << "the session stays open";
 }
 
 TEST_F(WifiImage, IsFalseWhereNoFileCanBe) {
-  answer({"picture"});
+  answerWifi({"picture"});
   for (const char* const path : {"missing\\still.jpg", "", static_cast<const char*>(nullptr)}) {
     EXPECT_FALSE(GetWiFiImage(path));
   }
@@ -262,7 +230,7 @@ TEST_F(WifiImage, IsFalseWhereNoFileCanBe) {
 }
 
 TEST_F(WifiImage, TakesTheNameByteByByteUpToItsEnd) {
-  answer({"picture"});
+  answerWifi({"picture"});
   machine().folders.insert(L"C:\\Bilder");
   EXPECT_TRUE(
       GetWiFiImage("C:\\Bilder\\gr\xFC\xDF"
@@ -292,7 +260,7 @@ const struct {
 class WifiVideo : public CameraTest {
  protected:
   WifiVideo() {
-    machine().wifi = [](const std::string&) { return simulator::HttpAnswer{true, {"res:0"}}; };
+    answerWifi({"res:0"});
     SetVideoDeviceIndex(90);
     nTmpIdx = 90;
   }

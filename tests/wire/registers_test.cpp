@@ -1,9 +1,13 @@
 // Registers of controller and sensors over USB 3 and Wi-Fi: where the transports differ, and reads
-// from writes; and how a USB 3 camera is found and opened.
+// from writes; how a USB 3 camera is found and opened; and what
+// the feature register tells.
+#include "models/families.h"
 #include "platform/process.h"
 #include "qvx64/api.h"
 #include "state/kept_state.h"
 #include "tests/support/cameras.h"
+#include "tests/support/product_ids.h"
+#include "tests/support/wifi_registers.h"
 #include "transport/controller.h"
 #include "transport/sensor.h"
 
@@ -126,6 +130,10 @@ TEST_F(Usb3Controller, WritesForTheWholeBlockButReadsForOneProduct) {
   EXPECT_EQ(journal(), Journal{});
   ec = 31;
   EXPECT_EQ(WriteToSEG(0, 0x03, 0), 31) << "the error of the failed open, not of the transfer";
+  EXPECT_TRUE(WriteTo90x(0, 0x3500, 1)) << "likewise";
+  ec = 0;
+  machine().set({simulator::Fault::fails});
+  EXPECT_FALSE(WriteTo90x(0, 0x3500, 1));
 }
 
 // Two of the families that are asked first refresh the feature register.
@@ -134,39 +142,56 @@ TEST_F(Usb3Controller, WriteRefreshesTheFeatureRegisterTwice) {
   EXPECT_EQ(traffic(), "r62.80 r62.80 w62.04=10");
 }
 
+// Hardware variants of one product id are told apart by the feature register.
+TEST_F(CameraTest, FamiliesHaveExactlyTheirMembers) {
+  WifiRegisters camera;
+  machine().wifi = camera.server();
+  nTmpIdx = wifiDeviceIndex;
+  const Rows<const char*, Family, Ids, int, int> variants = {
+      {"isVR4xxx_2Series", isVR4xxx_2Series, "9C0-9C6", 0x04, 0x04},
+      {"isVR4xxx_3Series", isVR4xxx_3Series, "9C0-9C6", 0x06, 0x02},
+      {"isVR3xxx_2Series", isVR3xxx_2Series, "9D0-9D2 9D7-9D8", 0x06, 0x06},
+      {"isVR3xxx_3Series", isVR3xxx_3Series, "9D4", 0x06, 0x02},
+      {"isVk4xx7_2Series", isVk4xx7_2Series, "9E0-9E6", 0x06, 0x06},
+      {"isVk4xx7_3Series", isVk4xx7_3Series, "9E0-9E6", 0x06, 0x02},
+      {"isVK3xxx_SEG_Series", isVK3xxx_SEG_Series, "9D0-9D6", 0x00, 0x00}};  // whatever it reads
+  for (const auto& [name, isMember, members, mask, value] : variants) {
+    for (int pid = 0x9B0; pid <= 0x9FF; ++pid) {
+      for (const int features : {0x00, 0x02, 0x04, 0x06, 0xFA, 0xFF}) {
+        camera.values[0x80] = features;
+        const bool fits = (features & mask) == value;
+        EXPECT_EQ(isMember(pid), members.contains(pid) && fits ? 1 : 0)
+            << name << " " << std::hex << pid << " with " << features;
+      }
+    }
+  }
+}
+
 class WifiSensor : public CameraTest {
  protected:
-  WifiSensor() {
-    machine().wifi = [this](const std::string&) { return answer; };
-  }
-
-  simulator::HttpAnswer answer{true, {"res:77"}};
+  WifiSensor() { answerWifi({"res:77"}); }
 };
 
 TEST_F(WifiSensor, IsReadByFamilyAndWrittenByOperation) {
-  const struct {
-    int pid;
-    const char *read90, *write88, *writeEmpia;
-  } rows[] = {
+  const Rows<int, const char*, const char*, const char*> rows = {
       {0x970, "r78.3500 p5", "", "w78.3500=12"},
       {0x922, "r78.3500 p5", "", "w78.3500=12"},
       {0x921, "r48.3500 p5", "", "w48.3500=12"},
       {0x9B0, "r48.3500 p5", "", "w48.3500=12"},
       {0x870, "r48.3500 p5", "p10 w48.3500=12", "w48.3500=12"},
-      {0x9A0, "r42.3500 p5", "p10 w42.3500=12", "w42.3500=12"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.pid);
-    nPid = row.pid;
+      {0x9A0, "r42.3500 p5", "p10 w42.3500=12", "w42.3500=12"}};
+  for (const auto& [pid, read90, write88, writeEmpia] : rows) {
+    SCOPED_TRACE(pid);
+    nPid = pid;
     EXPECT_EQ(ReadFrom90x(90, 0x3500), 77u);
-    EXPECT_EQ(traffic(), row.read90);
+    EXPECT_EQ(traffic(), read90);
     EXPECT_FALSE(WriteTo90x(90, 0x3500, 0x12));
     EXPECT_EQ(traffic(), "p10 w78.3500=12");
     nTmpIdx = 0;  // whose feature register asks nothing of Wi-Fi
     WriteEmpia_Sensor(0x3500, 0x12);
-    EXPECT_EQ(traffic(), row.writeEmpia);
+    EXPECT_EQ(traffic(), writeEmpia);
     EXPECT_EQ(WriteTo88x(90, 0x3500, 0x12), 0);
-    EXPECT_TRUE(traffic().ends_with(row.write88));
+    EXPECT_TRUE(traffic().ends_with(write88));
     EXPECT_EQ(nTmpIdx, 90);
   }
 }
@@ -184,59 +209,20 @@ TEST_F(WifiSensor, OfAnotherFamilyReadsAsTheDeviceWithoutAPath) {
 
 // A read that is answered leaves its session and its request, a write the request alone.
 TEST_F(WifiSensor, LeavesHandlesAsTheChannelDoes) {
-  const struct {
-    simulator::HttpAnswer answer;
-    std::uint32_t read;
-    int sessions, requests;  // after a read and a write
-  } rows[] = {{{true, {"res:77"}}, 77, 1, 2},
-              {{true,
-                {std::string("res:12\0"
-                             "34",
-                             9)}},
-               12,
-               1,
-               2},
-              {{true, {}}, 0, 0, 1},
-              {{false, {}}, 0, 0, 0}};
+  using namespace std::string_literals;
+  const Rows<bool, std::vector<std::string>, std::uint32_t, std::pair<int, int>> rows = {
+      {true, {"res:77"}, 77, {1, 2}},
+      {true, {"res:12\0003"s}, 12, {1, 2}},
+      {true, {}, 0, {0, 1}},
+      {false, {}, 0, {0, 0}}};
   nPid = 0x970;
-  for (const auto& row : rows) {
-    answer = row.answer;
+  for (const auto& [isThere, chunks, value, leftOpen] : rows) {
+    answerWifi(chunks, false, isThere);
     machine().open = {};
-    EXPECT_EQ(ReadEmpia_Sensor(0x3500), row.read);
+    EXPECT_EQ(ReadEmpia_Sensor(0x3500), value);
     WriteEmpia_Sensor(0x3500, 1);
-    EXPECT_EQ(machine().open.internetSessions, row.sessions);
-    EXPECT_EQ(machine().open.internetRequests, row.requests);
+    EXPECT_EQ(openHttp(), leftOpen);
   }
-}
-
-using Usb3Sensor = Usb3Controller;
-
-TEST_F(Usb3Sensor, TakesClassRequests) {
-  EXPECT_EQ(GetAETarget(0), 0x38);
-  EXPECT_EQ(journal(), (Journal{"usb 21 01 0301 0300 3: 78 3A 1E", "usb A1 81 0301 0300 1"}));
-  bWait = 9;
-  SetAETarget(0, 250);
-  EXPECT_EQ(bWait, 1);
-  EXPECT_EQ(journal(),
-            (Journal{"usb 21 01 0300 0300 4: 78 3A 1E D0", "usb 21 01 0300 0300 4: 78 3A 1B E0",
-                     "usb 21 01 0300 0300 4: 78 3A 10 D2", "usb 21 01 0300 0300 4: 78 3A 0F DE"}));
-  SetExposureValue(0, 300);
-  EXPECT_EQ(camera().sensor.at(0x3501), 300 / 16);
-  journal();
-  EXPECT_EQ(GetExposureValue(0), 0) << "can be set, but not read";
-  EXPECT_EQ(traffic().find("r78"), std::string::npos);
-  SetAutoExposure(0, 0);
-  EXPECT_EQ(camera().sensor.at(0x3503), 7);
-  EXPECT_EQ(GetAutoExposure(0), 0);
-  SetFlicker(0, 2);
-  EXPECT_EQ(camera().sensor.at(0x3C01), 0xB4);
-}
-
-TEST_F(Usb3Sensor, WriteTellsTheErrorOfTheFailedOpenNotOfTheTransfer) {
-  machine().set({simulator::Fault::fails});
-  EXPECT_FALSE(WriteTo90x(0, 0x3500, 1));
-  ec = 31;
-  EXPECT_TRUE(WriteTo90x(0, 0x3500, 1));
 }
 
 }  // namespace
