@@ -11,12 +11,8 @@ simulated=(qvx-simulator.exe qvx-capture-filter.dll qvx-hid-bridge.sys)
 
 # The DLL as it is shipped: it looks for its camera at the address that was configured.
 check_dll() {
-  local address check
-  address=$(sed -n 's/^QVX_CAMERA_ADDRESS:STRING=//p' build/release/CMakeCache.txt)
-  for check in exports imports version address hardened reproducible; do
-    python3 tests/windows/check_exports.py "$check" --dll "$content/bin/QVX64.dll" \
-      --version "$version" --camera-address "$address" || return
-  done
+  python3 tests/windows/check_exports.py "$content/bin/QVX64.dll" --version "$version" \
+    --camera-address "$(sed -n 's/^QVX_CAMERA_ADDRESS:STRING=//p' build/release/CMakeCache.txt)"
 }
 
 # Nobody has to find a DLL for the other programs either.

@@ -1,7 +1,8 @@
-"""Checks what a built QVX64.dll shows to the world: its exports, imports, version and address, and
-how it is protected. The checks `hardened` and `reproducible` are for programs, too."""
+"""Checks what QVX64.dll and the programs that ship with it show to the world: exports, imports, version,
+the camera's address, how they are protected, and that nothing in them tells where they were built."""
 
 import argparse
+import collections
 import os
 import pathlib
 import re
@@ -20,7 +21,10 @@ LOAD_FLAGS = {"HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"}
 TABLES = {".idata": "import table", ".edata": "export table", ".rdata": "constant data"}
 # Why the system is asked to end the process at once.
 FAST_FAILS = {2: "stack protector", 8: "check of string functions"}
-DESCRIPTION = "QVX32 Dynamic Link Library"
+DESCRIPTIONS = {
+    "QVX64.dll": "QVX32 Dynamic Link Library", "qvxctl.exe": "QVX64 command-line client",
+    "qvx-simulator.exe": "QVX64 simulated cameras",
+}
 SIMULATED_CAMERA = "127.0.0.1"
 
 
@@ -59,30 +63,17 @@ class Dll:
         return all(piece.encode() in self.bytes for piece in pieces)
 
 
-def declared_in_header(text):
-    without_comments = re.sub(r"/\*.*?\*/", "", text, flags=re.DOTALL)
-    return re.findall(r"^QVX64_API [^;(]*?(\w+)\(", without_comments, re.MULTILINE)
-
-
-def listed_in_def(text):
-    return re.findall(r"^  (\S.*)$", text.split("EXPORTS")[1], re.MULTILINE)
-
-
-def differences(what, found, expected):
-    """One line per name that stands twice, is missing or should not be there."""
-    yield from (f"{what}: {name} twice" for name in set(found) if found.count(name) > 1)
-    yield from (f"{what}: {name} is missing" for name in sorted(set(expected) - set(found)))
-    yield from (f"{what}: unexpected {name}" for name in sorted(set(found) - set(expected)))
-
-
 def check_exports(dll, options):
-    header = declared_in_header((SOURCE / "include/qvx64/api.h").read_text())
-    if not header:
+    header = re.sub(r"/\*.*?\*/", "", (SOURCE / "include/qvx64/api.h").read_text(), flags=re.DOTALL)
+    declared = re.findall(r"^QVX64_API [^;(]*?(\w+)\(", header, re.MULTILINE)
+    exports = (SOURCE / "src/api/QVX64.def").read_text().split("EXPORTS")[1]
+    listed = re.findall(r"^  (\S.*)$", exports, re.MULTILINE)
+    if not declared:
         yield "the header declares no function"
-    yield from differences("the header", header, set(header))
-    yield from differences(
-        "the .def file", listed_in_def((SOURCE / "src/api/QVX64.def").read_text()), header)
-    yield from differences("the DLL", dll.exports(), header)
+    for what, found in (("the .def file", listed), ("the DLL", dll.exports())):
+        surplus, missing = collections.Counter(found), collections.Counter(declared)
+        yield from (f"{what}: unexpected {name}" for name in surplus - missing)
+        yield from (f"{what}: {name} is missing" for name in missing - surplus)
 
 
 def check_imports(dll, options):
@@ -91,8 +82,8 @@ def check_imports(dll, options):
 
 def check_version(dll, options):
     expected = {
-        "FileDescription": options.description, "FileVersion": options.version,
-        "ProductVersion": options.version, "OriginalFilename": options.dll.name,
+        "FileDescription": DESCRIPTIONS[options.file.name], "FileVersion": options.version,
+        "ProductVersion": options.version, "OriginalFilename": options.file.name,
     }
     for number in dll.version_numbers():
         if number != options.version:
@@ -133,29 +124,26 @@ def check_reproducible(dll, options):
         yield "it names the folder in which it was built"
 
 
-CHECKS = {
-    "exports": check_exports, "imports": check_imports, "version": check_version,
-    "address": check_address, "hardened": check_hardened, "reproducible": check_reproducible,
-}
-
-
-def parse_options():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("check", choices=CHECKS)
-    parser.add_argument("--dll", type=pathlib.Path, required=True)
-    parser.add_argument("--objdump", default="x86_64-w64-mingw32-objdump")
-    parser.add_argument("--version", help="for version")
-    parser.add_argument("--description", default=DESCRIPTION, help="for version")
-    parser.add_argument("--camera-address", help="for address")
-    return parser.parse_args()
+def faults(options):
+    dll = Dll(options.file, options.objdump)
+    checks = [check_version, check_hardened, check_reproducible]
+    if options.file.suffix == ".dll":
+        checks += [check_exports, check_imports, check_address]
+    for check in checks:
+        yield from check(dll, options)
 
 
 def main():
-    options = parse_options()
-    faults = list(CHECKS[options.check](Dll(options.dll, options.objdump), options))
-    for fault in faults:
-        print(f"{options.dll.name}: {fault}")
-    return 1 if faults else 0
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("file", type=pathlib.Path)
+    parser.add_argument("--objdump", default="x86_64-w64-mingw32-objdump")
+    parser.add_argument("--version", required=True)
+    parser.add_argument("--camera-address", required=True)
+    options = parser.parse_args()
+    found = list(faults(options))
+    for fault in found:
+        print(f"{options.file.name}: {fault}")
+    return 1 if found else 0
 
 
 if __name__ == "__main__":

@@ -6,9 +6,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <span>
+#include <map>
+#include <string>
 
 #include "tests/support/every_export.h"
+#include "tests/support/items.h"
 #include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/resources.h"
 #include "tests/windows/support.h"
@@ -29,69 +31,44 @@ ULONGLONG limit_ms() {
 
 // What a call leaves open on purpose.
 struct Kept {
-  const char* name;
   int handles = 0;  // of the kernel, at most
   int minHeapBytes = 0, maxHeapBytes = 0;
 };
+using KeptByExport = std::map<std::string, Kept>;
 
-// A read over Wi-Fi leaves its session and request open, and the connection if that is not closed
-// yet. A command whose answer is not read leaves its request open.
-constexpr Kept overWifi(const char* name, int reads, int unread = 0) {
-  constexpr int handlesPerRead = 2, minPerRead = 9000, maxPerRead = 12000;  // bytes
-  constexpr int minPerCommand = 100, maxPerCommand = 200;
-  return {name, handlesPerRead * reads, minPerRead * reads + minPerCommand * unread,
-          maxPerRead * reads + maxPerCommand * unread};
+// Exports and how many requests over Wi-Fi each makes whose answers it reads, or does not.
+constexpr char readRequests[] =
+    "Init 36|GetConfig 2|SetLensInitPos 2|SetLensPos 5|SetLensFinePos 5|GetLensPosLimits 4|"
+    "GetLensFinePosLimits 6|SetExposureValue 5|GetExposureValue 5|GetAETarget 1|SetAutoExposure 3|"
+    "GetAutoExposure 2|SetFlicker 2|GetVideoProcAmp 1|GetVideoProcAmpValueRange 1|SetLEDState 5|"
+    "SetSEGSwitch 1|SetSEGLevel 1|SetESEG 3|SetAXILevel 2|SetAimpointLevel 1|SetWiFiVideoRes 2";
+constexpr char unreadRequests[] = "SetAETarget 4|SetVideoProcAmp 1|GetWiFiImage 1";
+
+// A request that was read leaves its session and itself open, and the connection if that is not
+// closed yet. One that was not read leaves itself open.
+KeptByExport overWifi() {
+  KeptByExport kept;
+  const auto add = [&kept](const char* requests, const Kept& byEach) {
+    for (const std::string& item : itemsIn(requests)) {
+      const int count = std::stoi(item.substr(item.find(' ')));
+      kept[item.substr(0, item.find(' '))] = {count * byEach.handles, count * byEach.minHeapBytes,
+                                              count * byEach.maxHeapBytes};
+    }
+  };
+  add(readRequests, {2, 9000, 12000});
+  add(unreadRequests, {0, 100, 200});
+  return kept;
 }
 
 // Access to a picture property of a USB camera leaves four objects of the capture driver open; the
 // sizes are those of the simulated cameras' driver.
-constexpr Kept picture(const char* name) {
-  constexpr int handles = 3, minBytes = 450, maxBytes = 600;
-  return {name, handles, minBytes, maxBytes};
-}
-
-constexpr int deviceListBytes = 2700;  // with the record of one device
-
-constexpr Kept keptOverWifi[] = {
-    overWifi("Init", 36),
-    overWifi("GetConfig", 2),
-    overWifi("SetLensInitPos", 2),
-    overWifi("SetLensPos", 5),
-    overWifi("SetLensFinePos", 5),
-    overWifi("GetLensPosLimits", 4),
-    overWifi("GetLensFinePosLimits", 6),
-    overWifi("SetExposureValue", 5),
-    overWifi("GetExposureValue", 5),
-    overWifi("SetAETarget", 0, 4),
-    overWifi("GetAETarget", 1),
-    overWifi("SetAutoExposure", 3),
-    overWifi("GetAutoExposure", 2),
-    overWifi("SetFlicker", 2),
-    overWifi("SetVideoProcAmp", 0, 1),
-    overWifi("GetVideoProcAmp", 1),
-    overWifi("GetVideoProcAmpValueRange", 1),
-    overWifi("SetLEDState", 5),
-    overWifi("SetSEGSwitch", 1),
-    overWifi("SetSEGLevel", 1),
-    overWifi("SetESEG", 3),
-    overWifi("SetAXILevel", 2),
-    overWifi("SetAimpointLevel", 1),
-    overWifi("GetWiFiImage", 0, 1),
-    overWifi("SetWiFiVideoRes", 2),
-};
-
-constexpr Kept keptOverUsb[] = {
-    {"Init", 0, 0, deviceListBytes},
-    picture("SetVideoProcAmp"),
-    picture("GetVideoProcAmp"),
-    picture("GetVideoProcAmpValueRange"),
-};
-
-Kept keptBy(const char* name, std::span<const Kept> rows) {
-  const auto row = std::find_if(rows.begin(), rows.end(), [name](const Kept& kept) {
-    return std::strcmp(kept.name, name) == 0;
-  });
-  return row == rows.end() ? Kept{name} : *row;
+KeptByExport overUsb() {
+  constexpr Kept deviceList = {0, 0, 2700};  // with the record of one device
+  constexpr Kept picture = {3, 450, 600};
+  return {{"Init", deviceList},
+          {"SetVideoProcAmp", picture},
+          {"GetVideoProcAmp", picture},
+          {"GetVideoProcAmpValueRange", picture}};
 }
 
 // Returns a line with the number of calls and what they left open.
@@ -129,34 +106,30 @@ std::string callOften(const ExportedCall& call, int chosenIndex, const Kept& kep
 }
 
 // On the camera with that index; -1: automatic choice.
-void callEverything(int chosenIndex, std::span<const Kept> rows) {
+void callEverything(int chosenIndex, KeptByExport kept) {
   const NoPauses quick;
   std::string report;
   testing::internal::CaptureStdout();  // the DLL prints what it finds on USB 3
   for (const ExportedCall& call : everyExport()) {
     const bool elsewhere = chosenIndex != wifiIndex && std::strcmp(call.name, "GetWiFiImage") == 0;
-    if (!elsewhere) report += callOften(call, chosenIndex, keptBy(call.name, rows));
+    if (!elsewhere) report += callOften(call, chosenIndex, kept[call.name]);
   }
   const std::string printed = testing::internal::GetCapturedStdout();
   if (testing::Test::HasFailure()) report = printed + report;
   std::fputs(report.c_str(), stdout);
 }
 
-TEST(Handles, wifi) {
-  callEverything(wifiIndex, keptOverWifi);
+TEST(Handles, OverWifi) {
+  callEverything(wifiIndex, overWifi());
   DeleteFileA(stillName);
 }
 
-TEST(Handles, usb) {
-  callEverything(0, keptOverUsb);
+TEST(Handles, OfABridge) {
+  callEverything(0, overUsb());
 }
 
-TEST(Handles, hid) {
-  callEverything(0, keptOverUsb);
-}
-
-TEST(Handles, usb3) {
-  callEverything(-1, keptOverUsb);
+TEST(Handles, OverUsb3) {
+  callEverything(-1, overUsb());
 }
 
 }  // namespace

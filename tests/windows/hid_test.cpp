@@ -40,12 +40,7 @@ TEST(HidCamera, OlderFirmwareIsUnderstood) {
 }
 
 // Devices claim capabilities of every kind; one chosen query for them fails.
-struct Query {
-  HIDP_REPORT_TYPE type;
-  bool buttons;
-
-  bool operator==(const Query&) const = default;
-};
+using Query = std::pair<HIDP_REPORT_TYPE, bool>;  // of buttons or of values
 std::optional<Query> refused;
 
 NTSTATUS answerTo(const Query& query) {
@@ -67,10 +62,8 @@ NTSTATUS NTAPI giveButtons(HIDP_REPORT_TYPE type, PHIDP_BUTTON_CAPS, PUSHORT,
 
 NTSTATUS NTAPI giveValues(HIDP_REPORT_TYPE type, PHIDP_VALUE_CAPS caps, PUSHORT count,
                           PHIDP_PREPARSED_DATA data) {
-  if (type == HidP_Feature && refused != Query{type, false}) {
-    return HidP_GetValueCaps(type, caps, count, data);
-  }
-  return answerTo({type, false});
+  const bool isGenuine = type == HidP_Feature && refused != Query{type, false};
+  return isGenuine ? HidP_GetValueCaps(type, caps, count, data) : answerTo({type, false});
 }
 
 TEST(HidCamera, IsSkippedWhenOneOfItsCapabilitiesCannotBeHad) {

@@ -5,12 +5,10 @@ page_test.py RUN-WINE SIMULATOR QVXCTL SCREENSHOT"""
 import http.client
 import os
 import pathlib
-import queue
 import signal
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 
 from selenium import webdriver
@@ -43,24 +41,22 @@ let shown = '', pictures = -1;
 
 
 class Program:
-    """Runs under Wine beside the test; its lines are read as they come."""
+    """Runs under Wine beside the test. It prints into a file: what Wine starts beside a program would
+    keep a pipe open."""
 
     def __init__(self, *command):
-        self.process = subprocess.Popen([RUN_WINE, *command], stdin=subprocess.DEVNULL,
-                                        stdout=subprocess.PIPE, text=True)
-        self.lines = queue.Queue()
-        threading.Thread(target=self.read, daemon=True).start()
+        self.file = tempfile.NamedTemporaryFile()
+        self.process = subprocess.Popen([RUN_WINE, *command], stdin=subprocess.DEVNULL, stdout=self.file)
 
-    def read(self):
-        for line in self.process.stdout:
-            self.lines.put(line.strip())
+    def printed(self):
+        return pathlib.Path(self.file.name).read_text()
 
-    def await_line(self, fits):
-        end = time.monotonic() + LIMIT_S
-        while True:
-            line = self.lines.get(timeout=max(0, end - time.monotonic()))
-            if fits(line):
-                return line
+
+def await_(what, holds):
+    end = time.monotonic() + LIMIT_S
+    while not holds():
+        assert time.monotonic() < end, f"the page does not show {what}"
+        time.sleep(0.05)
 
 
 def open_browser():
@@ -76,23 +72,18 @@ class Page:
         self.browser = browser
         self.device = None
         browser.get("http://%s:%d/" % PAGE)
-        self.await_("the event stream", lambda: self.at("link").text == "live")
+        await_("the event stream", lambda: self.at("link").text == "live")
 
     def choose(self, camera):
         self.browser.execute_script("location.hash = arguments[0]", camera)
         self.device = CAMERAS[camera]
-        self.await_("the camera", lambda: camera[-4:] in self.browser.title)
+        await_("the camera", lambda: camera[-4:] in self.browser.title)
 
     def client(self, *arguments):
-        """Works on the chosen camera. Through a file: what Wine starts beside a program would keep
-        a pipe open."""
-        command = [RUN_WINE, CLIENT, "--device", self.device, *arguments]
-        with tempfile.TemporaryFile("w+") as printed:
-            done = subprocess.run(command, timeout=LIMIT_S, stdin=subprocess.DEVNULL,
-                                  stdout=printed, stderr=subprocess.DEVNULL)
-            printed.seek(0)
-            done.stdout = printed.read()
-            return done
+        """Works on the chosen camera and succeeds."""
+        program = Program(CLIENT, "--device", self.device, *arguments)
+        assert program.process.wait(LIMIT_S) == 0, arguments
+        return program.printed()
 
     def at(self, element):
         return self.browser.find_element(By.ID, element)
@@ -105,57 +96,51 @@ class Page:
         return self.browser.execute_script(
             "return Number(document.querySelector('.lamp').style.getPropertyValue('--level'))")
 
-    @staticmethod
-    def await_(what, holds):
-        end = time.monotonic() + LIMIT_S
-        while not holds():
-            assert time.monotonic() < end, f"the page does not show {what}"
-            time.sleep(0.05)
-
 
 def turns_the_ring(page):
     page.at("set-zoom").send_keys(Keys.END)
-    Page.await_("the ring's stop", lambda: page.value("zoom") > 190)
-    magnification = float(page.client("call", "GetMAG", page.device, "--init").stdout)
+    await_("the ring's stop", lambda: page.value("zoom") > 190)
+    magnification = float(page.client("call", "GetMAG", page.device, "--init"))
     assert abs(magnification - page.value("zoom")) < 0.1, magnification
 
 
 def presses_the_button(page):
     watch = Program(CLIENT, "--device", page.device, "--json", "watch")
-    watch.await_line(lambda line: "magnification" in line)
+    await_("a magnification to the client", lambda: "magnification" in watch.printed())
 
     def is_seen():
         ActionChains(page.browser).click_and_hold(page.at("set-button")).release().perform()
         time.sleep(1)
-        return any('"button"' in watch.lines.get() for _ in range(watch.lines.qsize()))
-    Page.await_("a press to the client", is_seen)
+        return '"button"' in watch.printed()
+    await_("a press to the client", is_seen)
     watch.process.kill()
 
 
 def shows_what_the_library_does(page):
-    assert page.client("led", "on").returncode == 0
-    Page.await_("the light", lambda: page.lamp() > 0 and page.at("set-segment1").is_selected())
+    page.client("led", "on")
+    await_("the light", lambda: page.lamp() > 0 and page.at("set-segment1").is_selected())
     page.at("set-segment1").send_keys(" ")
-    Page.await_("a dark quadrant", lambda: page.lamp() == 0)
-    assert page.client("lens", "pos", "12").returncode == 0
-    Page.await_("the lens", lambda: page.value("focus") != 0)
+    await_("a dark quadrant", lambda: page.lamp() == 0)
+    page.client("lens", "pos", "12")
+    await_("the lens", lambda: page.value("focus") != 0)
 
 
 def switches_automatic_exposure(page):
-    assert page.client("ae", "off").returncode == 0
-    Page.await_("exposure by hand", lambda: not page.at("set-automatic").is_selected())
+    page.client("ae", "off")
+    await_("exposure by hand", lambda: not page.at("set-automatic").is_selected())
     page.at("set-automatic").send_keys(" ")
-    assert page.client("call", "GetAutoExposure", page.device, "--init").stdout.strip() == "1"
+    assert page.client("call", "GetAutoExposure", page.device, "--init").strip() == "1"
 
 
 def switches_a_fault_on(page):
     Select(page.at("faultKind")).select_by_value("empty")
     page.at("faultFirst").submit()
-    Page.await_("the fault", lambda: "empty" in page.at("faultNow").text.lower())
-    found = page.client("info").stdout
+    await_("the fault", lambda: "empty" in page.at("faultNow").text.lower())
+    found = Program(CLIENT, "--device", page.device, "info").process.wait(LIMIT_S)
     page.at("faultOff").click()
-    Page.await_("no fault", lambda: page.at("faultNow").text == "")
-    assert page.client("info").stdout != found
+    await_("no fault", lambda: page.at("faultNow").text == "")
+    page.client("info")
+    assert found != 0
 
 
 def request(method, path, place=PAGE, body=None, **headers):
@@ -166,7 +151,7 @@ def request(method, path, place=PAGE, body=None, **headers):
 
 def shows_violations(page):
     assert request("GET", "/nonsense", (ADDRESS, 8080)) == 404
-    Page.await_("the violation", lambda: any(
+    await_("the violation", lambda: any(
         "nonsense" in entry.text for entry in page.at("log").find_elements(By.CLASS_NAME, "wrong")))
 
 
@@ -201,7 +186,7 @@ def main():
     simulator = Program(SIMULATOR, "--address", ADDRESS, "wifi:0998,zoom=63", "usb:09E4,zoom=63")
     browser = open_browser()
     try:
-        simulator.await_line(lambda line: line == "ready")
+        await_("itself", lambda: "ready" in simulator.printed())
         page = Page(browser)
         for camera, checks in CHECKS.items():
             page.choose(camera)

@@ -1,12 +1,14 @@
-"""Runs the client with simulated cameras: qvxctl_test.py BUILD_FOLDER commands|wifi|usb|hid|usb3
+"""Runs the client beside simulated cameras: qvxctl_test.py BUILD_FOLDER commands|wifi|usb|hid
 
 What it does against a camera's rules fails the test, as does an exit code that was not expected.
 """
 
 import concurrent.futures
+import contextlib
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import sys
 import tempfile
@@ -18,29 +20,31 @@ WINE = ROOT / "scripts/run-wine.sh"
 CLIENT = BUILD / "qvxctl.exe"
 SIMULATOR = BUILD / "qvx-simulator.exe"
 ADDRESS = os.environ.get("QVX64_WIFI_CAMERA", "127.0.0.1")  # where the library looks
-SILENT_PORT, FIRST_PORT = 8079, 18080
-
-# How a client runs with a camera; "{}" is the product id and options.
-RUNS = {
-    "none": [WINE, CLIENT],
-    **{transport: [WINE, SIMULATOR, "--no-page", "--address", ADDRESS, transport + ":{}", "--", CLIENT]
-       for transport in ("wifi", "usb", "hid", "usb3")},
-}
-
-# A product id of each family, and those that are special within one.
-FAMILIES = {
-    "wifi": "0870 0890 091A 0920 0922 0978 0998 09A0 09B0 09C4 09D0 09E0",
-    "usb": "0870 0890 0910 0930 09E2",
-    "hid": "0870 0920 0968 0985 0998 09A0 09C7 09D0 09E4",
-    "usb3": "09B0 09B1",
-}
+FIRST_PORT = 18080
+LIMIT_S = 100
 AT_ONCE = 4  # clients
+
+# A camera of each family, and those that are special within one; each line in one simulator.
+FAMILIES = {
+    "wifi": ["wifi:0870 wifi:0890 wifi:091A wifi:0920 wifi:0922 wifi:0978 wifi:0998 wifi:09A0 "
+             "wifi:09B0 wifi:09C4 wifi:09D0 wifi:09E0"],
+    "usb": ["usb:0870 usb:0890 usb:0910 usb:0930 usb:09E2 usb3:09B0 usb3:09B1"],
+    "hid": ["hid:0870 hid:0920 hid:0968 hid:0985 hid:0998",
+            "hid:09A0 hid:09C7 hid:09D0 hid:09E4"],
+}
 
 STEADY = (r'(\{"event":"magnification","field_of_view_um":\d[^,]*,"magnification":6[23]\.[^,]*,'
           r'"time":"[^"]*"\}\n)+')
-# Camera, arguments, exit code, all of standard output or what is in standard error.
+# Beside the commands: their indexes are 0, 1, 2 and 90, the others are at ports of their own.
+CAMERAS = ["usb:0970", "usb:09A0", "usb3:09B1", "wifi:0998,zoom=63"]
+FAULTS = {"junk": "junk", "half": "half", "refuse": "refuse:90", "silent": "refuse"}
+PLACES = {name: f"{ADDRESS}:{FIRST_PORT + i}" for i, name in enumerate(FAULTS)}
+# Arguments, exit code, all of standard output or what is in standard error.
 COMMANDS = [
-    *(("none:", arguments, 2, said) for arguments, said in [
+    ("report {folder}/Größe.zip --no-serials --json", 0, r'\{"file":".*Größe.zip"\}\n'),
+    ("watch --camera {refuse} --seconds 10 --json", 0, STEADY + r'\{"event":"silent","time":"[^"]*"\}\n'),
+    ("watch --device 90 --seconds 3 --json", 0, STEADY),
+    *((arguments, 2, said) for arguments, said in [
         ("", "command is required"), ("lsit", '"lsit"'), ("lens up", '"up"'), ("list --jsn", '"--jsn"'),
         ("list --json=1", "json"), ("list --seconds 3", "--seconds"), ("info --device", "--device"),
         ("exposure -5", "LINES: Value -5 not in range 0 to 65535"),
@@ -54,44 +58,51 @@ COMMANDS = [
         ("info --camera 1.2.3.4:0", "no IPV4"), ("call FOVx 0 inf", "fMag"),
         ("call GetConfig 4294967296", "deviceIndex: Value 4294967296"),
     ]),
-    *(("none:", arguments, 0, printed) for arguments, printed in [
-        ("--device=0x5A call GetVideoDeviceIndex", "90\n"),
-        ("call GetVideoDeviceIndex --device 0 --device 090", "90\n"),
-        ("call FOVx 0 -- -63.4", r"-5552\.050473186121\n"),
-        ("--json call FOVx 0 0", r'\{"result":null\}\n'),
-    ]),
-    ("none:", f"info --camera 127.0.0.1:{SILENT_PORT}", 1,
-     f"no camera answers at 127.0.0.1:{SILENT_PORT}\n"),
-    ("usb:0970", f"info --device 90 --camera 127.0.0.1:{SILENT_PORT}", 1, "no camera answers at 127"),
-    ("usb:0970", "info --device 1", 1, "no camera answers at index 1"),
-    ("usb:0970", "lens pos 5", 1, "no focus lens"),
-    ("usb:0970", "light quadrant 1 5", 1, "no such light"),
-    ("usb:09A0", "exposure 5", 1, "fixed"),
-    ("usb:0970", "report {folder}/Größe.zip --no-serials --json", 0, r'\{"file":".*Größe.zip"\}\n'),
-    ("usb3:09B1", "ae --device 0 --json", 0, r'\{"automatic":true,"target":56\}\n'),
-    ("wifi:0998,fault=junk", "info --device 90", 1, f"no camera answers at {ADDRESS}:8080"),
-    ("wifi:0998", "lens fine 5 --device 90", 1, "this camera has none"),
-    ("wifi:0998,fault=half", "snapshot {folder}/still.jpg", 1, "no camera answers|no whole picture"),
-    ("wifi:0998", "snapshot {folder}", 4, "cannot replace"),
-    ("wifi:0998,zoom=63", "watch --device 90 --seconds 3 --json", 0, STEADY),
-    ("wifi:0998,zoom=63,fault=refuse:90", "watch --device 90 --seconds 10 --json", 0,
-     STEADY + r'\{"event":"silent","time":"[^"]*"\}\n'),
+    ("--device=0x5A call GetVideoDeviceIndex", 0, "90\n"),
+    ("call GetVideoDeviceIndex --device 0 --device 090", 0, "90\n"),
+    ("call FOVx 0 -- -63.4", 0, r"-5552\.050473186121\n"),
+    ("--json call FOVx 0 0", 0, r'\{"result":null\}\n'),
+    ("info --camera {silent}", 1, "no camera answers at {silent}\n"),
+    ("info --device 90 --camera {silent}", 1, "no camera answers at {silent}"),
+    ("info --device 5", 1, "no camera answers at index 5"),
+    ("lens pos 5", 1, "no focus lens"),
+    ("light quadrant 1 5", 1, "no such light"),
+    ("exposure 5 --device 1", 1, "fixed"),
+    ("ae --device 2 --json", 0, r'\{"automatic":true,"target":56\}\n'),
+    ("info --camera {junk}", 1, "no camera answers at {junk}"),
+    ("lens fine 5 --device 90", 1, "this camera has none"),
+    ("snapshot {folder}/still.jpg --camera {half}", 1, "no camera answers|no whole picture"),
+    ("snapshot {folder} --device 90", 4, "cannot replace"),
 ]
 
 
-def run(camera, arguments):
+@contextlib.contextmanager
+def simulator(cameras):
+    """Runs beside the clients. It must have nothing to say against them."""
+    with tempfile.TemporaryFile("w+") as said:
+        process = subprocess.Popen([WINE, SIMULATOR, "--no-page", "--address", ADDRESS, *cameras],
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=said, text=True)
+        try:
+            while process.stdout.readline() not in ("ready\n", ""):
+                pass
+            yield
+        finally:
+            process.send_signal(signal.SIGINT)
+            process.communicate()
+        said.seek(0)
+        if violations := said.read():
+            sys.exit(violations)
+
+
+def run(arguments):
     """Exit code, standard output and standard error of a client, through files: what Wine starts
     beside a program would keep a pipe open."""
-    transport, _, described = camera.partition(":")
-    command = [str(word).replace("{}", described) for word in RUNS[transport]] + arguments
     with tempfile.TemporaryFile("w+") as printed, tempfile.TemporaryFile("w+") as said:
-        code = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=printed,
-                              stderr=said, timeout=100).returncode
-        printed.seek(0)
-        said.seek(0)
-        # What the simulator says of itself stands before the client's output.
-        shown = printed.read().replace("\r\n", "\n").split("ready\n")[-1]
-        return code, shown, said.read().replace("\r\n", "\n")
+        code = subprocess.run([WINE, CLIENT, *arguments], stdin=subprocess.DEVNULL, stdout=printed,
+                              stderr=said, timeout=LIMIT_S).returncode
+        for file in (printed, said):
+            file.seek(0)
+        return code, printed.read().replace("\r\n", "\n"), said.read().replace("\r\n", "\n")
 
 
 def is_report(path):
@@ -102,63 +113,44 @@ def is_report(path):
                 "#(left out)#" in report and "0 differs" in report and "QVX64.dll" in report)
 
 
-def fault_of_command(camera, arguments, expected, pattern):
+def fault_of_command(arguments, expected, pattern):
     with tempfile.TemporaryDirectory() as folder:
-        words = [word.strip("'").format(folder="Z:" + folder) for word in arguments.split()]
-        code, printed, said = run(camera, words)
-        left = {path.name for path in pathlib.Path(folder).iterdir()}
-        if not expected:
-            left -= {path.name for path in pathlib.Path(folder).glob("*.zip") if is_report(path)}
+        words = [word.strip("'").format(folder="Z:" + folder, **PLACES) for word in arguments.split()]
+        code, printed, said = run(words)
+        left = [path.name for path in pathlib.Path(folder).iterdir() if expected or not is_report(path)]
+    pattern = pattern.format(**PLACES) if expected else pattern
     matches = re.search(pattern, said) if expected else re.fullmatch(pattern, printed)
-    if code == expected and matches and not left and "violation" not in said:
+    if code == expected and matches and not left:
         return None
-    return f"{camera} {arguments}: {code}\n{printed}{said}{left}"
+    return f"{arguments}: {code}\n{printed}{said}{left}"
 
 
-def fault_of_selftest(camera, result):
-    code, printed, said = result
-    return f"{camera}: {code}\n{printed}{said}" if code or "violation" in said else None
+def commands(pool):
+    faulty = [f"wifi:0998,zoom=63,port={FIRST_PORT + i},fault={fault}"
+              for i, fault in enumerate(FAULTS.values())]
+    with simulator(CAMERAS + faulty):
+        yield from pool.map(lambda case: fault_of_command(*case), COMMANDS)
 
 
-def selftests_over_wifi():
-    """The cameras of one simulator side by side: most of a self-test is pauses."""
-    ports = {f"wifi:{pid}": FIRST_PORT + i for i, pid in enumerate(FAMILIES["wifi"].split())}
-    plugged = [f"{camera},port={port}" for camera, port in ports.items()]
-    with tempfile.TemporaryFile("w+") as said, concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
-        simulator = subprocess.Popen([WINE, SIMULATOR, "--no-page", *plugged], stdout=subprocess.PIPE,
-                                     stdin=subprocess.DEVNULL, stderr=said, text=True)
-        while simulator.stdout.readline() not in ("ready\n", ""):
-            pass
-        results = pool.map(lambda camera: run(
-            "none:", ["--camera", f"127.0.0.1:{ports[camera]}", "selftest"]), ports)
-        yield from map(fault_of_selftest, ports, results)
-        simulator.terminate()
-        simulator.communicate()
-        said.seek(0)
-        yield said.read()
-
-
-def selftests(transport):
-    if transport == "wifi":
-        yield from selftests_over_wifi()
-        return
-    for product_id in FAMILIES[transport].split():
-        camera = f"{transport}:{product_id}"
-        yield fault_of_selftest(camera, run(camera, ["--device", "0", "selftest"]))
-
-
-def commands():
-    with concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
-        alone = [case for case in COMMANDS if case[0] != "none:"]
-        together = [case for case in COMMANDS if case[0] == "none:"]
-        yield from pool.map(lambda case: fault_of_command(*case), together)
-        yield from (fault_of_command(*case) for case in alone)
+def selftests(pool, transport):
+    """The client's walk through a whole camera, several side by side: most of it is pauses."""
+    for cameras in map(str.split, FAMILIES[transport]):
+        places = [["--device", str(i)] for i in range(len(cameras))]
+        if transport == "wifi":
+            ports = range(FIRST_PORT, FIRST_PORT + len(cameras))
+            cameras = [f"{camera},port={port}" for camera, port in zip(cameras, ports)]
+            places = [["--camera", f"{ADDRESS}:{port}"] for port in ports]
+        with simulator(cameras):
+            results = pool.map(lambda place: run([*place, "selftest"]), places)
+            for camera, (code, printed, said) in zip(cameras, results):
+                yield code and f"{camera}: {code}\n{printed}{said}"
 
 
 def main():
-    for fault in commands() if sys.argv[2] == "commands" else selftests(sys.argv[2]):
-        if fault:
-            sys.exit(fault)
+    with concurrent.futures.ThreadPoolExecutor(AT_ONCE) as pool:
+        for fault in commands(pool) if sys.argv[2] == "commands" else selftests(pool, sys.argv[2]):
+            if fault:
+                sys.exit(fault)
 
 
 main()

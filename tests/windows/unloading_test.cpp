@@ -35,12 +35,12 @@ int freeThreadLocalSlots() {
   return static_cast<int>(slots.size());
 }
 
-TEST(Unloading, TenThousandLoadsLeaveNothing) {
+TEST(Unloading, ManyLoadsLeaveNothing) {
   const auto loadAndFree = [] { return FreeLibrary(LoadLibraryW(name)); };
   ASSERT_TRUE(loadAndFree());
   const int slots = freeThreadLocalSlots();
   const Resources before = resources();
-  for (int i = 0; i < 10000; ++i) ASSERT_TRUE(loadAndFree()) << i;
+  for (int i = 0; i < 1000 * effort(); ++i) ASSERT_TRUE(loadAndFree()) << i;
   const Resources left = resources() - before;
   EXPECT_EQ(left.handles, 0);
   EXPECT_EQ(left.threads, 0);
@@ -95,7 +95,7 @@ int openABridgeAndEnd(unsigned ending) {
 
 TEST(Unloading, LeavesAnOpenBridgeAlone) {
   const SimulatedCameras cameras({"usb:0870"});
-  for (int i = 0; i < 3 * effort(); ++i) {
+  for (int i = 0; i < effort(); ++i) {
     for (const unsigned ending : {0U, 0U | freed, 0U | withoutCom, 0U | freed | withoutCom}) {
       const Process process(Process::again(L"--end " + std::to_wstring(ending)));
       ASSERT_EQ(process.exitCode(), clean) << "ending " << ending << ", process " << i;

@@ -1,5 +1,5 @@
-// The DLL and a Wi-Fi camera over real HTTP: a simulated camera 0x970 with a turning zoom ring is
-// running.
+// The DLL and Wi-Fi cameras over real HTTP; the one at port 8080 is a 0x970 with a turning zoom
+// ring.
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,10 +11,6 @@ namespace {
 
 TEST(WifiCamera, IsOpenedAndMeasured) {
   openCamera(90);
-  EXPECT_EQ(copyOf(GetDeviceId(90)), L"");
-  // The pixel size of product id 0x970's family: 0.2744 * 2592 / 640.
-  EXPECT_NEAR(FOVx(90, 1.0), 352000 * 0.2744 * 2592 / 640, 0.01);
-
   const double first = GetMAG(90);
   EXPECT_GT(first, 1.0);
   EXPECT_EQ(GetMAG(90), first) << "nothing is measured without messages";
@@ -26,17 +22,6 @@ TEST(WifiCamera, IsOpenedAndMeasured) {
     EXPECT_LT(GetMAG(90), 210.0);
   }
   EXPECT_TRUE(changed);
-}
-
-TEST(WifiCamera, ButtonIsPolledWithoutHarm) {
-  static int presses = 0;
-  SetEventCallback([] { ++presses; });
-  EXPECT_EQ(EnablePressKey(1), 1);
-  pumpMessages(600);
-  EXPECT_EQ(presses, 0);
-  EXPECT_EQ(EnablePressKey(0), 0);
-  FireEvent();
-  EXPECT_EQ(presses, 1);
 }
 
 // Reads and deletes a file.
@@ -64,12 +49,17 @@ TEST(WifiCamera, StillsComeWholeAndInTheChosenSize) {
   EXPECT_FALSE(GetWiFiImage("no-such-folder\\still.jpg"));
 }
 
-// With a camera 0x970 on port 8080 and a camera 0x9E0 on port 8081.
-TEST(TwoCameras, AreReachedAtTheirAddressesByOneProcess) {
+// With no address the camera is at port 8080.
+bool opensCameraAt(const wchar_t* address) {
+  SetEnvironmentVariableW(L"QVX64_WIFI_CAMERA", address);
+  SetVideoDeviceIndex(90);
+  return Init() == 1;
+}
+
+// Beside a camera 0x9E0 at port 8081.
+TEST(WifiCamera, IsReachedAtItsAddressByOneProcess) {
   const auto fieldOfView = [](const wchar_t* address) {
-    SetEnvironmentVariableW(L"QVX64_WIFI_CAMERA", address);
-    SetVideoDeviceIndex(90);
-    return Init() == 1 ? FOVx(90, 1.0) : 0.0;
+    return opensCameraAt(address) ? FOVx(90, 1.0) : 0.0;
   };
   const double ofOne = fieldOfView(nullptr), ofOther = fieldOfView(L"127.0.0.1:8081");
   EXPECT_GT(ofOne, 0.0);
@@ -82,9 +72,8 @@ TEST(TwoCameras, AreReachedAtTheirAddressesByOneProcess) {
 
 // With a camera whose answers are faulty or missing.
 TEST(StrangeCamera, NeitherHangsNorBreaksTheLibrary) {
-  SetVideoDeviceIndex(90);
   const ULONGLONG start = GetTickCount64();
-  Init();
+  opensCameraAt(nullptr);
   pumpMessages(300);
   EXPECT_LT(GetTickCount64() - start, 15000u);
   EXPECT_FALSE(GetMAG(90) < 0.0);
