@@ -30,11 +30,11 @@ create_prefix() {
 }
 
 # Starts Wine's services apart from the program: they would inherit its output, and whoever reads
-# that to its end would wait for them. Where a server is running, another one just fails.
+# that to its end would wait for them. Where a server is running, another one just fails, and the
+# services run, too.
 start_services() {
   [ -f "$WINEPREFIX/.prepared" ] || create_prefix || return
-  "$WINESERVER" -p"$linger_s"
-  "$wine" cmd.exe /c exit
+  if "$WINESERVER" -p"$linger_s"; then "$wine" cmd.exe /c exit; fi
 }
 
 fail() {
