@@ -9,20 +9,20 @@ namespace qvx {
 
 namespace {
 
-enum Mode : std::int32_t { detect = 0, mains60Hz = 1, mains50Hz = 2 };
+enum FlickerMode : std::int32_t { detect = 0, mains60Hz = 1, mains50Hz = 2 };
 
-struct ModeWrite {
+struct FlickerWrite {
   std::int32_t mode;
   std::uint32_t reg, value;
 };
 
-constexpr ModeWrite writes78[] = {
+constexpr FlickerWrite writes78[] = {
     {detect, sensor78::mainsDetection, 0x34},    {mains60Hz, sensor78::mainsDetection, 0xB4},
     {mains60Hz, sensor78::mainsFrequency, 0x00}, {mains50Hz, sensor78::mainsDetection, 0xB4},
     {mains50Hz, sensor78::mainsFrequency, 0x04},
 };
 
-constexpr ModeWrite writes42[] = {
+constexpr FlickerWrite writes42[] = {
     {mains60Hz, sensor42::mainsFrequency, 0x7F},
     {mains60Hz, sensor42::mainsBands, 3},
     {mains50Hz, sensor42::mainsFrequency, 0x99},
@@ -30,13 +30,13 @@ constexpr ModeWrite writes42[] = {
 };
 
 void setFlicker78(int deviceNumber, std::int32_t mode) {
-  for (const ModeWrite& write : writes78) {
+  for (const FlickerWrite& write : writes78) {
     if (write.mode == mode) WriteTo90x(deviceNumber, write.reg, write.value);
   }
 }
 
 void setFlicker42(int deviceNumber, std::int32_t mode) {
-  for (const ModeWrite& write : writes42) {
+  for (const FlickerWrite& write : writes42) {
     if (write.mode == mode) WriteTo88x(deviceNumber, write.reg, write.value);
   }
 }
@@ -56,7 +56,7 @@ void setFlicker4xx7(int /*deviceNumber*/, std::int32_t mode) {
   if (mode == mains50Hz) setVideoProcAmp(PictureProperty::powerLineFrequency, at50Hz);
 }
 
-constexpr FamilyRow<void(int, std::int32_t)> setters[] = {
+constexpr FamilyRow<void(int, std::int32_t)> flickerSetters[] = {
     {isVk4xx7Series, setFlicker4xx7},
     {within<range(0x900, 0x909), range(0x920, 0x94F), range(0x960, 0x99F)>, setFlicker78},
     {isVK73xxxSeries, setFlicker78},
@@ -68,7 +68,7 @@ constexpr FamilyRow<void(int, std::int32_t)> setters[] = {
 }  // namespace
 
 void setFlicker(int deviceIndex, std::int32_t mode) {
-  runRowFor(nPid, setters, deviceNumberOf(deviceIndex), mode);
+  runRowFor(nPid, flickerSetters, deviceNumberOf(deviceIndex), mode);
 }
 
 }  // namespace qvx

@@ -20,23 +20,6 @@ constexpr PropertySet registerSetOfVariant1 = {
 constexpr PropertySet commandSet = {
     0xC66D125B, 0x0480, 0x0844, {0x8C, 0x26, 0xB8, 0x36, 0x3A, 0x84, 0xDE, 0x63}};
 
-constexpr std::size_t maxBridges = 8;
-
-// Selectors of the register set. The one-shot forms came with newer firmware.
-enum Selector : std::uint8_t {
-  accessMode = 1,
-  registerRead8 = 2,
-  registerWrite8 = 3,
-  i2cRead = 4,
-  i2cWrite = 5,
-  registerRead16 = 10,
-  registerWrite16 = 11,
-  i2cReadOneShot = 20,
-  i2cWriteOneShot = 21,
-  registerReadOneShot = 26,
-  registerWriteOneShot = 27,
-};
-
 constexpr std::uint32_t commandSelector = 2;  // of the command set
 constexpr std::uint8_t normalAccessMode = 1;
 
@@ -61,6 +44,21 @@ class ExtensionUnitBridge final : public Bridge {
   bool writeCommand(const CommandBlock& command) override;
 
  private:
+  // Selectors of the register set. The one-shot forms came with newer firmware.
+  enum Selector : std::uint8_t {
+    accessMode = 1,
+    registerRead8 = 2,
+    registerWrite8 = 3,
+    i2cRead = 4,
+    i2cWrite = 5,
+    registerRead16 = 10,
+    registerWrite16 = 11,
+    i2cReadOneShot = 20,
+    i2cWriteOneShot = 21,
+    registerReadOneShot = 26,
+    registerWriteOneShot = 27,
+  };
+
   bool set(Selector selector, std::span<const std::uint8_t> bytes) {
     return registerNode_ &&
            filter_->setProperty(*registerNode_, registerSet, selector, bytes.data(),
@@ -240,6 +238,7 @@ std::unique_ptr<Bridge> bridgeOn(const std::shared_ptr<TopologyFilter>& filter) 
 }  // namespace
 
 std::vector<std::unique_ptr<Bridge>> findExtensionUnitBridges() {
+  constexpr std::size_t maxBridges = 8;
   std::vector<std::unique_ptr<Bridge>> bridges;
   for (const auto& filter : platform::openTopologyFilters()) {
     if (bridges.size() == maxBridges) break;

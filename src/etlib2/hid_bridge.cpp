@@ -32,7 +32,6 @@ enum OneShotCode : std::uint8_t {
 
 constexpr std::size_t oneShotOverhead = 6;
 
-constexpr std::size_t maxBridges = 24;
 constexpr std::size_t maxFeatures = 3;
 
 class HidBridge final : public Bridge {
@@ -211,6 +210,7 @@ bool isBridge(const platform::HidFeatures& features) {
 }  // namespace
 
 std::vector<std::unique_ptr<Bridge>> findHidBridges() {
+  constexpr std::size_t maxBridges = 24;
   std::vector<std::unique_ptr<Bridge>> bridges;
   const auto paths = platform::listHidInterfaces();
   if (!paths) return bridges;

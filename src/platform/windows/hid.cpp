@@ -92,13 +92,13 @@ std::optional<HidFeatures> featuresOf(PHIDP_PREPARSED_DATA preparsed) {
   return features;
 }
 
-std::optional<std::string> pathOf(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& interface) {
+std::optional<std::string> devicePath(HDEVINFO devices, SP_DEVICE_INTERFACE_DATA& found) {
   DWORD size = 0;
-  SetupDiGetDeviceInterfaceDetailA(devices, &interface, nullptr, 0, &size, nullptr);
+  SetupDiGetDeviceInterfaceDetailA(devices, &found, nullptr, 0, &size, nullptr);
   std::vector<std::uint64_t> storage(size / sizeof(std::uint64_t) + 1);
   auto* const detail = reinterpret_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_A*>(storage.data());
   detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_A);
-  if (!SetupDiGetDeviceInterfaceDetailA(devices, &interface, detail, size, nullptr, nullptr)) {
+  if (!SetupDiGetDeviceInterfaceDetailA(devices, &found, detail, size, nullptr, nullptr)) {
     return std::nullopt;
   }
   return std::string(detail->DevicePath);
@@ -113,10 +113,10 @@ std::optional<std::vector<std::string>> system::listHidInterfaces() {
       SetupDiGetClassDevsA(&hid, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
   if (devices == INVALID_HANDLE_VALUE) return std::nullopt;
   std::vector<std::string> paths;
-  SP_DEVICE_INTERFACE_DATA interface {};
-  interface.cbSize = sizeof interface;
-  for (DWORD i = 0; SetupDiEnumDeviceInterfaces(devices, nullptr, &hid, i, &interface); ++i) {
-    if (auto path = pathOf(devices, interface)) paths.push_back(std::move(*path));
+  SP_DEVICE_INTERFACE_DATA found{};
+  found.cbSize = sizeof found;
+  for (DWORD i = 0; SetupDiEnumDeviceInterfaces(devices, nullptr, &hid, i, &found); ++i) {
+    if (auto path = devicePath(devices, found)) paths.push_back(std::move(*path));
   }
   SetupDiDestroyDeviceInfoList(devices);
   return paths;
