@@ -6,10 +6,10 @@
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 
-# GoogleTest is source that the Windows preset configures; llvm-14 brings llvm-dlltool, dpkg-dev
+# GoogleTest also comes as source, which the Windows preset compiles; llvm-14 brings llvm-dlltool, dpkg-dev
 # what unpacks a source package; nasm makes the JPEG encoder fast. libclang-rt-14-dev has libFuzzer.
 build=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix llvm-14 libcli11-dev libcpp-httplib-dev
-  pkgconf googletest libjsoncpp-dev libjpeg-dev nasm dpkg-dev python3)
+  pkgconf libgtest-dev libjsoncpp-dev libjpeg-dev nasm dpkg-dev python3)
 demo=(iproute2 wine64)
 test=(ccache chromium chromium-driver clang-14 clang-format-14 clang-tidy-14 git libclang-rt-14-dev lld-14 mono-mcs
   mono-runtime python3-markdown-it python3-selenium shellcheck)
