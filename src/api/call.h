@@ -1,4 +1,4 @@
-// One call of an exported function: no exception leaves it, and the trace tells of it.
+// One call of an exported function: no exception leaves it, and the trace records it.
 #pragma once
 
 #include <concepts>

@@ -5,7 +5,7 @@
 
 namespace qvx {
 
-// Newer cameras tell their features in controller register 0x80; for the others the word follows
+// Newer cameras report their features in controller register 0x80; for the others the word follows
 // from the product id. Lists the cameras when the index has none yet, sets `nPid`, and reads the
 // register and, where it matters, register 0x83. Only the low 8 bits are ever set.
 std::int32_t featureWord(int deviceIndex);

@@ -158,7 +158,7 @@ constexpr Row alternativeRows[] = {
      Values::fresh},
 };
 
-// Cameras whose lighting board is told by register 0x84 go by their own table first.
+// Cameras that identify their lighting board in register 0x84 go by their own table first.
 struct BoardRow {
   LedTest belongs;
   std::uint32_t board;
@@ -259,13 +259,13 @@ void UsbLeds::run(const Step& step) {
   }
 }
 
-// Only the 7xxx can tell whether they are in it.
+// Only the 7xxx report whether they are in it.
 void UsbLeds::enterSegmentMode() const {
   if (isSEGMode()) return;
   LedCtrlUVC5640_SegSet(device_);
 }
 
-// The steps of the board that register 0x84 tells, null when the tables by state decide.
+// The steps of the board that register 0x84 identifies, null when the tables by state decide.
 const Steps* stepsOfBoard(const LedCamera& camera, std::size_t state) {
   for (const BoardRow& row : boardRows) {
     if (ul84 == row.board && row.belongs(camera)) {

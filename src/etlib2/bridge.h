@@ -107,8 +107,8 @@ class Bridge {
 // The bridges among the system's video inputs, at most 8, in the system's order. Needs COM.
 std::vector<std::unique_ptr<Bridge>> findExtensionUnitBridges();
 
-// The bridges among all HID devices, told by the feature reports that their firmware offers: at
-// most 24, in the system's order. One that cannot be opened is among them; its accesses fail.
+// The bridges among all HID devices, recognised by the feature reports that their firmware offers:
+// at most 24, in the system's order. One that cannot be opened is among them; its accesses fail.
 std::vector<std::unique_ptr<Bridge>> findHidBridges();
 
 }  // namespace qvx

@@ -1,6 +1,6 @@
 // Which product ids make up a model family. Product ids are handed out in blocks of 16 per family;
 // the variants that end in _2 and _3 pick single models out of a block and leave gaps on purpose.
-// Nothing is asked of a camera here: the families that are told apart by a register are in
+// No camera is accessed here: the families that a register distinguishes are in
 // transport/controller.h.
 #pragma once
 

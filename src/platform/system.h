@@ -1,4 +1,4 @@
-// The platform's functions that a trace tells of, as the system itself gives them. Above the seam
+// The platform's functions that a trace records, as the system itself gives them. Above the seam
 // only src/trace/platform.cpp calls these: it defines the functions of the same names that
 // everybody else calls. Their contracts stand in the headers of their facilities.
 #pragma once

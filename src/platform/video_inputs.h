@@ -11,7 +11,7 @@ struct VideoInput {
   std::wstring friendlyName;  // what a person sees
 };
 
-// The video inputs in the system's order, leaving out those that do not tell both names.
+// The video inputs in the system's order, without those that lack one of the two names.
 // Empty when there are none or the system's list cannot be had. Needs COM on the
 // calling thread.
 std::vector<VideoInput> listVideoInputs();

@@ -48,7 +48,8 @@ void countCapabilities(StreamConfig& config);
 // Null when the filter has no picture properties.
 VideoProcAmp* queryVideoProcAmp(CaptureFilter& filter);
 
-// Sets a property and switches its automatic mode off. Whether the driver took it is not told.
+// Sets a property and switches its automatic mode off. Whether the driver accepted it is not
+// reported.
 void setProperty(VideoProcAmp& amplifier, PictureProperty property, std::int32_t value);
 
 // Nothing when the driver refuses: mostly for a property that the camera does not have.

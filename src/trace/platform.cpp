@@ -19,7 +19,7 @@ std::span<const std::uint8_t> view(const Byte* data, std::size_t size) {
   return {static_cast<const std::uint8_t*>(static_cast<const void*>(data)), size};
 }
 
-// What tells handles apart in the trace. The system may give the same one again.
+// Distinguishes handles in the trace. The system may give the same one again.
 std::int64_t numberOf(const void* handle) {
   return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(handle));
 }
@@ -294,7 +294,7 @@ std::optional<PropertyRange> getPropertyRange(VideoProcAmp& amplifier, PicturePr
   return range;
 }
 
-// Time, and what else is told.
+// Time, and other things of the machine.
 
 void tellDebugger(const std::string& line) {
   Line("note").text("text", std::string_view(line));

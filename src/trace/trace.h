@@ -36,7 +36,7 @@ class Line {
   // Text as it stands, anything else in hexadecimal and only its beginning.
   Line& content(std::span<const std::uint8_t> bytes) noexcept;
 
-  // "ok", or "error" with the thread's last error: to be told before anything can change that.
+  // "ok", or "error" with the thread's last error: call it before anything can change that.
   Line& result(bool done) noexcept;
 
   // The line will not be written.

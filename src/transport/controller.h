@@ -1,5 +1,5 @@
 // Registers of the camera's microcontroller, over whichever transport the camera has, and the model
-// families that are told apart by one of them.
+// families that one of them distinguishes.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ enum Register : std::uint8_t {
   lensDirection = 0x08,
   quadrant1Level = 0x12,  // those of quadrants 2 to 4 follow
   lensZero40 = 0x40,      // a model has its lens here,
-  threePoints = 0x40,     // or a calibration, whose layout calibrationKind tells
+  threePoints = 0x40,     // or a calibration, whose layout calibrationKind gives
   lensZero50 = 0x50,
   fineOffsetBackward = 0x5E,
   fineOffsetForward = 0x5F,
@@ -58,7 +58,7 @@ int WriteToSEG(int deviceNumber, std::uint32_t reg, std::uint32_t value);
 int isVR4xxxSeries(int pid);
 int isVK4xx7Series(int pid);
 
-// These read `ul80` and then `ul84`, and tell hardware variants of one product id apart by `ul80`.
+// These read `ul80` and then `ul84`, and distinguish hardware variants of one product id by `ul80`.
 int isVR4xxx_2Series(int pid);
 int isVR4xxx_3Series(int pid);
 int isVR3xxx_2Series(int pid);

@@ -6,7 +6,7 @@
 //   address 0x42, one-byte registers   3xxx families
 //
 // Device number 90 is the Wi-Fi camera. Unless said otherwise the family is that of `nPid`. A read
-// that fails gives 0, or 255 on USB 3; nothing tells whether a write arrived.
+// that fails gives 0, or 255 on USB 3; nothing shows whether a write arrived.
 #pragma once
 
 #include <cstdint>

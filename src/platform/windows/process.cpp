@@ -19,7 +19,7 @@ std::string formatted(const char* form, Numbers... numbers) {
   return text;
 }
 
-// GetVersion would tell what the application was built for.
+// GetVersion would report the version that the application was built for.
 std::string systemVersion() {
   using Query = LONG(WINAPI*)(OSVERSIONINFOW*);
   const auto query = reinterpret_cast<Query>(reinterpret_cast<void (*)()>(
