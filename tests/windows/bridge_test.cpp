@@ -2,7 +2,6 @@
 // cameras are registered as video inputs.
 #include <vector>
 
-#include "tests/windows/fixtures/imports.h"
 #include "tests/windows/fixtures/simulated_cameras.h"
 #include "tests/windows/support.h"
 
@@ -34,16 +33,6 @@ TEST(BridgeCamera, IsFoundReadHeardAndUnplugged) {
   EnablePressKey(0);
   SetVideoDeviceIndex(0);
   EXPECT_EQ(Init(), 0);
-}
-
-TEST(BridgeCamera, OlderFirmwareIsUnderstood) {
-  const NoPauses quick;
-  SimulatedCameras cameras({"usb:0970,zoom=63,firmware=wide", "usb:0970,zoom=30,firmware=narrow"});
-  for (int index = 0; index < 2; ++index) {
-    openCamera(index);
-    EXPECT_TRUE(measures(index, index == 0 ? 63 : 30)) << index << ": " << GetMAG(index);
-    EXPECT_EQ(cameras.violations(static_cast<std::size_t>(index)), "");
-  }
 }
 
 }  // namespace

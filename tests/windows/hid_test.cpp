@@ -29,16 +29,6 @@ TEST(HidCamera, IsFoundAmongForeignDevicesReadAndHeard) {
   EXPECT_EQ(cameras.violations(0), "");
 }
 
-TEST(HidCamera, OlderFirmwareIsUnderstood) {
-  const NoPauses quick;
-  for (const char* camera : {"hid:0970,zoom=30,firmware=wide", "hid:0970,zoom=30,chip=2"}) {
-    SimulatedCameras cameras({camera});
-    openCamera(0);
-    EXPECT_TRUE(measures(0, 30)) << camera << ": " << GetMAG(0);
-    EXPECT_EQ(cameras.violations(0), "") << camera;
-  }
-}
-
 // Devices claim capabilities of every kind; one chosen query for them fails.
 using Query = std::pair<HIDP_REPORT_TYPE, bool>;  // of buttons or of values
 std::optional<Query> refused;

@@ -62,17 +62,6 @@ TEST(WifiServer, AnswersCommandsAndRefusesWhatTheFirmwareDoesNotKnow) {
   }
 }
 
-TEST(WifiServer, TellsOfItsPictureControls) {
-  Camera camera(0x970);
-  WifiServer server(camera);
-  server.get(std::string(prefix) + "9963792&group=1&value=120");
-  const std::string document = server.get("/input_0_control.json").body;
-  EXPECT_NE(document.find(R"("name": "Gamma", "id": "9963792", "type": "1", "min": "72", "max": )"
-                          R"("500", "step": "1", "default": "100", "value": "120")"),
-            std::string::npos)
-      << document;
-}
-
 TEST(WifiServer, HandsOutWhatTheCameraSees) {
   Camera camera(0x970);
   EXPECT_EQ(WifiServer(camera).get("/?action=snapshot").status, 503);

@@ -47,13 +47,18 @@ TEST(SimulatorOptions, AreTakenOrRefused) {
   EXPECT_EQ(options.program, (std::vector<std::string>{"x", "--log"}));
   for (const std::string& line : tests::itemsIn(
            "|0970|wifi|wifi:|wifi:0|wifi:10000|wifi:97g|bluetooth:0970|wifi:0970,port=65536|"
-           "wifi:0970,port=-1|wifi:0970,zoom=1:200|wifi:0870,zoom=5|wifi:0970,name=|"
+           "wifi:0970,port=-1|wifi:0870,zoom=5|wifi:0970,name=|"
            "wifi:0970,chip=2|usb:0970,port=1|usb:0970,reports=none|usb3:09B0,firmware=wide|"
            "wifi:0970,button=2|wifi:0970,fault=half:0|wifi:0970,fault=half:|wifi:0970,fault=stall|"
            "wifi:0970,fault=half:1:2|wifi:0970,fault=half:1+|wifi:0970,fault=slow|"
            "wifi:0970 wifi:0971|--address localhost wifi:0970|--page 8064 wifi:0970|--page|"
            "--zoom 5 wifi:0970|wifi:0970 --|--log")) {
     EXPECT_NE(parse(line, options), "") << line;
+  }
+  for (const std::string& motion : tests::itemsIn(
+           "|x|0.9|-5|63x|1.2.3|.5|1:200|1:200/|1:200/10|1:200/0s|1:200/10sx|1:/10s|:200/10s|"
+           "1234567|1:200/1e3s")) {
+    EXPECT_NE(parse("wifi:0970,zoom=" + motion, options), "") << motion;
   }
 }
 
