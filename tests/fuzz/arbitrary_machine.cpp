@@ -179,32 +179,17 @@ std::string bodyFor(Input& input, const std::string& url) {
 HttpAnswer answerTo(Input& input, const std::string& url) {
   std::string body = bodyFor(input, url);
   const std::uint8_t way = input.byte();
-  if (way < 0xC0) return {true, {body}};
-  switch (way % 10) {
-    case 0:
-      return {false, {}};
-    case 1:
-      return {true, {}, input.byte() % 2 == 0};
-    case 2:
-      return {true, pieces(body, 1 + input.byte() % 64), input.byte() % 2 == 0};
-    case 3:
-      return {true, {rawText(input)}};
-    case 4:
-      return {true, {std::string(readCapacity - 100 + input.byte(), '[') + body}};
-    case 5:
-      body.insert(input.byte() % (body.size() + 1), 1, '\0');
-      break;
-    case 6:
-      body.insert(std::min<std::size_t>(4, body.size()), "-4294967296");
-      break;
-    case 7:
-      body.resize(std::min<std::size_t>(4, body.size()));
-      break;
-    case 8:
-      throw std::bad_alloc();
-    default:
-      world().clock.sleep(longStall_ms);
-  }
+  const int change = way < 0xC0 ? -1 : way % 10;
+  if (change == 0) return {false, {}};
+  if (change == 1) return {true, {}, input.byte() % 2 == 0};
+  if (change == 2) return {true, pieces(body, 1 + input.byte() % 64), input.byte() % 2 == 0};
+  if (change == 3) return {true, {rawText(input)}};
+  if (change == 4) body.insert(0, readCapacity - 100 + input.byte(), '[');
+  if (change == 5) body.insert(input.byte() % (body.size() + 1), 1, '\0');
+  if (change == 6) body.insert(std::min<std::size_t>(4, body.size()), "-4294967296");
+  if (change == 7) body.resize(std::min<std::size_t>(4, body.size()));
+  if (change == 8) throw std::bad_alloc();
+  if (change == 9) world().clock.sleep(longStall_ms);
   return {true, {body}};
 }
 

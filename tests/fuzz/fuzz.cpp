@@ -51,8 +51,6 @@ class Story {
     tests::resetLibrary();
     current = nullptr;
   }
-  Story(const Story&) = delete;
-  Story& operator=(const Story&) = delete;
 
   void run() {
     constexpr Act acts[] = {

@@ -19,16 +19,12 @@ thread_local std::uint64_t allocated = 0, refused = 0;
 
 }  // namespace
 
-MemoryFault::MemoryFault(std::uint64_t n) {
+void refuseAllocation(std::uint64_t n) {
   allocated = 0;
   refused = n;
 }
 
-MemoryFault::~MemoryFault() {
-  refused = 0;
-}
-
-std::uint64_t MemoryFault::allocations() const {
+std::uint64_t allocations() {
   return allocated;
 }
 

@@ -5,17 +5,10 @@
 
 namespace qvx::tests {
 
-// Counts the calling thread's allocations and refuses the n-th, and only that one, for as long as
-// it lives.
-class MemoryFault {
- public:
-  explicit MemoryFault(std::uint64_t n);
-  ~MemoryFault();
-  MemoryFault(const MemoryFault&) = delete;
-  MemoryFault& operator=(const MemoryFault&) = delete;
-
-  std::uint64_t allocations() const;  // since it was made
-};
+// Counts the calling thread's allocations from now on and refuses the n-th, and only that one; 0
+// refuses none.
+void refuseAllocation(std::uint64_t n);
+std::uint64_t allocations();
 
 // What all threads hold at the moment.
 std::uint64_t bytesAllocated();

@@ -28,8 +28,6 @@ class Rig {
  public:
   explicit Rig(const Path& path);
   ~Rig();
-  Rig(const Rig&) = delete;
-  Rig& operator=(const Rig&) = delete;
 
   simulator::World& machine() { return simulator::world(); }
 

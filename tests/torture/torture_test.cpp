@@ -241,22 +241,23 @@ TEST_P(Torture, EveryOperationGoesWrong) {
 TEST_P(Torture, MemoryRunsOut) {
   constexpr std::uint64_t maxPoints = 150;
   forEveryCall([&] {
-    std::uint64_t allocations = 0;
+    std::uint64_t count = 0;
     {
       ReadyRig rig(path(), *call);
-      const MemoryFault none(0);
+      refuseAllocation(0);
       rig.call(*call);
-      allocations = none.allocations();
+      count = allocations();
     }
-    for (std::uint64_t n = 1; n <= allocations && !HasFailure(); n += 1 + allocations / maxPoints) {
+    for (std::uint64_t n = 1; n <= count && !HasFailure(); n += 1 + count / maxPoints) {
       SCOPED_TRACE(std::string(call->name) + ", allocation " + std::to_string(n));
       ReadyRig& rig = readyRig();
+      refuseAllocation(n);
       try {
-        const MemoryFault fault(n);
         rig.call(*call);
       } catch (const std::bad_alloc&) {
         // The test's own: none leaves an export, which would end the program.
       }
+      refuseAllocation(0);
       rig.machine().clock.waitForOthers();
       EXPECT_TRUE(bWait == 1 || !healthy.measures) << "measuring rests for ever";
       checkRecovery();

@@ -106,22 +106,14 @@ TEST(ControlDocument, CutAnywhereIsNone) {
 }
 
 TEST(ControlDocument, ReadsNumbersAsTheirTextStarts) {
-  for (const auto& [value, expected] : {std::pair(R"("-64")", -64),
-                                        {R"(" +7x")", 7},
-                                        {R"("seven")", 0},
-                                        {R"("")", 0},
-                                        {"12", 12},
-                                        {"-3.75", -3},
-                                        {"true", 0},
-                                        {"null", 0},
-                                        {R"([5])", 0},
-                                        {R"({"5": 5})", 0},
-                                        {R"("2147483648")", 2147483647},
-                                        {R"("-99999999999999999999")", -2147483647 - 1}}) {
+  for (const std::string& row :
+       itemsIn(R"("-64" -64|" +7x" 7|"seven" 0|"" 0|12 12|-3.75 -3|true 0|null 0|[5] 0|{"5": 5} 0|)"
+               R"("2147483648" 2147483647|"-99999999999999999999" -2147483648)")) {
+    const std::size_t end = row.rfind(' ');
     const auto control =
-        controlIn(std::string(R"({"controls": [{"name": "Hue", "value": )") + value + "}]}", "Hue");
-    ASSERT_TRUE(control) << value;
-    EXPECT_EQ(control->value, expected) << value;
+        controlIn(R"({"controls": [{"name": "Hue", "value": )" + row.substr(0, end) + "}]}", "Hue");
+    ASSERT_TRUE(control) << row;
+    EXPECT_EQ(control->value, std::stoi(row.substr(end))) << row;
     EXPECT_EQ(control->range.max, 0) << "missing";
   }
 }

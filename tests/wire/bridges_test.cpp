@@ -51,16 +51,15 @@ TEST_F(BridgeWire, RegistersAndI2cOnEveryFirmware) {
     bool overHid;
     BridgeFirmware firmware;
     std::uint32_t fast;
-    // Legacy I2C reads send the sub-address first. It has the speed where no data follow.
-    std::string registers, i2cWrite, i2cRead;
+    std::string registers, i2cWrite, i2cRead;  // legacy I2C reads send the sub-address first
   } rows[] = {
       {false, BridgeFirmware::oneShot, 0, "27[32] 00 17 02 23 81, 26[32] 00 17 02, get 26 32",
        "21[32] 00 62 00 01 03 01 4D", "20[32] 00 62 00 01 03 01, get 20 32"},
-      {false, BridgeFirmware::wide, 1,
+      {false, BridgeFirmware::wide, 0,
        "27[32] 00 17 02 23 81, 1[1] 05, 11[5] 00 17 02 23 81, 1[1] 01, "
        "26[32] 00 17 02, 1[1] 03, 10[3] 00 17 02, get 10 2, 1[1] 01",
-       "21[32] 00 62 01 01 03 01 4D, 1[1] 05, 5[5] 62 02 01 03 4D, 1[1] 01, " + status,
-       "20[32] 00 62 01 01 03 01, 21[32] 00 62 01 01 03, 1[1] 04, 5[4] 62 01 01 03, 1[1] 01, " +
+       "21[32] 00 62 00 01 03 01 4D, 1[1] 05, 5[5] 62 02 01 03 4D, 1[1] 01, " + status,
+       "20[32] 00 62 00 01 03 01, 21[32] 00 62 00 01 03, 1[1] 04, 5[4] 62 01 00 03, 1[1] 01, " +
            status + ", 1[1] 03, 4[3] 62 01 01, get 4 1, 1[1] 01, " + status},
       {true, BridgeFirmware::oneShot, 1, hidRegisters,
        "97[40] 0D 00 62 01 01 03 01 4D, 93[40] 0D 00 62 01 01 03 01 4D",
@@ -96,7 +95,9 @@ TEST_F(ExtensionUnitWire, NarrowLegacyFirmware) {
             "1[1] 03, 3[3] 80 01 F2, 1[1] 01, 26[32] 80 00 01, 1[1] 03, 10[3] 80 00 01, 1[1] 01, "
             "1[1] 02, 2[2] 80 01, get 2 1, 1[1] 01");
   EXPECT_EQ(writeI2c(0x62, 0x4D), 0u);
+  etLib2_SelectI2cBus_DevNum(0, 2, 1);
   EXPECT_EQ(readI2c(0x62, 0x4D), 0u);
+  EXPECT_NE(bytes().find(", 5[4] 62 01 01 03, "), std::string::npos) << "fast, without data";
 }
 
 class ScriptedCamera : public ExtensionUnitWire {

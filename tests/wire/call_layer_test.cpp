@@ -86,8 +86,10 @@ class CallLayer : public LibraryTest {
   std::uint32_t value = 0;
 };
 
-TEST_F(CallLayer, ClosedItFailsWithoutStartingAThread) {
-  etLib2_Release();
+TEST_F(CallLayer, WithoutACameraItIsClosedAndFailsWithoutStartingAThread) {
+  machine().videoInputs.clear();
+  EXPECT_EQ(etLib2_Init(), 0);
+  EXPECT_EQ(machine().open, simulator::OpenCounts{});
   expectAllFail();
   etLib2_SelectI2cBus_DevNum(0, 2, 1);
   EXPECT_EQ(etLib2_GetDevTotalNum(), 0);

@@ -108,6 +108,7 @@ TEST_F(Enumeration, ANinthCameraIsIgnored) {
   GetDeviceIDA(0);
   EXPECT_EQ(nCurrPid, 0x877);
   for (int i = 0; i < 8; ++i) EXPECT_EQ(productIdOf(i), 0x870 + i);
+  for (const int i : {INT_MIN, -1, 8, 90, INT_MAX}) EXPECT_EQ(productIdOf(i), 0) << i;
 }
 
 TEST_F(Enumeration, NarrowPathLeavesTheLastCamerasProductId) {

@@ -4,6 +4,7 @@
 #include <climits>
 #include <numeric>
 #include <span>
+#include <sstream>
 
 #include "qvx64/api.h"
 #include "tests/support/cameras.h"
@@ -18,64 +19,67 @@ using Command = void (*)(int, qvx_long);
 
 using Lighting = LightsTest;
 
+// A number, a level, and what is sent: "0x960 5: p 3=5 p", rows with "|" between them.
 struct Sent {
-  std::uint16_t pid;
-  Command command;
-  qvx_long level;
-  const char* traffic;
+  int number = 0;
+  qvx_long level = 0;
+  std::string traffic;
 };
 
-// Levels as they come, product ids of every row and both ends of its range.
-const Sent laterCommands[] = {{0x960, SetSEGSwitch, QVX_RING_ON, "4=15 p"},
-                              {0x970, SetSEGSwitch, QVX_SEGMENT_3 | QVX_SEGMENT_4, "4=12 p"},
-                              {0x9C0, SetSEGSwitch, QVX_AXIAL_OFF, "4=32 p"},
-                              {0x9E0, SetSEGSwitch, QVX_AIM_OFF, "4=48 p"},
-                              {0x960, SetSEGSwitch, 0x10F, "4=15 p"},
-                              {0x960, SetSEGLevel, 5, "p 3=5 p"},
-                              {0x960, SetSEGLevel, -1, "p 3=255 p"},
-                              {0x960, SetSEGLevel, 0, "4=16 p 3=0 p"},
-                              {0x9C0, SetAXILevel, 6, "4=24 p 3=38 p"},
-                              {0x9C7, SetAXILevel, 0, "4=32 p 3=32 p"},
-                              {0x9C8, SetAXILevel, 0, "p 3=7 p"},
-                              {0x9E0, SetAXILevel, -1, "p 3=31 p"},
-                              {0x9EF, SetAXILevel, INT_MAX, "4=24 p 3=31 p"},
-                              {0x9D0, SetAXILevel, 2, "3=13 p 3=9 p"},
-                              {0x960, SetAXILevel, 2, "p 3=13 p 3=9 p"},
-                              {0x99F, SetAXILevel, 0, "p p 3=7 p"},
-                              {0x9C0, SetAimpointLevel, 5, "4=40 p 3=71 p"},
-                              {0x9C7, SetAimpointLevel, 6, "4=40 p 3=70 p"},
-                              {0x9E0, SetAimpointLevel, 0, "4=48 p 3=76 p"},
-                              {0x9EF, SetAimpointLevel, -1, "p 3=77 p"},
-                              {0x9E9, SetAimpointLevel, INT_MIN, "p 3=76 p"},
-                              {0x960, SetAimpointLevel, 5, "3=12 p"},
-                              {0x99F, SetAimpointLevel, 0, "3=7 p"},
-                              {0x9C8, SetAimpointLevel, 5, ""},
-                              {0x9D0, SetAimpointLevel, 5, ""},
-                              {0x9B0, SetSEGSwitch, 15, "4=15 p"},
-                              {0x9B0, SetSEGLevel, 0, "4=16 p 3=0 p"},
-                              {0x9B0, SetAXILevel, 0, "p 3=7 p"},
-                              {0x9B0, SetAXILevel, 6, "3=13 p 3=13 p"},
-                              {0x9B0, SetAimpointLevel, 1, "4=40 p 3=75 p"}};
+std::vector<Sent> sentIn(const std::string& rows) {
+  std::vector<Sent> all;
+  for (const std::string& row : itemsIn(rows)) {
+    std::istringstream words(row);
+    words.unsetf(std::ios::basefield);  // "0x" begins hexadecimal digits
+    Sent& sent = all.emplace_back();
+    words >> sent.number >> sent.level;
+    sent.traffic = row.substr(row.find(": ") + 2);
+  }
+  return all;
+}
 
-const Sent firstCommands[] = {
-    {0x960, SetSEGSwitch, 15, "F2 1 F3 1 4=15 p"},
-    {0x960, SetSEGLevel, 5, "F2 1 F3 1 p 3=5 p"},
-    {0x960, SetAXILevel, 0, "F2 1 F3 1 p p 3=7 p"},
-    {0x960, SetAimpointLevel, 1, "F2 1 F3 1 3=8 p"},
-    {0x9C7, SetSEGSwitch, 1, "R80=F5 4=1 p"},
-    {0x9C8, SetSEGSwitch, 1, "F2 1 F3 1 4=1 p"},
-    {0x9C7, SetAXILevel, 0, "4=32 p 3=32 p"},
-    {0x9D0, SetAXILevel, 0, "p 3=7 p"},
-    {0x9B0, SetSEGSwitch, 15, "4=15 p"}};  // counted, although there is no segment mode
+struct Table {
+  Command command;
+  const char* rows;  // by product id
+};
+
+static_assert(QVX_RING_ON == 15 && QVX_AXIAL_OFF == 32 && QVX_AIM_OFF == 48);
+static_assert((QVX_SEGMENT_3 | QVX_SEGMENT_4) == 12);
+
+// Levels as they come, product ids of every row and both ends of its range.
+const Table laterCommands[] = {
+    {SetSEGSwitch,
+     "0x960 15: 4=15 p|0x970 12: 4=12 p|0x9C0 32: 4=32 p|0x9E0 48: 4=48 p|0x960 271: 4=15 p|"
+     "0x9B0 15: 4=15 p"},
+    {SetSEGLevel,
+     "0x960 5: p 3=5 p|0x960 -1: p 3=255 p|0x960 0: 4=16 p 3=0 p|0x9B0 0: 4=16 p 3=0 p"},
+    {SetAXILevel,
+     "0x9C0 6: 4=24 p 3=38 p|0x9C7 0: 4=32 p 3=32 p|0x9C8 0: p 3=7 p|0x9E0 -1: p 3=31 p|"
+     "0x9EF 2147483647: 4=24 p 3=31 p|0x9D0 2: 3=13 p 3=9 p|0x960 2: p 3=13 p 3=9 p|"
+     "0x99F 0: p p 3=7 p|0x9B0 0: p 3=7 p|0x9B0 6: 3=13 p 3=13 p"},
+    {SetAimpointLevel,
+     "0x9C0 5: 4=40 p 3=71 p|0x9C7 6: 4=40 p 3=70 p|0x9E0 0: 4=48 p 3=76 p|0x9EF -1: p 3=77 p|"
+     "0x9E9 -2147483648: p 3=76 p|0x960 5: 3=12 p|0x99F 0: 3=7 p|0x9C8 5: |0x9D0 5: |"
+     "0x9B0 1: 4=40 p 3=75 p"}};
+
+// On 0x9B0 it counts, although there is no segment mode.
+const Table firstCommands[] = {
+    {SetSEGSwitch,
+     "0x960 15: F2 1 F3 1 4=15 p|0x9C7 1: R80=F5 4=1 p|0x9C8 1: F2 1 F3 1 4=1 p|0x9B0 15: 4=15 p"},
+    {SetSEGLevel, "0x960 5: F2 1 F3 1 p 3=5 p"},
+    {SetAXILevel, "0x960 0: F2 1 F3 1 p p 3=7 p|0x9C7 0: 4=32 p 3=32 p|0x9D0 0: p 3=7 p"},
+    {SetAimpointLevel, "0x960 1: F2 1 F3 1 3=8 p"}};
 
 TEST_F(Lighting, TheFirstCommandEntersSegmentMode) {
-  const auto check = [this](std::span<const Sent> rows, int before) {
-    for (const Sent& row : rows) {
-      row.pid == 0x9B0 ? plugUsb3(row.pid) : plug(row.pid);
-      SEGCount[0] = before;
-      row.command(0, row.level);
-      EXPECT_EQ(traffic(), row.traffic) << std::hex << row.pid << " " << row.level;
-      EXPECT_EQ(SEGCount[0], before + 1);
+  const auto check = [this](std::span<const Table> tables, int before) {
+    for (const Table& table : tables) {
+      for (const auto& [pid, level, expected] : sentIn(table.rows)) {
+        pid == 0x9B0 ? plugUsb3(pid) : plug(pid);
+        SEGCount[0] = before;
+        table.command(0, level);
+        EXPECT_EQ(traffic(), expected) << std::hex << pid << " " << level;
+        EXPECT_EQ(SEGCount[0], before + 1);
+      }
     }
   };
   check(firstCommands, 0);
@@ -155,18 +159,9 @@ TEST_F(Lighting, ModelIsThatOfTheCurrentDevice) {
 TEST_F(Lighting, QuadrantsOnRingsThatHaveThem) {
   plug(0x9E2);
   nPid = 0x9E2;
-  const Rows<qvx_long, qvx_long, const char*> rows = {{2, 12, "19=30 p 19=12 p"},
-                                                      {2, 31, "19=31 p"},
-                                                      {1, 300, "18=30 p 18=44 p"},
-                                                      {3, 30, "20=30 p 20=30 p"},
-                                                      {3, 5, "20=5 p"},
-                                                      {4, 0, "21=30 p 21=0 p"},
-                                                      {0, 7, "3=7 p"},
-                                                      {5, 7, ""},
-                                                      {-1, 7, ""},
-                                                      {INT_MIN, 7, ""},
-                                                      {INT_MAX, 7, ""}};
-  for (const auto& [quadrant, level, expected] : rows) {
+  for (const auto& [quadrant, level, expected] :
+       sentIn("2 12: 19=30 p 19=12 p|2 31: 19=31 p|1 300: 18=30 p 18=44 p|3 30: 20=30 p 20=30 p|"
+              "3 5: 20=5 p|4 0: 21=30 p 21=0 p|0 7: 3=7 p|5 7: |-1 7: |2147483647 7: ")) {
     SetESEG(0, quadrant, level);
     EXPECT_EQ(traffic(), expected) << quadrant;
   }

@@ -118,18 +118,14 @@ class VideoProcAmpWifi : public CameraTest {
 };
 
 TEST_F(VideoProcAmpWifi, SendsACommandAndDoesNotReadItsAnswer) {
-  const Rows<int, qvx_long, const char*> rows = {{0, -64, "9963776&group=1&value=-64"},
-                                                 {1, 95, "9963777&group=1&value=95"},
-                                                 {2, 1, "9963779&group=1&value=1"},
-                                                 {3, 0, "9963778&group=1&value=0"},
-                                                 {4, 7, "9963803&group=1&value=7"},
-                                                 {5, 500, "9963792&group=1&value=500"},
-                                                 {0, INT_MIN, "9963776&group=1&value=-2147483648"}};
-  for (const auto& [property, value, sent] : rows) {
+  const Rows<int, qvx_long, int> rows = {{0, -64, 9963776},    {1, 95, 9963777}, {2, 1, 9963779},
+                                         {3, 0, 9963778},      {4, 7, 9963803},  {5, 500, 9963792},
+                                         {0, INT_MIN, 9963776}};
+  for (const auto& [property, value, id] : rows) {
     machine().open = {};
     SetVideoProcAmp(property, value);
-    EXPECT_EQ(journal(),
-              Journal{"GET " + cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=" + sent});
+    EXPECT_EQ(journal(), Journal{"GET " + cameraUrl + "?action=commandcontrol&dest=0plugin=0&id=" +
+                                 formatted("%d&group=1&value=%d", id, value)});
     EXPECT_EQ(openHttp(), std::pair(0, 1));
   }
 }

@@ -147,7 +147,7 @@ TEST_F(CameraTest, FamiliesHaveExactlyTheirMembers) {
   WifiRegisters camera;
   machine().wifi = camera.server();
   nTmpIdx = wifiDeviceIndex;
-  const Rows<const char*, Family, Ids, int, int> variants = {
+  const Rows<const char*, Family, Ids, std::uint32_t, std::uint32_t> variants = {
       {"isVR4xxx_2Series", isVR4xxx_2Series, "9C0-9C6", 0x04, 0x04},
       {"isVR4xxx_3Series", isVR4xxx_3Series, "9C0-9C6", 0x06, 0x02},
       {"isVR3xxx_2Series", isVR3xxx_2Series, "9D0-9D2 9D7-9D8", 0x06, 0x06},
@@ -157,11 +157,12 @@ TEST_F(CameraTest, FamiliesHaveExactlyTheirMembers) {
       {"isVK3xxx_SEG_Series", isVK3xxx_SEG_Series, "9D0-9D6", 0x00, 0x00}};  // whatever it reads
   for (const auto& [name, isMember, members, mask, value] : variants) {
     for (int pid = 0x9B0; pid <= 0x9FF; ++pid) {
-      for (const int features : {0x00, 0x02, 0x04, 0x06, 0xFA, 0xFF}) {
-        camera.values[0x80] = features;
+      for (const std::uint32_t features : {0x00U, 0x02U, 0x04U, 0x06U, 0xFAU, 0xFFU}) {
+        camera.values[0x80] = camera.values[0x84] = static_cast<int>(features);
         const bool fits = (features & mask) == value;
         EXPECT_EQ(isMember(pid), members.contains(pid) && fits ? 1 : 0)
             << name << " " << std::hex << pid << " with " << features;
+        EXPECT_TRUE(mask == 0 || ul84 == features) << name;
       }
     }
   }
