@@ -150,7 +150,7 @@ Limits limitsOf(int pid, int driver, int isWide) {
 // a lens behave as if they had one.
 TEST_F(Lens, RangesAndZeroPositions) {
   const Ids zeroAt40 = "910-919 940-949 980-98F", zeroAt50 = "990-99F 9B0-9CF 9E0-9EF",
-            hasFineCoil = "9B0-9BE 9E0-9EF";
+            restores40 = "910-91F 980-98F", hasFineCoil = "9B0-9BE 9E0-9EF";
   WifiRegisters camera;
   camera.values = {{0x00, 100}, {0x40, 120}, {0x50, 140}, {0x5F, 255}, {0x5E, 255}};
   machine().wifi = camera.server();
@@ -170,6 +170,10 @@ TEST_F(Lens, RangesAndZeroPositions) {
         camera.values[0xC2] = isWide;
         const auto [upper, lower] = limitsOf(pid, driver, isWide);
         EXPECT_EQ(call(limits, 90), "1 " + std::to_string(upper) + ' ' + std::to_string(lower));
+        const char* const last = restores40.contains(pid) ? "w46.40=78"
+                                 : zeroAt50.contains(pid) ? "w46.50=8C"
+                                                          : "r62.C2 p5";
+        EXPECT_TRUE(traffic().ends_with(last)) << "goes to its zero position, if at all";
         EXPECT_EQ(call(fineLimits, 90),
                   hasFineCoil.contains(pid) && driver == coilDriver ? "1 1023 -1023" : "1 -1 -1");
         // One model moves less far than it says.
