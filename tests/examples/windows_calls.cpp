@@ -1,9 +1,9 @@
 // What the examples call of Windows, beside the library on the simulated machine: with both in one
 // shared library, examples in C# and Python run here unchanged. A Wi-Fi camera is plugged in whose
 // ring turns and whose button is touched now and then; its time runs faster than ours.
-#include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <thread>
 
 #include "simulator/platform/cameras.h"
 
@@ -23,7 +23,6 @@ constexpr std::chrono::milliseconds betweenTimers{20};
 constexpr std::uint64_t betweenTimers_ms = 250;  // of the camera's time
 
 std::mutex guard;
-std::condition_variable posted;
 std::deque<Message> messages;
 
 Camera& camera() {
@@ -59,14 +58,14 @@ int PostThreadMessageW(std::uint32_t, std::uint32_t number, std::uint64_t wParam
                        std::int64_t lParam) {
   const std::lock_guard lock(guard);
   messages.push_back({nullptr, number, wParam, lParam});
-  posted.notify_one();
   return 1;
 }
 
 int GetMessageW(Message* message, void*, std::uint32_t, std::uint32_t) {
-  std::unique_lock lock(guard);
+  std::this_thread::sleep_for(betweenTimers);
+  const std::lock_guard lock(guard);
   *message = {nullptr, timerMessage, 0, 0};
-  if (posted.wait_for(lock, betweenTimers, [] { return !messages.empty(); })) {
+  if (!messages.empty()) {
     *message = messages.front();
     messages.pop_front();
   }

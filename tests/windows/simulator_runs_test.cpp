@@ -68,13 +68,6 @@ int open(const std::string& camera) {
   return Init();
 }
 
-TEST(SimulatorRuns, KeepWhatOneApplicationSetsForTheNext) {
-  const Simulator simulator("usb:0970");
-  EXPECT_EQ(exitCodeOf("qvxctl.exe --device 0 call SetVideoProcAmp 0 20 --init"), 0u);
-  openCamera(0);
-  EXPECT_EQ(GetVideoProcAmp(0), 20);
-}
-
 TEST(SimulatorRuns, StandBesideEachOther) {
   const Simulator first("usb:0970");
   {
