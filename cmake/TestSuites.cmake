@@ -11,14 +11,12 @@ else()
 endif()
 include(GoogleTest)
 
-# qvx_add_test_suite(<name> SOURCES <file>... [LIBS <target>...] [LABELS <label>]
-#                    [RESOURCE_LOCK <name>])
+# qvx_add_test_suite(<name> SOURCES <file>... [LIBS <target>...] [LABELS <label>])
 #
-# Each test runs in a process of its own, in Windows builds under Wine with QVX64.dll beside it.
-# A suite that listens on port 8080 or changes the registry says so: RESOURCE_LOCK port8080 or
-# RESOURCE_LOCK registry. ThreadSanitizer builds have only the suites with LABELS threads.
+# Each test runs in a process of its own. ThreadSanitizer builds have only the suites with LABELS
+# threads.
 function(qvx_add_test_suite name)
-  cmake_parse_arguments(PARSE_ARGV 1 suite "" "LABELS;RESOURCE_LOCK" "SOURCES;LIBS")
+  cmake_parse_arguments(PARSE_ARGV 1 suite "" "LABELS" "SOURCES;LIBS")
   if(suite_UNPARSED_ARGUMENTS OR NOT suite_SOURCES)
     message(FATAL_ERROR "qvx_add_test_suite(${name}): wrong arguments ${suite_UNPARSED_ARGUMENTS}")
   endif()
@@ -38,17 +36,10 @@ function(qvx_add_test_suite name)
     target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
   endif()
 
-  if(WIN32)
-    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
-  endif()
-
   set(properties TIMEOUT 240)
-  foreach(property LABELS RESOURCE_LOCK)
-    if(suite_${property})
-      list(APPEND properties ${property} ${suite_${property}})
-    endif()
-  endforeach()
-  # Listed when they are run, not when they are built: the first listing under Wine makes a prefix.
+  if(suite_LABELS)
+    list(APPEND properties LABELS ${suite_LABELS})
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES
                        ${properties})
 endfunction()
