@@ -1,5 +1,6 @@
-"""Checks what QVX64.dll and the programs that ship with it show to the world: exports, imports, version,
-the camera's address, how they are protected, and that nothing in them tells where they were built."""
+"""Checks what QVX64.dll and the programs that ship with it show to the world: exports, imports,
+version, the camera's address, how they are protected, and that nothing in them tells where they
+were built."""
 
 import argparse
 import collections

@@ -41,12 +41,13 @@ let shown = '', pictures = -1;
 
 
 class Program:
-    """Runs under Wine beside the test. It prints into a file: what Wine starts beside a program would
-    keep a pipe open."""
+    """Runs under Wine beside the test. It prints into a file: what Wine starts beside a program
+    would keep a pipe open."""
 
     def __init__(self, *command):
         self.file = tempfile.NamedTemporaryFile()
-        self.process = subprocess.Popen([RUN_WINE, *command], stdin=subprocess.DEVNULL, stdout=self.file)
+        self.process = subprocess.Popen(
+            [RUN_WINE, *command], stdin=subprocess.DEVNULL, stdout=self.file)
 
     def printed(self):
         return pathlib.Path(self.file.name).read_text()

@@ -42,7 +42,8 @@ PLACES = {name: f"{ADDRESS}:{FIRST_PORT + i}" for i, name in enumerate(FAULTS)}
 # Arguments, exit code, all of standard output or what is in standard error.
 COMMANDS = [
     ("report {folder}/Größe.zip --no-serials --json", 0, r'\{"file":".*Größe.zip"\}\n'),
-    ("watch --camera {refuse} --seconds 10 --json", 0, STEADY + r'\{"event":"silent","time":"[^"]*"\}\n'),
+    ("watch --camera {refuse} --seconds 10 --json", 0,
+     STEADY + r'\{"event":"silent","time":"[^"]*"\}\n'),
     ("watch --device 90 --seconds 3 --json", 0, STEADY),
     *((arguments, 2, said) for arguments, said in [
         ("", "command is required"), ("lsit", '"lsit"'), ("lens up", '"up"'), ("list --jsn", '"--jsn"'),
@@ -80,8 +81,9 @@ COMMANDS = [
 def simulator(cameras):
     """Runs beside the clients. It must have nothing to say against them."""
     with tempfile.TemporaryFile("w+") as said:
-        process = subprocess.Popen([WINE, SIMULATOR, "--no-page", "--address", ADDRESS, *cameras],
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=said, text=True)
+        process = subprocess.Popen(
+            [WINE, SIMULATOR, "--no-page", "--address", ADDRESS, *cameras], text=True,
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=said)
         try:
             while process.stdout.readline() not in ("ready\n", ""):
                 pass
@@ -115,9 +117,11 @@ def is_report(path):
 
 def fault_of_command(arguments, expected, pattern):
     with tempfile.TemporaryDirectory() as folder:
-        words = [word.strip("'").format(folder="Z:" + folder, **PLACES) for word in arguments.split()]
+        places = {"folder": "Z:" + folder, **PLACES}
+        words = [word.strip("'").format(**places) for word in arguments.split()]
         code, printed, said = run(words)
-        left = [path.name for path in pathlib.Path(folder).iterdir() if expected or not is_report(path)]
+        files = pathlib.Path(folder).iterdir()
+        left = [path.name for path in files if expected or not is_report(path)]
     pattern = pattern.format(**PLACES) if expected else pattern
     matches = re.search(pattern, said) if expected else re.fullmatch(pattern, printed)
     if code == expected and matches and not left:
