@@ -45,9 +45,16 @@ void resetFunctions() {
   timer_2_proc::barry = -1;
 }
 
-// Of what nothing in the library reads, the part that tests look at.
 void resetKeptState() {
-  clear(n80, n83, nC5, nUSBVer, m_LEDStatus, f890d, sRegC3);
+  clear(sReg00, sReg01, sReg02, sReg40, sReg41, sReg42, sReg43, sReg44, sReg45, sReg46, sReg47,
+        sReg48, sReg49, sReg4A, sReg4B, sReg4C, sReg4D, sReg4E, sReg50, sReg60, sReg61, sReg62,
+        sReg63, sReg64, sReg65, sReg66, sReg67, sReg68, sReg69, sReg6A, sReg6B, sReg6C, sReg6D,
+        sReg6E, sReg6F, sReg80, sReg81, sReg82, sReg83, sReg84, sRegC0, sRegC1, sRegC2, sRegC3,
+        sRegC4, sRegC5);
+  clear(n80, n83, n84, nC0, nC1, nC2, nC3, nC4, nC5);
+  clear(nUSBVer, m_count, m_LEDStatus, strOrvaDeviceWF, strOrvaDeviceWFName);
+  clear(n890M11, n890M12, n890M13, n890M21, n890M22, n890M23, n890M31, n890M32, n890M33);
+  clear(f890d, f890PreMag, count_890_rate::fRatePre, count_890_rate::strPreData);
   bMAGSeries = -1;
 }
 
