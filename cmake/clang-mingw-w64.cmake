@@ -15,4 +15,5 @@ endforeach()
 set(CMAKE_C_COMPILER clang-14)
 set(CMAKE_CXX_COMPILER clang++-14)
 set(CMAKE_OBJDUMP ${target}-objdump) # LLVM's prints export tables otherwise
-add_link_options(-pthread -fuse-ld=lld)
+# A driver is linked without -pthread's libraries.
+add_link_options(-pthread -fuse-ld=lld -Wno-unused-command-line-argument)
