@@ -105,7 +105,8 @@ scripts/setup.sh test || { echo "0 passed, 1 failed"; exit 1; }
 # What several presets compile alike is compiled once.
 export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
 export CCACHE_DIR=$PWD/build/ccache CCACHE_BASEDIR=$PWD
-# Two rows of stages in the processor time that the first leaves: most of that one is waiting.
+# From the build on, one row of stages goes first and mostly waits; two others run in the processor
+# time that it leaves.
 run_stages format scripts
 run_beside native fuzz clang reproduce &
 run_stages build
