@@ -169,7 +169,7 @@ Line& Line::content(std::span<const std::uint8_t> bytes) noexcept {
 Line& Line::result(bool done) noexcept {
   if (!on_) return *this;
   const std::uint32_t error = platform::lastError();
-  return word("result", done ? "ok" : "error," + std::to_string(error));
+  return field("result", [=] { return done ? "ok" : "error," + std::to_string(error); });
 }
 
 }  // namespace qvx::trace

@@ -10,6 +10,8 @@
 #include <set>
 #include <sstream>
 
+#include "platform/process.h"
+#include "tests/torture/memory.h"
 #include "tests/torture/rig.h"
 #include "trace/trace.h"
 
@@ -187,6 +189,26 @@ TEST(Trace, EndsWhereTheDiskIsFull) {
   const Story nowhere = tell(path, "none\\camera.trace");
   EXPECT_EQ(nowhere.results, plain.results);
   EXPECT_EQ(nowhere.trace, "");
+}
+
+TEST(Trace, EndsBeforeALineThatMemoryLacksFor) {
+  Rig rig(everyPath().front());
+  const std::string& written = rig.machine().files[L"camera.trace"];
+  rig.machine().environment["QVX64_TRACE"] = traceFile;
+  bool lacks = true;
+  for (std::uint64_t n = 1; lacks; ++n) {
+    trace::end();
+    trace::begin();
+    const std::string before = written;
+    platform::setLastError(0xFFFFFFFF);
+    refuseAllocation(n);
+    trace::Line("note").text("text", "longer than what needs no memory").result(false);
+    lacks = allocations() >= n;
+    refuseAllocation(0);
+    EXPECT_EQ(trace::isOn(), !lacks) << n;
+    EXPECT_EQ(written == before, lacks) << n;
+  }
+  EXPECT_TRUE(written.ends_with("result=error,4294967295\n"));
 }
 
 }  // namespace
