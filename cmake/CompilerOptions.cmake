@@ -12,11 +12,11 @@ target_compile_options(
   INTERFACE -Wall -Wextra -Wconversion -Werror
             # In one piece clang finds the shadows of what another file names.
             $<$<NOT:$<AND:$<BOOL:${CMAKE_UNITY_BUILD}>,$<CXX_COMPILER_ID:Clang>>>:-Wshadow>
-            # clang takes the identifiers of ks.h for incomplete, COM's "nothrow" for a promise, and counts
-            # signs as conversions, which gcc does not in C++.
+            # clang counts signs as conversions, which gcc does not in C++; for Windows it takes the
+            # identifiers of ks.h for incomplete, and COM's "nothrow" for a promise.
+            $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion -Wno-unknown-pragmas>
             $<$<AND:$<BOOL:${WIN32}>,$<CXX_COMPILER_ID:Clang>>:-Wno-missing-braces
-            -Wno-microsoft-exception-spec -Wno-sign-conversion -Wno-unknown-pragmas
-            -Wno-unused-command-line-argument>
+            -Wno-microsoft-exception-spec -Wno-unused-command-line-argument>
             # The cameras' formulas are given operation by operation: none may be fused.
             -ffp-contract=off)
 

@@ -6,7 +6,9 @@ if(NOT CMAKE_CROSSCOMPILING)
 endif()
 
 qvx_find_source(libjpeg_source libjpeg-turbo)
+# What is slow in it is not C.
 qvx_build_static(libjpeg ${libjpeg_source} libjpeg.a TARGET jpeg-static CMAKE_ARGS
+                 "-DCMAKE_C_FLAGS_RELEASE=-O1 -DNDEBUG -D_FORTIFY_SOURCE=2"
                  -DENABLE_SHARED=OFF -DWITH_TURBOJPEG=OFF)
 # jconfig.h is made by its configuration.
 set(libjpeg_build ${PROJECT_BINARY_DIR}/libjpeg)

@@ -19,8 +19,8 @@ constexpr std::size_t oneShotSize = 32, commandSize = 256, maxLegacyBytes = 255;
 
 }  // namespace
 
-std::string inWords(const PropertySetId& set, std::uint32_t selector) {
-  return hex(set.data1, 8).substr(2) + '/' + std::to_string(selector);
+std::string inWords(const PropertyId& property) {
+  return hex(property.set.data1, 8).substr(2) + '/' + std::to_string(property.selector);
 }
 
 bool ExtensionUnit::supports(const PropertySetId& set) const {

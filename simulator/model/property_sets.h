@@ -25,8 +25,13 @@ struct PropertySetId {
   bool operator==(const PropertySetId&) const = default;
 };
 
+struct PropertyId {
+  const PropertySetId& set;
+  std::uint32_t selector;
+};
+
 // A property's name in the log: the first field of its set and its number, "5A215226/26".
-std::string inWords(const PropertySetId& set, std::uint32_t selector);
+std::string inWords(const PropertyId& property);
 
 // The setup packet of a control transfer.
 struct UsbSetup {

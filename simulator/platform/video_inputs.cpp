@@ -34,15 +34,15 @@ class SimulatedFilter final : public TopologyFilter {
 
   PropertyOutcome getProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
                               void* data, std::uint32_t size) override {
-    return world().operate("get ", inWords(idOf(set), id), " ", size) && connection_.isThere() &&
+    return world().operate("get ", PropertyId{idOf(set), id}, " ", size) && connection_.isThere() &&
            nodes_.at(node)->getProperty(idOf(set), id, {static_cast<std::uint8_t*>(data), size});
   }
 
   PropertyOutcome setProperty(std::uint32_t node, const PropertySet& set, std::uint32_t id,
                               const void* data, std::uint32_t size) override {
     const Bytes bytes(static_cast<const std::uint8_t*>(data), size);
-    return world().operate("set ", inWords(idOf(set), id), ": ", bytes) && connection_.isThere() &&
-           nodes_.at(node)->setProperty(idOf(set), id, bytes);
+    return world().operate("set ", PropertyId{idOf(set), id}, ": ", bytes) &&
+           connection_.isThere() && nodes_.at(node)->setProperty(idOf(set), id, bytes);
   }
 
  private:

@@ -141,6 +141,7 @@ class World : public Furniture {
   static std::string inWords(std::integral auto number) { return std::to_string(number); }
   static std::string inWords(Bytes bytes) { return hex(bytes); }
   static std::string inWords(const UsbSetup& setup) { return simulator::inWords(setup); }
+  static std::string inWords(const PropertyId& property) { return simulator::inWords(property); }
   void write(std::string line);
   bool proceeds(Operation kind);
 

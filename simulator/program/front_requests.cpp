@@ -57,7 +57,7 @@ std::string inWords(const RequestHead& head) {
     case RequestKind::control:
       return "control " + inWords(head.setup);
     case RequestKind::property:
-      return verb + inWords(head.set, head.number);
+      return verb + inWords(PropertyId{head.set, head.number});
     case RequestKind::feature:
       return verb + (head.sets != 0 ? "feature" : "feature " + hex(head.number, 2).substr(2));
     default:

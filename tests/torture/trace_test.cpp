@@ -181,7 +181,7 @@ TEST(Trace, TellsEveryAccessByItsGrammarAndChangesNone) {
 TEST(Trace, EndsWhereTheDiskIsFull) {
   const Path& path = everyPath().front();
   const Story plain = tell(path, "");
-  for (const std::size_t room : {0, 1, 200, 5000}) {
+  for (const std::size_t room : {0U, 1U, 200U, 5000U}) {
     const Story story = tell(path, traceFile, room);
     EXPECT_EQ(story.results, plain.results);
     EXPECT_EQ(story.trace.size(), room);

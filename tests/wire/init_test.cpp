@@ -113,9 +113,9 @@ TEST_F(InitWifi, ReadsTheProductIdFromTheDeviceList) {
       {{"res:-2147483648"}, 0, true}};
   for (const auto& [chunks, pid, toEverything] : rows) {
     nPid = nCurrPid = 0;
-    machine().wifi = [&](const std::string& url) {
-      const bool isIt = url.ends_with(".json") || (toEverything && url != cameraUrl);
-      return isIt ? simulator::HttpAnswer{true, chunks} : camera.answer(url);
+    machine().wifi = [&, all = toEverything, answer = chunks](const std::string& url) {
+      const bool isIt = url.ends_with(".json") || (all && url != cameraUrl);
+      return isIt ? simulator::HttpAnswer{true, answer} : camera.answer(url);
     };
     EXPECT_EQ(initQuietly(), 1);
     EXPECT_EQ(nPid, pid);

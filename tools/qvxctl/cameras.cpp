@@ -5,6 +5,7 @@
 #include <limits>
 #include <string_view>
 
+#include "address.h"
 #include "failure.h"
 #include "output.h"
 #include "text.h"

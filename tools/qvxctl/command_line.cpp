@@ -2,40 +2,16 @@
 
 #include <windows.h>
 
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 
+#include "address.h"
 #include "output.h"
 #include "text.h"
 
 namespace qvxctl {
 
 namespace {
-
-// Read by the library at each Init and at its first use.
-constexpr wchar_t addressVariable[] = L"QVX64_WIFI_CAMERA";
-constexpr char defaultPort[] = ":8080";
-
-// Strict, because the library ignores an address that it does not understand, and then looks for a
-// camera elsewhere. Leading zeros show when the numbers are printed again.
-std::string notAnAddress(const std::string& text) {
-  std::array<unsigned, 4> part{};
-  unsigned port = 1;
-  const int count = std::sscanf(text.c_str(), "%3u.%3u.%3u.%3u:%5u", &part[0], &part[1], &part[2],
-                                &part[3], &port);
-  std::string printed;
-  for (const unsigned number : part)
-    printed += (printed.empty() ? "" : ".") + std::to_string(number);
-  if (count > 4) printed += ':' + std::to_string(port);
-  const bool inRange = std::ranges::max(part) <= 255 && port >= 1 && port <= 65535;
-  return count >= 4 && inRange && printed == text ? "" : '"' + text + "\" is no IPV4[:PORT]";
-}
-
-void useAddress(const std::string& text) {
-  SetEnvironmentVariableW(addressVariable, wide(text).c_str());
-}
 
 // As a full path, because the self-test changes the current folder.
 void useTrace(const std::string& text) {
@@ -154,15 +130,6 @@ void describeHelp(CLI::App& app) {
   app.formatter(format);
   app.set_help_flag("--help", "print this help, or that of the command that is given");
   app.group("Commands");
-}
-
-std::string wifiCameraAddress() {
-  wchar_t given[64] = {};
-  const DWORD length = GetEnvironmentVariableW(addressVariable, given, std::size(given));
-  if (length == 0) return QVXCTL_CAMERA_ADDRESS + std::string(defaultPort);
-  if (length >= std::size(given)) return "QVX64_WIFI_CAMERA, which is no address";
-  const std::string address = utf8(given);
-  return address.find(':') == std::string::npos ? address + defaultPort : address;
 }
 
 }  // namespace qvxctl

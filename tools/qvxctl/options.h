@@ -22,7 +22,4 @@ struct Options {
   int index() const { return device.value_or(wifiCamera ? QVX_WIFI_CAMERA : QVX_CHOOSE); }
 };
 
-// Where the library looks for the Wi-Fi camera.
-std::string wifiCameraAddress();
-
 }  // namespace qvxctl
