@@ -25,8 +25,8 @@ stage_native() { build_and_test native; }
 
 stage_tsan() { build_and_test tsan; }
 
-# Half a minute of what scripts/fuzz.sh does for as long as it is given, always with the same inputs.
-stage_fuzz() { scripts/fuzz.sh 30 1; }
+# Twenty seconds of what scripts/fuzz.sh does for as long as it is given, always with the same inputs.
+stage_fuzz() { scripts/fuzz.sh 20 1; }
 
 # Under Wine, with the programs that use the installed package, and a camera beside it. Most of it is
 # waiting.
