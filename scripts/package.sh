@@ -9,10 +9,14 @@ zip=build/QVX64-$version-windows-x64.zip
 content=build/package/QVX64-$version
 simulated=(qvx-simulator.exe qvx-capture-filter.dll qvx-hid-bridge.sys)
 
-# The DLL as it is shipped: it looks for its camera at the address that was configured.
-check_dll() {
-  python3 tests/windows/check_exports.py "$content/bin/QVX64.dll" --version "$version" \
-    --camera-address "$(sed -n 's/^QVX_CAMERA_ADDRESS:STRING=//p' build/release/CMakeCache.txt)"
+# As they are shipped: the DLL looks for its camera at the address that was configured.
+check_files() {
+  local file address
+  address=$(sed -n 's/^QVX_CAMERA_ADDRESS:STRING=//p' build/release/CMakeCache.txt)
+  for file in bin/QVX64.dll bin/qvxctl.exe simulator/qvx-simulator.exe; do
+    python3 scripts/package/check_file.py "$content/$file" --version "$version" \
+      --camera-address "$address" || return
+  done
 }
 
 # Nobody has to find a DLL for the other programs either.
@@ -52,7 +56,7 @@ build_preset release >"$logs/package-build.log" 2>&1 || {
   fail "the build failed"
 }
 { copy_files && sum_up; } || fail "cannot put together $content"
-check_dll || fail "the DLL is not fit to be shipped"
+check_files || fail "not fit to be shipped"
 check_programs
 python3 scripts/package/make_zip.py "$content" "$zip.untried" "$time" || exit 1
 if [ "${1:-}" != --untried ]; then
