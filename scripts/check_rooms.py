@@ -2,7 +2,7 @@
 """Holds src/ to its plan: calls go one way, and the tests' reset knows every global.
 
 Prints each include that runs up or across, each condition of the preprocessor above the seam, and each
-global that tests/support/reset_library.cpp does not put back.
+global that tests/support/reset_library.cpp does not put back to what it is at first.
 """
 import pathlib
 import re
@@ -51,6 +51,17 @@ def names_of(declaration):
     return [re.search(r"(\w+)\s*(=.*)?$", part.strip())[1] for part in declaration.split(",")]
 
 
+def value(text):
+    """Of an initialiser or an assignment; all ways to write zero are one."""
+    return "" if text in (None, "0", "nullptr") else text
+
+
+def reset_as_at_first(name, declaration):
+    at_first = re.search(rf"\b{name}\b(?: = ([^,;]+)|{{([^}}]*)}})?", declaration)
+    assigned = re.search(rf"\b{name} = ([^;]+);", reset)  # else it is cleared
+    return value(at_first[1] or at_first[2]) == value(assigned and assigned[1])
+
+
 def globals_kept(path, lines):
     if path.suffix != ".h":
         return
@@ -61,6 +72,8 @@ def globals_kept(path, lines):
         for name in names_of(found[1]):
             if not re.search(rf"\b{name}\b", reset):
                 yield text[: found.start()].count("\n") + 1, f"resetLibrary leaves {name} as it is"
+            elif not reset_as_at_first(name, found[1]):
+                yield text[: found.start()].count("\n") + 1, f"resetLibrary gives {name} another value"
 
 
 def main():
