@@ -31,12 +31,17 @@ std::string unquoted(const std::string& text) {
   return text.size() < 2 ? text : text.substr(1, text.size() - 2);
 }
 
+struct LineForm {
+  std::regex whole;
+  Lines fields;
+};
+
 // Each kind of line as docs/trace.md lists its fields: one with a question mark may be missing, one
 // with a star may occur any number of times.
-std::map<std::string, std::regex> documentedLines() {
+std::map<std::string, LineForm> documentedLines() {
   const std::string item = R"re((?:"(?:[^"\\\x00-\x1F]|\\["\\]|\\u00[0-9a-f]{2})*"|[^\s",]*))re";
   std::ifstream document(QVX_TRACE_DOCUMENT);
-  std::map<std::string, std::regex> lines;
+  std::map<std::string, LineForm> lines;
   std::string text;
   while (std::getline(document, text) && text != "```fields") {
   }
@@ -44,13 +49,14 @@ std::map<std::string, std::regex> documentedLines() {
     std::istringstream words(text);
     std::string name, field, form = "[0-9]+ [0-9]+ [0-9]+ [0-9]+ ";
     words >> name;
+    Lines& fields = lines[name].fields;
     form += name;
     while (words >> field) {
       const std::size_t end = std::min(field.find_first_of("?*"), field.size());
-      form +=
-          "(?: " + field.substr(0, end) + "=" + item + "(?:," + item + ")*)" + field.substr(end);
+      fields.push_back(field.substr(0, end));
+      form += "(?: " + fields.back() + "=" + item + "(?:," + item + ")*)" + field.substr(end);
     }
-    lines.emplace(name, form);
+    lines[name].whole = form;
   }
   return lines;
 }
@@ -66,7 +72,7 @@ std::vector<Event> eventsIn(const std::string& trace) {
     Event event;
     for (int i = 0; i < 5; ++i) words >> event[kind];  // behind four numbers
     const auto line = documented.find(event[kind]);
-    EXPECT_TRUE(line != documented.end() && std::regex_match(text, line->second)) << text;
+    EXPECT_TRUE(line != documented.end() && std::regex_match(text, line->second.whole)) << text;
     for (std::sregex_iterator at(text.begin(), text.end(), field), end; at != end; ++at)
       event.emplace((*at)[1], (*at)[2]);
     events.push_back(event);
@@ -156,7 +162,7 @@ Story tell(const Path& path, const std::string& file, std::optional<std::size_t>
 }
 
 TEST(Trace, TellsEveryAccessByItsGrammarAndChangesNone) {
-  std::set<std::string> seen = {"busy", "late", "note"};  // rare: here everything comes in time
+  std::set<std::string> seen;  // kinds, and fields of kinds
   for (const Path& path : everyPath()) {
     SCOPED_TRACE(path.name());
     const Story plain = tell(path, ""), traced = tell(path, traceFile);
@@ -164,7 +170,9 @@ TEST(Trace, TellsEveryAccessByItsGrammarAndChangesNone) {
     EXPECT_EQ(traced.journal, plain.journal);
     EXPECT_EQ(traced.results, plain.results);
     const std::vector<Event> events = eventsIn(traced.trace);
-    for (const Event& event : events) seen.insert(event.at(kind));
+    for (const Event& event : events) {
+      for (const auto& [field, value] : event) seen.insert(event.at(kind) + " " + field);
+    }
     const Lines told = accessesIn(events), accesses = accessesIn(traced.journal);
     const auto [one, other] = std::ranges::mismatch(told, accesses);
     EXPECT_TRUE(one == told.end() && other == accesses.end())
@@ -173,7 +181,13 @@ TEST(Trace, TellsEveryAccessByItsGrammarAndChangesNone) {
   }
   const auto documented = documentedLines();
   EXPECT_GT(documented.size(), 20U);
-  EXPECT_EQ(seen.size(), documented.size());
+  // Here all comes in time and as text, and no USB 3 camera is one with product id 0.
+  const std::regex rare("(busy|late|note) .*|answer bytes|usb3-find [^r].*");
+  for (const auto& [name, line] : documented) {
+    for (const std::string& field : line.fields)
+      EXPECT_TRUE(seen.contains(name + " " + field) || std::regex_match(name + " " + field, rare))
+          << name << " " << field;
+  }
 }
 
 // Whatever room the disk has: the calls go on, and the lines that fitted are whole but for the
