@@ -35,11 +35,12 @@ inline std::string hex(std::uint64_t value, int digits) {
 // "62 80"
 inline std::string hex(Bytes bytes) {
   constexpr char digits[] = "0123456789ABCDEF";
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    if (!text.empty()) text += ' ';
-    text += {digits[byte >> 4], digits[byte & 15]};
+  std::string text(3 * bytes.size(), ' ');
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    text[3 * i] = digits[bytes[i] >> 4];
+    text[3 * i + 1] = digits[bytes[i] & 15];
   }
+  if (!text.empty()) text.pop_back();
   return text;
 }
 

@@ -58,7 +58,10 @@ class World : public Furniture {
   // the operation may succeed. The line is built only if it is kept.
   template <class... Words>
   void note(const Words&... words) {
-    if (keepsJournal) write((std::string() + ... + inWords(words)));
+    if (!keepsJournal) return;
+    std::string line;
+    (line.append(inWords(words)), ...);
+    write(std::move(line));
   }
   template <class... Words>
   bool operate(const Words&... words) {
@@ -137,7 +140,7 @@ class World : public Furniture {
     OpenCounter counter;
   };
 
-  static std::string inWords(const std::string& text) { return text; }
+  static std::string_view inWords(std::string_view text) { return text; }
   static std::string inWords(std::integral auto number) { return std::to_string(number); }
   static std::string inWords(Bytes bytes) { return hex(bytes); }
   static std::string inWords(const UsbSetup& setup) { return simulator::inWords(setup); }
