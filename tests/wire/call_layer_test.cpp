@@ -262,6 +262,7 @@ TEST_F(Eeprom, SelectsItsBusAndSwapsTheAddress) {
   std::uint8_t answer = 0;
   sub = {0x34, 0x01};
   EXPECT_EQ(etLib2_I2cRead_DevNum(0, 0xA0, 2, sub.data(), 1, &answer), 0u);
+  EXPECT_NE(etLib2_I2cRead_DevNum(1, 0xA0, 2, sub.data(), 1, &answer), 0u) << "no such bridge";
   EXPECT_EQ(answer, 0x5A);
   EXPECT_EQ(complaintsOf(camera.camera), "");
 }
