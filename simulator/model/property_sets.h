@@ -25,6 +25,7 @@ struct PropertySetId {
   bool operator==(const PropertySetId&) const = default;
 };
 
+// One property of a set, for as long as the set is there.
 struct PropertyId {
   const PropertySetId& set;
   std::uint32_t selector;
