@@ -28,7 +28,8 @@ AT_ONCE = 4  # clients
 FAMILIES = {
     "wifi": ["wifi:0870 wifi:0890 wifi:091A wifi:0920 wifi:0922 wifi:0978 wifi:0998 wifi:09A0 "
              "wifi:09B0 wifi:09C4 wifi:09D0 wifi:09E0"],
-    "usb": ["usb:0870 usb:0890 usb:0910 usb:0930 usb:09E2 usb3:09B0 usb3:09B1"],
+    # One USB 3 camera at a time: the library opens the first, so two clients would share it.
+    "usb": ["usb:0870 usb:0890 usb:0910 usb:0930 usb:09E2 usb3:09B0", "usb3:09B1"],
     "hid": ["hid:0870 hid:0920 hid:0968 hid:0985 hid:0998",
             "hid:09A0 hid:09C7 hid:09D0 hid:09E4"],
 }
